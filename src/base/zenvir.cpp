@@ -18,8 +18,8 @@ std::FILE* stream_of(int unit) {
 }
 
 void write_line(std::FILE* stream, std::string_view first, std::string_view second = {}) {
-    std::fwrite(first.data(), 1, first.size(), stream);
-    std::fwrite(second.data(), 1, second.size(), stream);
+    for (std::string_view part : {first, second})
+        if (!part.empty()) std::fwrite(part.data(), 1, part.size(), stream);
     std::fputc('\n', stream);
     // Flushed at once so that the log survives a host program that ends abruptly.
     std::fflush(stream);
