@@ -72,6 +72,15 @@ double psi_of(double d, double beta, double ksi) {
     return -ksi * (beta + d) / (beta * d);
 }
 
+// The properties that follow from c and beta in both regions.
+void complete_common(double T, double P, double v, double d, derived_properties& r) {
+    r.alpha = alpha_of(P, v, r.c, r.beta);
+    r.chi = chi_of(T, P, v);
+    r.fi = fi_of(T);
+    r.ksi = ksi_of(P, d, r.alpha, r.beta);
+    r.psi = psi_of(d, r.beta, r.ksi);
+}
+
 // ---- Two-phase region of a pure fluid ----------------------------------------------------------
 
 // One saturated phase, SI: v m³/kg, s and cp J/(kg K), cv kJ/(kg K), pressure derivatives per Pa.
@@ -276,6 +285,23 @@ double sound_speed_of(const first_order_state& st) {
 
 } // namespace
 
+derived_properties single_phase_derived(double p, double t, double v, double d, double cv,
+                                        double dpdt, double dpdv, double d2pdt2, double d2pdv2,
+                                        double d2pdtdv, double dcvdt) {
+    const double T = t + kelvin_offset;
+    const double P = pa_per_bar * p;
+    derived_properties r;
+    r.cp = cp_of(T, cv, dpdt, dpdv);
+    r.c = c_of(v, cv, r.cp, dpdv);
+    r.beta = beta_of(cv, dpdt);
+    r.zeta = zeta_of(T, P, cv, dpdt);
+    r.theta = theta_of(v, dpdt, dpdv);
+    r.kappa = kappa_of(v, dpdv);
+    r.gamma = gamma_of(T, v, r.c, cv, dpdt, d2pdt2, d2pdv2, d2pdtdv, dcvdt);
+    complete_common(T, P, v, d, r);
+    return r;
+}
+
 bool is_single_phase(std::string_view inputspec, double q) {
     if (q < 1e-8 || q > 0.99999999) return true;
     const std::string_view marker = inputspec.size() > 3 ? inputspec.substr(3, 3) : "";
@@ -308,16 +334,9 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
         alpha = beta = chi = fi = ksi = psi = zeta = theta = kappa = gamma = not_set;
         return;
     }
-    const double T = t + kelvin_offset;
-    const double P = pa_per_bar * p;
+    derived_properties r;
     if (is_single_phase(inputspec, q)) {
-        cp = cp_of(T, cv, dpdt, dpdv);
-        c = c_of(v, cv, cp, dpdv);
-        beta = beta_of(cv, dpdt);
-        zeta = zeta_of(T, P, cv, dpdt);
-        theta = theta_of(v, dpdt, dpdv);
-        kappa = kappa_of(v, dpdv);
-        gamma = gamma_of(T, v, c, cv, dpdt, d2pdt2, d2pdv2, d2pdtdv, dcvdt);
+        r = single_phase_derived(p, t, v, d, cv, dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt);
     } else {
         if (is_mixture()) {
             cp = c = alpha = beta = chi = fi = ksi = psi = zeta = theta = kappa = gamma = not_set;
@@ -329,16 +348,13 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
             !saturated_from_bundle(zentropia_base::allthermophys, t, 1.0, vap, errormsg) ||
             !two_phase(t, p, q, v, liq, vap, true, tp, errormsg))
             return;
-        cp = not_set;
-        c = tp.c, beta = tp.beta, zeta = tp.zeta, gamma = tp.gamma;
+        r.cp = r.theta = r.kappa = not_set;
+        r.c = tp.c, r.beta = tp.beta, r.zeta = tp.zeta, r.gamma = tp.gamma;
         cv = tp.cv;
-        theta = kappa = not_set;
+        complete_common(t + kelvin_offset, pa_per_bar * p, v, d, r);
     }
-    alpha = alpha_of(P, v, c, beta);
-    chi = chi_of(T, P, v);
-    fi = fi_of(T);
-    ksi = ksi_of(P, d, alpha, beta);
-    psi = psi_of(d, beta, ksi);
+    cp = r.cp, c = r.c, alpha = r.alpha, beta = r.beta, chi = r.chi, fi = r.fi;
+    ksi = r.ksi, psi = r.psi, zeta = r.zeta, theta = r.theta, kappa = r.kappa, gamma = r.gamma;
 }
 
 void allderivativesu2(std::string_view inputspec, double input1, double input2, double p, double t,

@@ -19,6 +19,15 @@ namespace zentropia_derivative {
 // input specification (characters 4 to 6 "liq" or "vap", or characters 5 and 6 "ph")
 bool is_single_phase(std::string_view inputspec, double q);
 
+// The derivative properties of one state.
+struct derived_properties {
+    double cp, c, alpha, beta, chi, fi, ksi, psi, zeta, theta, kappa, gamma;
+};
+// Derivative properties of a single-phase state from its pressure derivatives.
+derived_properties single_phase_derived(double p, double t, double v, double d, double cv,
+                                        double dpdt, double dpdv, double d2pdt2, double d2pdv2,
+                                        double d2pdtdv, double dcvdt);
+
 // The twelve derivative properties of a state evaluated by the dispatcher; cv is replaced by the
 // two-phase value in the two-phase region. Does nothing unless errormsg is "No errors".
 void allderivative(std::string_view inputspec, double input1, double input2, double p, double t,
