@@ -1,0 +1,140 @@
+#pragma once
+// The operations every back-end adapter offers the dispatcher, as one row of function pointers per
+// back-end. A null pointer means the adapter does not offer that operation; the dispatcher then
+// answers with its own text. Values cross this boundary in the library's internal units
+// (°C, bar, m³/kg, kg/m³, kJ/kg, kJ/(kg K), Pa s, W/(m K), N/m, kg/mol; pressure derivatives per
+// pascal).
+#include "base/common.hpp"
+
+#include <array>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zp_adapter {
+
+using zp_common::composition;
+using component_names = std::array<std::string, zp_common::max_components>;
+using version_numbers = std::array<int, 4>;
+// values per phase of the all-phases bundle: vapour, first liquid, second liquid
+inline constexpr int max_phases = 3;
+using phase_values = std::array<double, max_phases>;
+
+// the full state of one evaluation; an adapter leaves untouched what it does not compute
+using allprops_op = void (*)(std::string_view inputspec, double value1, double value2, double& p,
+                             double& t, double& v, double& d, double& h, double& s, double& u,
+                             double& q, composition& x, composition& y, composition& lnphi,
+                             double& cv, double& dpdt, double& dpdv, double& d2pdt2, double& d2pdv2,
+                             double& d2pdtdv, double& dcvdt, double& eta, double& lambda,
+                             double& sigma, std::string& errormsg);
+// state from specific volume v and internal energy u (both in, the rest out)
+using zflow_vu_op = void (*)(double& p, double& t, double v, double& h, double& s, double u,
+                             double& cv, double& dpdt, double& dpdv, double& d2pdt2, double& d2pdv2,
+                             double& d2pdtdv, double& dcvdt, std::string& errormsg);
+// a composition vector of the back-end's components at a state
+using composition_op = void (*)(std::string_view inputspec, double value1, double value2,
+                                composition& output, std::string& errormsg);
+// points of the phase envelope; x[i], y[i] are the phase compositions at point i
+using phaseenvelope_op = void (*)(int& npnts, std::span<double> t, std::span<double> p,
+                                  std::span<composition> x, std::span<composition> y,
+                                  std::string& errormsg);
+
+struct operations {
+    std::string_view model; // canonical name of the back-end, as its error texts name it
+    bool installed;         // false: every operation answers "back-end library not installed"
+    void (*zp_sub)();
+    void (*getversion)(version_numbers& version);
+    void (*uninit)();
+    // sublibrary is the model a table back-end is built for; other back-ends ignore it
+    void (*setfluid)(std::string_view sublibrary, int ncomp, std::span<const std::string> comp,
+                     std::span<const double> conc, std::string& errormsg);
+    void (*getfluid)(int& ncomp, component_names& comp, composition& conc);
+    void (*getcompset)(int& ncomps, std::vector<std::string>& compset, std::string& errormsg);
+    double (*getinfo)(std::string_view property, std::string& errormsg);
+    double (*prop)(std::string_view inputspec, double value1, double value2,
+                   std::string_view outputspec, std::string& errormsg);
+    allprops_op allprops;
+    composition_op liquidcmp;
+    composition_op vaporcmp;
+    composition_op fugacoef;
+    zflow_vu_op zflow_vu;
+    void (*psat_k1)(double k1, double t, double& psat, std::string& errormsg);
+    phaseenvelope_op phaseenvelope;
+};
+
+// The operations an adapter offers; the rest stay null in its row.
+struct offers {
+    bool setfluid = false, getfluid = false, getcompset = false, getinfo = false, prop = false,
+         allprops = false, liquidcmp = false, vaporcmp = false, fugacoef = false, zflow_vu = false,
+         psat_k1 = false, phaseenvelope = false;
+};
+
+// writes "Error in <model>: back-end library not installed."
+void not_installed(std::string_view model, std::string& errormsg);
+
+// The answers of an adapter whose back-end library is not shipped: every operation with an error
+// text reports the missing library, numeric results are -8888.8, outputs stay untouched.
+template <const std::string_view& Model> struct absent {
+    static void fail(std::string& errormsg) { not_installed(Model, errormsg); }
+    static void nothing() {}
+    static void version(version_numbers&) {}
+    static void setfluid(std::string_view, int, std::span<const std::string>,
+                         std::span<const double>, std::string& errormsg) {
+        fail(errormsg);
+    }
+    static void getfluid(int&, component_names&, composition&) {}
+    static void getcompset(int&, std::vector<std::string>&, std::string& errormsg) {
+        fail(errormsg);
+    }
+    static double getinfo(std::string_view, std::string& errormsg) {
+        fail(errormsg);
+        return zp_common::not_set;
+    }
+    static double prop(std::string_view, double, double, std::string_view, std::string& errormsg) {
+        fail(errormsg);
+        return zp_common::not_set;
+    }
+    static void allprops(std::string_view, double, double, double&, double&, double&, double&,
+                         double&, double&, double&, double&, composition&, composition&,
+                         composition&, double&, double&, double&, double&, double&, double&,
+                         double&, double&, double&, double&, std::string& errormsg) {
+        fail(errormsg);
+    }
+    static void composition_vector(std::string_view, double, double, composition&,
+                                   std::string& errormsg) {
+        fail(errormsg);
+    }
+    static void zflow_vu(double&, double&, double, double&, double&, double, double&, double&,
+                         double&, double&, double&, double&, double&, std::string& errormsg) {
+        fail(errormsg);
+    }
+    static void psat_k1(double, double, double&, std::string& errormsg) { fail(errormsg); }
+    static void phaseenvelope(int&, std::span<double>, std::span<double>, std::span<composition>,
+                              std::span<composition>, std::string& errormsg) {
+        fail(errormsg);
+    }
+
+    // the row of such an adapter: the offered operations answer as above
+    static constexpr operations row(offers o) {
+        return {Model,
+                false,
+                &nothing,
+                &version,
+                &nothing,
+                o.setfluid ? &setfluid : nullptr,
+                o.getfluid ? &getfluid : nullptr,
+                o.getcompset ? &getcompset : nullptr,
+                o.getinfo ? &getinfo : nullptr,
+                o.prop ? &prop : nullptr,
+                o.allprops ? &allprops : nullptr,
+                o.liquidcmp ? &composition_vector : nullptr,
+                o.vaporcmp ? &composition_vector : nullptr,
+                o.fugacoef ? &composition_vector : nullptr,
+                o.zflow_vu ? &zflow_vu : nullptr,
+                o.psat_k1 ? &psat_k1 : nullptr,
+                o.phaseenvelope ? &phaseenvelope : nullptr};
+    }
+};
+
+} // namespace zp_adapter

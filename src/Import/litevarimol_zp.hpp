@@ -1,0 +1,12 @@
+#pragma once
+// Adapter of the liteVarimol back-end. The back-end library is not shipped yet: every operation
+// answers "Error in liteVarimol: back-end library not installed." and leaves its outputs as they
+// were.
+#include "Import/adapter.hpp"
+
+namespace litevarimol_zp {
+
+// the adapter's row of the dispatch table
+extern const zp_adapter::operations operations;
+
+} // namespace litevarimol_zp
