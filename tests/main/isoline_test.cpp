@@ -301,16 +301,4 @@ TEST_F(IsolineInputOrder, BothOrdersRejectedEndsWithTheMessage) {
     for (double v : l.run) EXPECT_EQ(v, untouched);
 }
 
-TEST(SaturationLine, IF97HasNoPhaseEnvelope) {
-    select_water("SI", "PerMass");
-    std::vector<double> t(4, untouched), p(4, untouched);
-    std::vector<zp_common::composition> x(4), y(4);
-    int npnts = 4;
-    std::string errormsg;
-    zentropia_main::saturation_line(npnts, t, p, x, y, errormsg);
-    EXPECT_EQ(errormsg, "Error in Zentropia: phase envelope method for IF97not available.");
-    for (double v : t) EXPECT_EQ(v, untouched);
-    for (double v : p) EXPECT_EQ(v, untouched);
-}
-
 } // namespace
