@@ -320,6 +320,15 @@ std::string molar_mass_error(double mmol) {
     return error("molar mass " + std::string(value) + " kg/mol unusable for a per-mole unit");
 }
 
+// mmol^p; the small integer powers of units by products, as this runs for every phase.
+double molar_factor(double mmol, double p) {
+    const double n = std::fabs(p);
+    if (n != std::floor(n) || n > 8.0) return std::pow(mmol, p);
+    double f = 1.0;
+    for (int k = 0; k < static_cast<int>(n); ++k) f *= mmol;
+    return p < 0.0 ? 1.0 / f : f;
+}
+
 // Sets the pairs for the molar mass mmol (kg/mol): a mole of the fluid weighs mmol kg, so a unit
 // holding mol^p takes the factor mmol^p. A molar mass that is needed and not positive and finite
 // leaves every pair (1, 0).
@@ -332,7 +341,7 @@ bool rebase(const std::array<conversion_pair, nsymbols>& base,
             return false;
         }
     for (std::size_t i = 0; i < factors.size(); ++i)
-        factors[i] = {std::pow(mmol, power[i]) * base[i].factor, base[i].offset};
+        factors[i] = {molar_factor(mmol, power[i]) * base[i].factor, base[i].offset};
     return true;
 }
 

