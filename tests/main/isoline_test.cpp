@@ -68,13 +68,6 @@ constexpr double t_sat_10bar = 453.035632 - 273.15;
 constexpr double p_sat_500K = 26.3889776;
 constexpr double t_500K = 500.0 - 273.15;
 
-// The positions of the two saturation points and, in order, the others.
-void split(const line& l, std::size_t first_sat, std::vector<double>& grid) {
-    grid.clear();
-    for (std::size_t i = 0; i < l.run.size(); ++i)
-        if (i != first_sat && i != first_sat + 1) grid.push_back(l.run[i]);
-}
-
 TEST_F(Isoline, TemperatureRunThroughTheDomeGetsBothSaturationPoints) {
     // 10 points from 100 to 300 °C plus saturated liquid and vapour at 179.89 °C
     const line l = internal_isoline("P", 10.0, "T", "h", 100.0, 300.0, 12);
@@ -96,12 +89,10 @@ TEST_F(Isoline, TemperatureRunThroughTheDomeGetsBothSaturationPoints) {
     EXPECT_LT(l.calc[4], h_liq);
     EXPECT_GT(l.calc[5], h_vap);
 
-    std::vector<double> grid;
-    split(l, 4, grid);
-    ASSERT_EQ(grid.size(), 10u);
-    for (std::size_t i = 0; i < grid.size(); ++i)
-        EXPECT_NEAR(grid[i], 100.0 + 200.0 * i / 9.0, 1e-12) << i;
-    EXPECT_EQ(grid.back(), 300.0);
+    // the other ten evenly spaced, both bounds included
+    for (int i = 0; i < 10; ++i)
+        EXPECT_NEAR(l.run[i < 4 ? i : i + 2], 100.0 + 200.0 * i / 9.0, 1e-12) << i;
+    EXPECT_EQ(l.run.back(), 300.0);
     for (std::size_t i = 0; i < l.run.size(); ++i)
         EXPECT_EQ(l.calc[i], thermo::zp_enthalpy("PT", 10.0, l.run[i], errormsg)) << i;
 }
@@ -268,37 +259,38 @@ protected:
 };
 
 TEST_F(IsolineInputOrder, RejectedOrderIsRetriedOnceInTheOther) {
-    // T along the isenthalp h = 2000 kJ/kg from 1 to 51 bar; "hq" is no IF97 pair, so no
-    // saturation points are inserted.
-    rejected_orders = {"hP"};
-    const line l = internal_isoline("h", 2000.0, "P", "T", 1.0, 51.0, 6);
-    ASSERT_EQ(l.errormsg, "No errors");
-    EXPECT_EQ(questions["hP"], 1);
-    EXPECT_EQ(questions["Ph"], 1 + 6); // the retried trial and every point
-    EXPECT_EQ(questions["hq"], 2);     // the two saturation questions, which fail
-    std::string errormsg;
-    for (int i = 0; i < 6; ++i) {
-        EXPECT_EQ(l.run[i], 1.0 + 10.0 * i);
-        EXPECT_EQ(l.calc[i], thermo::zp_temperature("Ph", l.run[i], 2000.0, errormsg)) << i;
+    // T along the isenthalp h = 2000 kJ/kg from 1 to 51 bar; "hq" is no IF97 pair, so the two
+    // saturation questions fail and no point is inserted.
+    const std::string both_rejected =
+        "Error in IF97: calculation of properties as function of Ph not available.";
+    const struct {
+        std::vector<std::string> rejected;
+        int hP, Ph; // questions asked with each order
+        std::string errormsg;
+    } cases[] = {
+        {{}, 1 + 6, 0, "No errors"},         // accepted: kept for every point
+        {{"hP"}, 1, 1 + 6, "No errors"},     // retried once, then every point
+        {{"hP", "Ph"}, 1, 1, both_rejected}, // neither: the back-end's message
+    };
+    for (const auto& c : cases) {
+        rejected_orders = c.rejected;
+        questions.clear();
+        const line l = internal_isoline("h", 2000.0, "P", "T", 1.0, 51.0, 6);
+        EXPECT_EQ(l.errormsg, c.errormsg);
+        EXPECT_EQ(questions["hP"], c.hP) << c.rejected.size();
+        EXPECT_EQ(questions["Ph"], c.Ph) << c.rejected.size();
+        if (c.errormsg != "No errors") {
+            EXPECT_EQ(l.filled, 0);
+            for (double v : l.run) EXPECT_EQ(v, untouched);
+            continue;
+        }
+        EXPECT_EQ(questions["hq"], 2);
+        std::string errormsg;
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_EQ(l.run[i], 1.0 + 10.0 * i);
+            EXPECT_EQ(l.calc[i], thermo::zp_temperature("Ph", l.run[i], 2000.0, errormsg)) << i;
+        }
     }
-}
-
-TEST_F(IsolineInputOrder, AcceptedOrderIsKept) {
-    const line l = internal_isoline("h", 2000.0, "P", "T", 1.0, 51.0, 6);
-    ASSERT_EQ(l.errormsg, "No errors");
-    EXPECT_EQ(questions["hP"], 1 + 6);
-    EXPECT_EQ(questions.count("Ph"), 0u);
-}
-
-TEST_F(IsolineInputOrder, BothOrdersRejectedEndsWithTheMessage) {
-    rejected_orders = {"hP", "Ph"};
-    const line l = internal_isoline("h", 2000.0, "P", "T", 1.0, 51.0, 6);
-    EXPECT_EQ(l.errormsg,
-              "Error in IF97: calculation of properties as function of Ph not available.");
-    EXPECT_EQ(l.filled, 0);
-    EXPECT_EQ(questions["hP"], 1);
-    EXPECT_EQ(questions["Ph"], 1);
-    for (double v : l.run) EXPECT_EQ(v, untouched);
 }
 
 } // namespace
