@@ -4,7 +4,9 @@
 #include "forward.hpp"
 #include "roots.hpp"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 
 namespace if97::properties {
 
@@ -43,7 +45,7 @@ state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& 
     st.level = lvl;
     st.p = p;
     st.T = T;
-    st.v = RT * pi * g.f_x / (p * 1e3);
+    st.v = RT * g.f_x * 1e-3 / p_star; // (RT/p) pi gamma_pi
     st.h = RT * tau * g.f_y;
     st.u = RT * (tau * g.f_y - pi * g.f_x);
     st.s = R * (tau * g.f_y - g.f);
@@ -170,6 +172,21 @@ state saturated_phase(double T, double p, bool liquid, int lvl) {
     return helmholtz_state(saturated_density(T, p, liquid), T, lvl);
 }
 
+// ps(T) at T_min + k K, k = 0..351: bounds that settle the region 1/2 question without eq. 30
+// unless p lies between the values at the neighbouring whole kelvins.
+const std::array<double, 352> psat_grid = [] {
+    std::array<double, 352> grid{};
+    for (std::size_t k = 0; k < grid.size(); ++k) grid[k] = forward::psat(T_min + double(k));
+    return grid;
+}();
+
+bool liquid_side(double p, double T) {
+    const auto k = static_cast<std::size_t>(T - T_min);
+    if (p > psat_grid[k + 1] * (1.0 + 1e-12)) return true;
+    if (p < psat_grid[k] * (1.0 - 1e-12)) return false;
+    return p >= forward::psat(T);
+}
+
 } // namespace
 
 double p_sat_min() {
@@ -208,7 +225,7 @@ int region_pt(double p, double T) {
     if (!(p > 0.0 && T >= T_min && T <= T_max)) return none;
     if (T > forward::T25) return p <= p_max5 ? r5 : none;
     if (p > p_max) return none;
-    if (T <= forward::T13) return p >= forward::psat(T) ? r1 : r2;
+    if (T <= forward::T13) return liquid_side(p, T) ? r1 : r2;
     return p > forward::p_b23(T) ? r3 : r2;
 }
 

@@ -803,6 +803,29 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
                               quoted(s, ss) + " within the range of IF97");
 }
 
+// The limits that hold for every pair.
+bool within_limits(variable var, double value, std::string& errormsg) {
+    switch (var) {
+    case P:
+        if (!(value > 0.0)) return out_of_range(errormsg, P, value, false, 0.0), false;
+        if (value > p_max) return out_of_range(errormsg, P, value, true, p_max), false;
+        return true;
+    case T:
+        if (value < T_min) return out_of_range(errormsg, T, value, false, T_min), false;
+        if (value > T_max) return out_of_range(errormsg, T, value, true, T_max), false;
+        return true;
+    case v:
+        if (!(value > 0.0)) return out_of_range(errormsg, v, value, false, 0.0), false;
+        return true;
+    case x:
+        if (value < 0.0 || value > 1.0)
+            return fail(errormsg, "quality " + number(value) + " outside 0 to 1"), false;
+        return true;
+    default:
+        return true;
+    }
+}
+
 } // namespace
 
 bool supported(variable a, variable b) {
@@ -824,28 +847,10 @@ bool supported(variable a, variable b) {
 state state_of(variable a, double value_a, variable b, double value_b, int lvl,
                std::string& errormsg) {
     if (a > b) std::swap(a, b), std::swap(value_a, value_b);
-    // Checks that hold for every pair.
-    for (const auto& [var, value] : {std::pair{a, value_a}, std::pair{b, value_b}}) {
-        switch (var) {
-        case P:
-            if (!(value > 0.0)) return out_of_range(errormsg, P, value, false, 0.0);
-            if (value > p_max) return out_of_range(errormsg, P, value, true, p_max);
-            break;
-        case T:
-            if (value < T_min) return out_of_range(errormsg, T, value, false, T_min);
-            if (value > T_max) return out_of_range(errormsg, T, value, true, T_max);
-            break;
-        case v:
-            if (!(value > 0.0)) return out_of_range(errormsg, v, value, false, 0.0);
-            break;
-        case x:
-            if (value < 0.0 || value > 1.0)
-                return fail(errormsg, "quality " + number(value) + " outside 0 to 1");
-            break;
-        default:
-            break;
-        }
-    }
+    if (a == P && b == T && value_a > 0.0 && value_a <= p_max && value_b >= T_min &&
+        value_b <= T_max) // the commonest pair, within the limits
+        return from_pt(value_a, value_b, lvl, errormsg);
+    if (!within_limits(a, value_a, errormsg) || !within_limits(b, value_b, errormsg)) return {};
     switch (a) {
     case P:
         if (b == T) return from_pt(value_a, value_b, lvl, errormsg);
