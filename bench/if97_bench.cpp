@@ -96,30 +96,66 @@ auto ps = [](const sample& st) { return std::pair{st.p, st.s}; };
 auto hs = [](const sample& st) { return std::pair{st.h, st.s}; };
 auto vu = [](const sample& st) { return std::pair{st.v, st.u}; };
 
-void BM_pt_h_region1(benchmark::State& b) { run(b, zone::region1, "P", "T", "h.", pt); }
-void BM_pt_h_region2(benchmark::State& b) { run(b, zone::region2, "P", "T", "h.", pt); }
-void BM_pt_h_region3(benchmark::State& b) { run(b, zone::region3, "P", "T", "h.", pt); }
-void BM_pt_h_region5(benchmark::State& b) { run(b, zone::region5, "P", "T", "h.", pt); }
+void BM_pt_h_region1(benchmark::State& b) {
+    run(b, zone::region1, "P", "T", "h.", pt);
+}
+void BM_pt_h_region2(benchmark::State& b) {
+    run(b, zone::region2, "P", "T", "h.", pt);
+}
+void BM_pt_h_region3(benchmark::State& b) {
+    run(b, zone::region3, "P", "T", "h.", pt);
+}
+void BM_pt_h_region5(benchmark::State& b) {
+    run(b, zone::region5, "P", "T", "h.", pt);
+}
 void BM_pt_seven_region1(benchmark::State& b) {
     run(b, zone::region1, "P", "T", "v,h,s,u,cv,cp,w.", pt);
 }
 void BM_pt_seven_region2(benchmark::State& b) {
     run(b, zone::region2, "P", "T", "v,h,s,u,cv,cp,w.", pt);
 }
-void BM_ph_T_region1(benchmark::State& b) { run(b, zone::region1, "P", "h", "T.", ph); }
-void BM_ph_T_region2(benchmark::State& b) { run(b, zone::region2, "P", "h", "T.", ph); }
-void BM_ph_T_region3(benchmark::State& b) { run(b, zone::region3, "P", "h", "T.", ph); }
-void BM_ph_T_two_phase(benchmark::State& b) { run(b, zone::two_phase, "P", "h", "T.", ph); }
-void BM_ps_T_region1(benchmark::State& b) { run(b, zone::region1, "P", "s", "T.", ps); }
-void BM_ps_T_region2(benchmark::State& b) { run(b, zone::region2, "P", "s", "T.", ps); }
-void BM_hs_P_region1(benchmark::State& b) { run(b, zone::region1, "h", "s", "P.", hs); }
-void BM_hs_P_region2(benchmark::State& b) { run(b, zone::region2, "h", "s", "P.", hs); }
-void BM_hs_P_region3(benchmark::State& b) { run(b, zone::region3, "h", "s", "P.", hs); }
-void BM_hs_P_two_phase(benchmark::State& b) { run(b, zone::two_phase, "h", "s", "P.", hs); }
-void BM_vu_PT_region1(benchmark::State& b) { run(b, zone::region1, "v", "u", "P,T.", vu); }
-void BM_vu_PT_region2(benchmark::State& b) { run(b, zone::region2, "v", "u", "P,T.", vu); }
-void BM_vu_PT_region3(benchmark::State& b) { run(b, zone::region3, "v", "u", "P,T.", vu); }
-void BM_vu_PT_two_phase(benchmark::State& b) { run(b, zone::two_phase, "v", "u", "P,T.", vu); }
+void BM_ph_T_region1(benchmark::State& b) {
+    run(b, zone::region1, "P", "h", "T.", ph);
+}
+void BM_ph_T_region2(benchmark::State& b) {
+    run(b, zone::region2, "P", "h", "T.", ph);
+}
+void BM_ph_T_region3(benchmark::State& b) {
+    run(b, zone::region3, "P", "h", "T.", ph);
+}
+void BM_ph_T_two_phase(benchmark::State& b) {
+    run(b, zone::two_phase, "P", "h", "T.", ph);
+}
+void BM_ps_T_region1(benchmark::State& b) {
+    run(b, zone::region1, "P", "s", "T.", ps);
+}
+void BM_ps_T_region2(benchmark::State& b) {
+    run(b, zone::region2, "P", "s", "T.", ps);
+}
+void BM_hs_P_region1(benchmark::State& b) {
+    run(b, zone::region1, "h", "s", "P.", hs);
+}
+void BM_hs_P_region2(benchmark::State& b) {
+    run(b, zone::region2, "h", "s", "P.", hs);
+}
+void BM_hs_P_region3(benchmark::State& b) {
+    run(b, zone::region3, "h", "s", "P.", hs);
+}
+void BM_hs_P_two_phase(benchmark::State& b) {
+    run(b, zone::two_phase, "h", "s", "P.", hs);
+}
+void BM_vu_PT_region1(benchmark::State& b) {
+    run(b, zone::region1, "v", "u", "P,T.", vu);
+}
+void BM_vu_PT_region2(benchmark::State& b) {
+    run(b, zone::region2, "v", "u", "P,T.", vu);
+}
+void BM_vu_PT_region3(benchmark::State& b) {
+    run(b, zone::region3, "v", "u", "P,T.", vu);
+}
+void BM_vu_PT_two_phase(benchmark::State& b) {
+    run(b, zone::two_phase, "v", "u", "P,T.", vu);
+}
 
 // Saturation temperature from pressure: through if97_main (P, x) -> T, and the bare eq. 31.
 void BM_tsat_main(benchmark::State& b) {

@@ -168,8 +168,8 @@ template <int order> derivatives gamma1(double p, double T) {
     const double pi = p / p1_star;
     // tau - 1.222 and its reciprocal both straight from T, so the two divisions overlap
     const double y_num = T1_star - 1.222 * T;
-    derivatives d = power_sum::evaluate<region1, order>(7.1 - pi, y_num / T, 1.0 / (7.1 - pi),
-                                                        T / y_num);
+    derivatives d =
+        power_sum::evaluate<region1, order>(7.1 - pi, y_num / T, 1.0 / (7.1 - pi), T / y_num);
     // d/dpi = -d/d(7.1 - pi): odd orders in pi change sign.
     d.f_x = -d.f_x;
     d.f_xy = -d.f_xy;

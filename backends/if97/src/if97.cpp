@@ -100,8 +100,8 @@ bool same(std::string_view a, std::string_view b) {
         errormsg = std::string(prefix) + "output list '" + std::string(strip(outlist)) +
                    "' not closed by '.'";
     else if (list.count == static_cast<int>(list.id.size()))
-        errormsg = std::string(prefix) + "more than " + std::to_string(list.id.size()) +
-                   " output codes";
+        errormsg =
+            std::string(prefix) + "more than " + std::to_string(list.id.size()) + " output codes";
     else if (name.empty() && list.count == 0 && strip(outlist.substr(0, outlist.find('.'))).empty())
         errormsg = std::string(prefix) + "empty output list";
     else

@@ -54,8 +54,7 @@ template <std::size_t capacity> struct power_plan {
         int best_a = -1, best_b = -1, best_depth = 1 << 20;
         for (std::size_t a = 1; a < count; ++a)
             for (std::size_t b = a; b < count; ++b)
-                if (exponent[a] + exponent[b] == e && exponent[a] * e > 0 &&
-                    exponent[b] * e > 0) {
+                if (exponent[a] + exponent[b] == e && exponent[a] * e > 0 && exponent[b] * e > 0) {
                     const int d = (depth[a] > depth[b] ? depth[a] : depth[b]) + 1;
                     if (d < best_depth) best_a = int(a), best_b = int(b), best_depth = d;
                 }
@@ -115,8 +114,7 @@ template <std::size_t N> inline double dot(const std::array<double, N>& c, const
 
 // Coefficient column n * a(I) * b(J) for the derivative with a x-order and b y-order.
 template <std::size_t N>
-constexpr std::array<double, N> column(const std::array<term, N>& table, int x_order,
-                                       int y_order) {
+constexpr std::array<double, N> column(const std::array<term, N>& table, int x_order, int y_order) {
     std::array<double, N> c{};
     for (std::size_t k = 0; k < N; ++k) {
         double f = table[k].n;

@@ -770,7 +770,7 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
             return newton2(r5, h, hh, s, ss, p0 > 0.0 ? p0 : 1.0, 1500.0, lvl);
         }
         default: {
-            const double T0 = ss >= s_2c3b ? backward::tsat_hs(hh, ss) : NAN;
+            const double T0 = ss >= 5.210887825 ? backward::tsat_hs(hh, ss) : NAN; // eq. 9 range
             bool found = false;
             const state st = two_phase_pair(s, ss, h, hh, T0, lvl, found);
             return found ? st : state{};
