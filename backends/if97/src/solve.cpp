@@ -572,9 +572,14 @@ state newton2(int reg, variable A, double ya, variable B, double yb, double a, d
         double da = (ra * jb.dT - rb * ja.dT) / det;
         double dT = (ja.da * rb - jb.da * ra) / det;
         if (!(std::isfinite(da) && std::isfinite(dT))) return {};
-        const bool done = std::fabs(dT) <= tol * T && std::fabs(log_a ? da : da / a) <= tol;
-        if (done) {
-            if (reg == r3) st.region = r3;
+        const double rel_a = std::fabs(log_a ? da : da / a);
+        if (std::fabs(dT) <= tol * T && rel_a <= tol) {
+            if (std::fabs(dT) > 4e-16 * T || rel_a > 4e-16) { // the last step, unless negligible
+                a = log_a ? a * std::exp(-da) : a - da;
+                T -= dT;
+                st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
+                               : properties::gibbs_state(reg, a, T, caloric);
+            }
             return in_region(st, reg) ? finish(st, lvl) : state{};
         }
         // keep the steps moderate: a positive, T within a few hundred kelvin
@@ -685,16 +690,19 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
 }
 
 state from_vx(double vv, double q, int lvl, std::string& errormsg) {
-    // v' + x (v'' - v') falls with T for all but the smallest qualities; scan from the top for
-    // the first sign change, then polish.
+    // v' + x (v'' - v') falls with T except near the critical point at small x, where it passes
+    // a minimum on the way to vc: scan down from the top, on steps that widen geometrically
+    // from 1 µK below Tc, for the first sign change, then polish.
     auto mix_v = [&](double T) {
         const saturation sat = sat_T(T, 1);
         return sat.liquid.v + q * (sat.vapour.v - sat.liquid.v) - vv;
     };
-    constexpr int steps = 48;
-    double T_hi = T_sat_top, f_hi = mix_v(T_hi);
+    constexpr int steps = 64;
+    const double ratio = std::pow((T_sat_top - T_min) / 1e-6, 1.0 / steps);
+    double T_hi = T_sat_top, f_hi = mix_v(T_hi), below = 1e-6;
     for (int k = 1; k <= steps; ++k) {
-        const double T_lo = T_sat_top - (T_sat_top - T_min) * k / steps;
+        below *= ratio;
+        const double T_lo = k == steps ? T_min : T_sat_top - below;
         const double f_lo = mix_v(T_lo);
         if ((f_lo < 0.0) != (f_hi < 0.0) || f_lo == 0.0) {
             // bisection-safeguarded secant on the bracket [T_lo, T_hi]
