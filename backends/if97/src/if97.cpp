@@ -96,6 +96,7 @@ bool same(std::string_view a, std::string_view b) {
 // The failure of an output list: unknown code, too many codes, or no closing '.'.
 [[gnu::cold, gnu::noinline]] bool code_error(std::string_view outlist, const code_list& list,
                                              std::string_view name, std::string& errormsg) {
+    name = strip(name);
     if (outlist.find('.') == std::string_view::npos)
         errormsg = std::string(prefix) + "output list '" + std::string(strip(outlist)) +
                    "' not closed by '.'";
