@@ -92,13 +92,19 @@ void append_number(std::string& text, double value) {
     text.append(buffer.data(), end);
 }
 
-// Back-ends are not asked about states that are not numbers.
-bool finite_inputs(double input1, double input2, std::string& errormsg) {
-    if (std::isfinite(input1) && std::isfinite(input2)) return true;
+[[gnu::cold, gnu::noinline]] void report_non_finite(double input1, double input2,
+                                                    std::string& errormsg) {
     errormsg.assign("Error in Zentropia: input values must be finite numbers, got ");
     append_number(errormsg, input1);
     errormsg.append(" and ");
     append_number(errormsg, input2);
+}
+
+// Back-ends are not asked about states that are not numbers.
+inline bool finite_inputs(double input1, double input2, std::string& errormsg) {
+    if (std::isfinite(input1) && std::isfinite(input2)) [[likely]]
+        return true;
+    report_non_finite(input1, input2, errormsg);
     return false;
 }
 
