@@ -2,6 +2,7 @@
 // adapter, the back-end) against the IAPWS verification values of R7-97(2012).
 #include "backends/if97/reference_csv.hpp"
 #include "base/zentropia_base.hpp"
+#include "if97/if97.hpp"
 
 #include <gtest/gtest.h>
 
@@ -139,4 +140,12 @@ TEST_F(If97Reference, ZeroConcentrationComponent) {
     EXPECT_EQ(x[2], 7.0);
     EXPECT_TRUE(zb::isinit(sigma));
     EXPECT_EQ(zb::zp_mmol_cnc(x, e), 0.018015257);
+}
+
+TEST_F(If97Reference, VersionOfTheBackEnd) {
+    std::array<int, 4> direct{}, version{};
+    if97::getversion(direct);
+    zb::zpgetversion("IF97", version);
+    EXPECT_EQ(version, direct);
+    EXPECT_NE(version, (std::array<int, 4>{-9, -9, -9, -9}));
 }
