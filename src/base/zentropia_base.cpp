@@ -225,14 +225,17 @@ void zpgetindex(std::string_view modelname, int& index, int len_modelname) {
 void zpgetversion(std::string_view modelname, std::array<int, 4>& version) {
     version.fill(-9);
     const auto& m = zp_models::by_name(modelname);
-    if (std::find(backends.begin(), backends.end(), m.id) != backends.end())
-        m.adapter->getversion(version);
-    else if (m.id != model_id::libr_h2o) // LiBr-H2O reports no version
+    if (std::find(backends.begin(), backends.end(), m.id) != backends.end()) {
+        if (m.adapter != nullptr && m.adapter->getversion != nullptr)
+            m.adapter->getversion(version);
+    } else if (m.id != model_id::libr_h2o) // LiBr-H2O reports no version
         version.fill(-8);
 }
 
 void releaseobjects() {
-    for (const auto id : backends) zp_models::of(id).adapter->uninit();
+    for (const auto id : backends)
+        if (const auto* ops = zp_models::of(id).adapter; ops != nullptr && ops->uninit != nullptr)
+            ops->uninit();
 }
 
 void setfluid(std::string_view model, int in_ncmp, std::span<const std::string> in_cmp,
