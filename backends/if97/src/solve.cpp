@@ -284,6 +284,14 @@ struct piece_list {
     void add(int reg, double a, double b, int side = 0) { item[count++] = {reg, a, b, side}; }
 };
 
+// Result of a search along an isobar or isotherm: the state, or on which side of the line's
+// range y lies (no text is built, so that searches inside other searches do not allocate).
+struct search_result {
+    state st;
+    int outside = 0; // +1: y above the largest value on the line, -1: below the smallest
+    double limit = 0;
+};
+
 // Start of a Gibbs-region iteration along an isobar (NaN when there is none).
 double isobar_start(int reg, double p, variable Y, double y) {
     switch (Y) {
@@ -300,7 +308,8 @@ double isobar_start(int reg, double p, variable Y, double y) {
     }
 }
 
-state isobar(double p, variable Y, double y, int lvl, std::string& errormsg) {
+search_result isobar(double p, variable Y, double y, int lvl) {
+    search_result out;
     piece_list pieces;
     double Ts = 0;
     saturation sat3; // region-3 saturation, only between p(623.15 K) and pc
@@ -349,7 +358,8 @@ state isobar(double p, variable Y, double y, int lvl, std::string& errormsg) {
                 sat.p = p;
                 sat.liquid = properties::raise(prev_end, std::max(lvl, 1));
                 sat.vapour = properties::raise(vapour, std::max(lvl, 1));
-                return properties::mixture(sat, (y - y1) / (y2 - y1), lvl);
+                out.st = properties::mixture(sat, (y - y1) / (y2 - y1), lvl);
+                return out;
             }
             prev_end = vapour;
             continue;
@@ -357,7 +367,11 @@ state isobar(double p, variable Y, double y, int lvl, std::string& errormsg) {
         const state end = end_state(pk, 1);
         const double y_end = value_of(end, Y);
         if (y > y_end) {
-            if (last_piece) return out_of_range(errormsg, Y, y, true, y_end, quoted(P, p));
+            if (last_piece) {
+                out.outside = +1;
+                out.limit = y_end;
+                return out;
+            }
             prev_end = end;
             continue;
         }
@@ -394,31 +408,31 @@ state isobar(double p, variable Y, double y, int lvl, std::string& errormsg) {
             };
             r = roots::newton_bracketed(fn, pk.a, pk.b, T0, true, tol, false, true);
         }
-        if (r.converged) return finish(found, lvl);
-        if (r.x == pk.a && k > 0) return finish(found, lvl); // in the gap between two equations
-        if (r.x == pk.a) {
-            const state low = properties::gibbs_state(pk.reg, p, pk.a, 1);
-            return out_of_range(errormsg, Y, y, false, value_of(low, Y), quoted(P, p));
+        if (r.converged || (r.x == pk.a && k > 0)) { // or in the gap between two equations
+            out.st = finish(found, lvl);
+        } else if (r.x == pk.a) {
+            out.outside = -1;
+            out.limit = value_of(properties::gibbs_state(pk.reg, p, pk.a, 1), Y);
         }
+        return out;
+    }
+    return out;
+}
+
+state isobar_state(double p, variable Y, double y, int lvl, std::string& errormsg) {
+    const search_result r = isobar(p, Y, y, lvl);
+    if (r.outside != 0) return out_of_range(errormsg, Y, y, r.outside > 0, r.limit, quoted(P, p));
+    if (r.st.region == none)
         return fail(errormsg, std::string("no convergence for ") + quantities[Y].name + " " +
                                   quoted(Y, y) + " at " + quoted(P, p));
-    }
-    return fail(errormsg, "no state found at " + quoted(P, p));
+    return r.st;
 }
 
 // ---------------------------------------------------------------------------------------------
 // Along an isotherm: pieces in order of rising pressure; v and s fall with p along it (s rises
 // slightly in cold liquid below the density maximum).
 
-// Result of an isotherm search: the state, or on which side of the isotherm's range y lies.
-struct isotherm_result {
-    state st;
-    int outside = 0; // +1: y above the largest value on the isotherm, -1: below the smallest
-    double limit = 0;
-    double limit_p = 0;
-};
-
-isotherm_result isotherm(double T, variable Y, double y, int lvl) {
+search_result isotherm(double T, variable Y, double y, int lvl) {
     piece_list pieces;
     saturation sat;
     if (T <= T13) {
@@ -450,7 +464,7 @@ isotherm_result isotherm(double T, variable Y, double y, int lvl) {
         return st;
     };
 
-    isotherm_result out;
+    search_result out;
     state prev_end;
     for (int k = 0; k < pieces.count; ++k) {
         const piece& pk = pieces.item[k];
@@ -477,7 +491,6 @@ isotherm_result isotherm(double T, variable Y, double y, int lvl) {
             if (last_piece) {
                 out.outside = -1;
                 out.limit = y_end;
-                out.limit_p = pk.b;
                 return out;
             }
             prev_end = end;
@@ -534,7 +547,6 @@ isotherm_result isotherm(double T, variable Y, double y, int lvl) {
             if (r.x == q_lo) {
                 out.outside = +1;
                 out.limit = value_of(found, Y);
-                out.limit_p = pk.a;
                 return out;
             }
         }
@@ -544,7 +556,7 @@ isotherm_result isotherm(double T, variable Y, double y, int lvl) {
 }
 
 state isotherm_state(double T, variable Y, double y, int lvl, std::string& errormsg) {
-    const isotherm_result r = isotherm(T, Y, y, lvl);
+    const search_result r = isotherm(T, Y, y, lvl);
     if (r.outside != 0)
         return out_of_range(errormsg, Y, y, r.outside > 0, r.limit, quoted(solve::T, T));
     if (r.st.region == none)
@@ -670,7 +682,7 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
     bool failed_low = false, failed_high = false;
     double limit_low = 0, limit_high = 0;
     auto fn = [&](double T) -> roots::value_slope {
-        const isotherm_result r = isotherm(T, v, vv, caloric);
+        const search_result r = isotherm(T, v, vv, caloric);
         if (r.outside != 0 || r.st.region == none) {
             // v above the isotherm's range: the pressure would fall below the lowest one, the
             // temperature is too low; below it: the pressure would exceed the highest one.
@@ -797,10 +809,10 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
     state found;
     auto fn = [&](double q) -> roots::value_slope {
         const double p = std::exp(q);
-        std::string ignored;
-        const state at = isobar(p, s, ss, caloric, ignored);
-        if (at.region == none)
-            return {ignored.find("below") != std::string::npos ? 1.0 : -1.0, NAN};
+        const search_result r = isobar(p, s, ss, caloric);
+        const state& at = r.st;
+        // s above the isobar's range: T would pass T_max, p is too high; below it: too low
+        if (at.region == none) return {r.outside > 0 ? 1.0 : -1.0, NAN};
         found = at;
         return {at.h - hh, p * at.v * 1e3};
     };
@@ -863,7 +875,7 @@ state state_of(variable a, double value_a, variable b, double value_b, int lvl,
     case P:
         if (b == T) return from_pt(value_a, value_b, lvl, errormsg);
         if (b == x) return from_px(value_a, value_b, lvl, errormsg);
-        return isobar(value_a, b, value_b, lvl, errormsg);
+        return isobar_state(value_a, b, value_b, lvl, errormsg);
     case T:
         if (b == x) return from_tx(value_a, value_b, lvl, errormsg);
         return isotherm_state(value_a, b, value_b, lvl, errormsg);
