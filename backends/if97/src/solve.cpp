@@ -174,6 +174,11 @@ double dT_at_v(const state& st, variable var) {
     }
 }
 
+// The value of a solution agrees with the one asked for.
+bool matches(double value, double wanted) {
+    return std::fabs(value - wanted) <= 1e-9 * std::fmax(std::fabs(wanted), 1.0);
+}
+
 state finish(state st, int lvl) {
     if (st.level < lvl) st = properties::raise(st, lvl);
     return st;
@@ -264,7 +269,8 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
     };
     const roots::result r =
         roots::newton_bracketed(fn, T_min, T_sat_top, T0, true, tol, false, false, 60);
-    found = r.converged && x_last >= -1e-12 && x_last <= 1.0 + 1e-12;
+    found =
+        r.converged && x_last >= -1e-12 && x_last <= 1.0 + 1e-12 && matches(value_of(last, B), yb);
     return finish(last, lvl);
 }
 
@@ -679,8 +685,6 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
 
     // Robust path: the temperature as the one unknown, each step a state from (T, v).
     state found;
-    bool failed_low = false, failed_high = false;
-    double limit_low = 0, limit_high = 0;
     auto fn = [&](double T) -> roots::value_slope {
         const search_result r = isotherm(T, v, vv, caloric);
         if (r.outside != 0 || r.st.region == none) {
@@ -694,8 +698,8 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
     };
     const roots::result r =
         roots::newton_bracketed(fn, T_min, T_max, 0.5 * (T_min + T13), true, tol, false, false);
-    if (r.converged && found.region != none) return finish(found, lvl);
-    (void)failed_low, (void)failed_high, (void)limit_low, (void)limit_high;
+    if (r.converged && found.region != none && matches(value_of(found, Y), y))
+        return finish(found, lvl);
     return fail(errormsg, "no state with " + std::string(quantities[v].name) + " " + quoted(v, vv) +
                               " and " + quantities[Y].name + " " + quoted(Y, y) +
                               " within the range of IF97");
@@ -818,7 +822,8 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
     };
     const roots::result r = roots::newton_bracketed(
         fn, std::log(p_low), std::log(p_max * (1 + 1e-9)), 0.0, true, tol, false, false);
-    if (r.converged && found.region != none) return finish(found, lvl);
+    // (a bracket that closed on a jump at the edge of the range is no solution)
+    if (r.converged && found.region != none && matches(found.h, hh)) return finish(found, lvl);
     return fail(errormsg, "no state with enthalpy " + quoted(h, hh) + " and entropy " +
                               quoted(s, ss) + " within the range of IF97");
 }
