@@ -341,52 +341,83 @@ search_result isobar(double p, variable Y, double y, int lvl) {
     }
     if (p <= p_max5) pieces.add(r5, T25, T_max);
 
-    // State at the upper end of a piece, in the piece's own equation.
-    auto end_state = [&](const piece& pc_, int level) -> state {
-        if (pc_.reg != r3) return properties::gibbs_state(pc_.reg, p, pc_.b, level);
-        if (pc_.side > 0) return properties::raise(sat3.liquid, level);
-        state st = properties::helmholtz_state(properties::rho3_pt(p, pc_.b), pc_.b, level);
+    // Region-3 state at the upper end of a piece.
+    auto r3_end = [&](const piece& pk) -> state {
+        if (pk.side > 0) return sat3.liquid;
+        state st = properties::helmholtz_state(properties::rho3_pt(p, pk.b), pk.b, 1);
         st.p = p;
         return st;
     };
 
-    state prev_end; // upper end of the previous piece
-    for (int k = 0; k < pieces.count; ++k) {
-        const piece& pk = pieces.item[k];
-        const bool last_piece = k + 1 == pieces.count;
-        if (pk.reg == two_phase) {
-            state vapour =
-                pieces.item[k + 1].reg == r3 ? sat3.vapour : properties::gibbs_state(r2, p, Ts, 1);
-            const double y1 = value_of(prev_end, Y), y2 = value_of(vapour, Y);
-            if (y < y2) {
-                saturation sat;
-                sat.T = Ts;
-                sat.p = p;
-                sat.liquid = properties::raise(prev_end, std::max(lvl, 1));
-                sat.vapour = properties::raise(vapour, std::max(lvl, 1));
-                out.st = properties::mixture(sat, (y - y1) / (y2 - y1), lvl);
-                return out;
-            }
+    // Which side of the dome: the saturated states, the vapour first where y is likely above it.
+    int first = 0, last = pieces.count - 1;
+    state prev_end; // upper end of the piece before `first`
+    int dome = -1;
+    for (int k = 0; k < pieces.count; ++k)
+        if (pieces.item[k].reg == two_phase) dome = k;
+    if (dome >= 0) {
+        const bool above = dome + 1 < pieces.count && pieces.item[dome + 1].reg == r3;
+        state liquid, vapour;
+        auto saturated = [&](bool liquid_side) {
+            if (above) return liquid_side ? sat3.liquid : sat3.vapour;
+            return properties::gibbs_state(liquid_side ? r1 : r2, p, Ts, 1);
+        };
+        const double likely_vapour[] = {0, 0, 0.005, 2000.0, 4.6, 1800.0};
+        bool vapour_known = false;
+        if (y > likely_vapour[Y]) {
+            vapour = saturated(false);
+            vapour_known = true;
+        }
+        if (vapour_known && y >= value_of(vapour, Y)) {
+            first = dome + 1;
             prev_end = vapour;
-            continue;
-        }
-        const state end = end_state(pk, 1);
-        const double y_end = value_of(end, Y);
-        if (y > y_end) {
-            if (last_piece) {
-                out.outside = +1;
-                out.limit = y_end;
-                return out;
+        } else {
+            liquid = saturated(true);
+            if (y <= value_of(liquid, Y)) {
+                last = dome - 1;
+            } else {
+                if (!vapour_known) vapour = saturated(false);
+                if (y < value_of(vapour, Y)) {
+                    const double y1 = value_of(liquid, Y), y2 = value_of(vapour, Y);
+                    saturation sat;
+                    sat.T = Ts;
+                    sat.p = p;
+                    sat.liquid = properties::raise(liquid, std::max(lvl, 1));
+                    sat.vapour = properties::raise(vapour, std::max(lvl, 1));
+                    out.st = properties::mixture(sat, (y - y1) / (y2 - y1), lvl);
+                    return out;
+                }
+                first = dome + 1;
+                prev_end = vapour;
             }
-            prev_end = end;
-            continue;
         }
-        // The root lies in this piece (or in a gap at its lower end between two equations).
+    }
+
+    for (int k = first; k <= last; ++k) {
+        const piece& pk = pieces.item[k];
+        // The end of a piece that meets the dome is known to lie above y; any other end is
+        // found out by the iteration itself when a step tries to cross it (Gibbs regions), or
+        // evaluated first (region 3).
+        const bool end_known = k == last && k + 1 == dome;
+        state end;
+        if (pk.reg == r3) {
+            end = r3_end(pk);
+            if (y > value_of(end, Y)) {
+                if (k == pieces.count - 1) {
+                    out.outside = +1;
+                    out.limit = value_of(end, Y);
+                    return out;
+                }
+                prev_end = end;
+                continue;
+            }
+        }
         state found;
         roots::result r{};
-        const double ya = k > 0 ? value_of(prev_end, Y) : NAN;
-        const double interpolated = std::isfinite(ya) && y_end != ya
-                                        ? pk.a + (pk.b - pk.a) * (y - ya) / (y_end - ya)
+        const double ya = k > 0 && prev_end.region != none ? value_of(prev_end, Y) : NAN;
+        const double yb = end.region != none ? value_of(end, Y) : NAN;
+        const double interpolated = std::isfinite(ya) && std::isfinite(yb) && yb != ya
+                                        ? pk.a + (pk.b - pk.a) * (y - ya) / (yb - ya)
                                         : 0.5 * (pk.a + pk.b);
         if (pk.reg != r3) {
             auto fn = [&](double T) -> roots::value_slope {
@@ -395,7 +426,17 @@ search_result isobar(double p, variable Y, double y, int lvl) {
             };
             double T0 = isobar_start(pk.reg, p, Y, y);
             if (!(T0 > pk.a && T0 < pk.b)) T0 = interpolated;
-            r = roots::newton_bracketed(fn, pk.a, pk.b, T0, true, tol, false, true);
+            const bool lo_known = k == first && first == dome + 1;
+            r = roots::newton_bracketed(fn, pk.a, pk.b, T0, true, tol, lo_known, end_known);
+            if (!r.converged && r.x == pk.b) { // y lies beyond this piece
+                if (k == pieces.count - 1) {
+                    out.outside = +1;
+                    out.limit = value_of(found, Y);
+                    return out;
+                }
+                prev_end = found;
+                continue;
+            }
         } else {
             double T0 = NAN, rho = NAN;
             if (Y == h) T0 = backward::t_ph_3(p, y), rho = 1.0 / backward::v_ph_3(p, y);
@@ -418,7 +459,7 @@ search_result isobar(double p, variable Y, double y, int lvl) {
             out.st = finish(found, lvl);
         } else if (r.x == pk.a) {
             out.outside = -1;
-            out.limit = value_of(properties::gibbs_state(pk.reg, p, pk.a, 1), Y);
+            out.limit = value_of(found, Y);
         }
         return out;
     }
