@@ -30,9 +30,10 @@ constexpr double saft_offset = 111.0;
 // the caller's component names untranslated. zeros: components of zero concentration reach the
 // back-end. fixed: the model describes one fluid only. offset: added to the first concentration.
 
-// clang-format off
-using enum model_id;
-constexpr std::array<model, 14> models{{
+constexpr std::array<model, 14> make_models() {
+    // clang-format off
+    using enum model_id;
+    return {{
     // id         name           adapter                      column names  zeros  fixed  offset
     {none,        "",            nullptr,                     -1, false, false, false, 0.0},
     {tpsi,        "TPSI",        &tpsi_zp::operations,         3, false, false, false, 0.0},
@@ -48,15 +49,19 @@ constexpr std::array<model, 14> models{{
     {nh3_h2o,     "NH3-H2O",     nullptr,                     -1, false, false, false, 0.0},
     {libr_h2o,    "LiBr-H2O",    &libr_h2o_zp::operations,    -1, false, false, false, 0.0},
     {mesheq,      "Mesheq",      &mesheq_zp::operations,      -1, true,  false, false, 0.0},
-}};
-// clang-format on
+    }};
+    // clang-format on
+}
 static_assert(
     [] {
-        for (std::size_t i = 0; i < models.size(); ++i)
-            if (static_cast<std::size_t>(models[i].id) != i) return false;
+        const auto table = make_models();
+        for (std::size_t i = 0; i < table.size(); ++i)
+            if (static_cast<std::size_t>(table[i].id) != i) return false;
         return true;
     }(),
     "the models table is indexed by model_id");
+
+constinit std::array<model, 14> models = make_models();
 
 bool equal_ignoring_case(std::string_view a, std::string_view b) {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
@@ -85,6 +90,13 @@ const model& by_text(std::string_view text) {
 
 const model& of(model_id id) {
     return models[static_cast<std::size_t>(id)];
+}
+
+const zp_adapter::operations* replace_adapter(model_id id, const zp_adapter::operations* adapter) {
+    auto& m = models[static_cast<std::size_t>(id)];
+    const auto* previous = m.adapter;
+    if (id != model_id::none) m.adapter = adapter;
+    return previous;
 }
 
 } // namespace zp_models

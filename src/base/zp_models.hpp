@@ -42,5 +42,8 @@ const model& by_name(std::string_view name);
 const model& by_text(std::string_view text);
 // the model of an id
 const model& of(model_id id);
+// Lets `adapter` serve model `id` from the next selection on (a back-end supplied at run time, or
+// a test double); returns the adapter that served it before.
+const zp_adapter::operations* replace_adapter(model_id id, const zp_adapter::operations* adapter);
 
 } // namespace zp_models
