@@ -1,0 +1,307 @@
+// The bundles: every property of one state in a single call, and their output converters.
+#include "base/zentropia_base.hpp"
+#include "derivative/zentropia_derivative.hpp"
+#include "main/main_internal.hpp"
+#include "main/zentropia_main.hpp"
+#include "main/zentropia_thermo.hpp"
+#include "transport/zentropia_transport.hpp"
+#include "units/zentropia_units.hpp"
+
+#include <algorithm>
+
+namespace zentropia_main {
+namespace {
+
+using zentropia_units::unit_row;
+using zp_common::is_ok;
+using zp_common::not_set;
+
+// Scratch storage for what a bundle evaluates but does not return.
+composition scratch_x{}, scratch_y{};
+
+} // namespace
+
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
+                    composition& x, composition& y, std::string& errormsg) {
+    zentropia_base::allthermophys(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.h, r.s,
+                                  r.u, r.q, x, y, r.cv, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2,
+                                  r.d2pdtdv, r.dcvdt, r.eta, r.lambda, r.sigma, errormsg);
+    if (is_refprop_partial(errormsg)) {
+        // The state stands; of its derivatives only those of p, v and T alone are computed.
+        errormsg = zp_common::no_errors;
+        std::string scratch;
+        const double chi = zentropia_derivative::zp_chi(inputspec, zp_input1, zp_input2, scratch);
+        if (is_ok(scratch)) r.chi = chi;
+        const double fi = zentropia_derivative::zp_fi(inputspec, zp_input1, zp_input2, scratch);
+        if (is_ok(scratch)) r.fi = fi;
+        return;
+    }
+    zentropia_derivative::allderivative(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.q,
+                                        r.cv, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2, r.d2pdtdv,
+                                        r.dcvdt, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi, r.ksi,
+                                        r.psi, r.zeta, r.theta, r.kappa, r.gamma, errormsg);
+}
+
+void allprops(std::string_view inputspec, double input1, double input2, double& p, double& t,
+              double& v, double& d, double& h, double& s, double& u, double& q, composition& x,
+              composition& y, double& cv, double& cp, double& c, double& alpha, double& beta,
+              double& chi, double& fi, double& ksi, double& psi, double& zeta, double& theta,
+              double& kappa, double& gamma, double& eta, double& lambda, std::string& errormsg) {
+    double zp_input1, zp_input2;
+    inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    state_record r;
+    evaluate_state(inputspec, zp_input1, zp_input2, r, x, y, errormsg);
+    p = r.p, t = r.t, v = r.v, d = r.d, h = r.h, s = r.s, u = r.u, q = r.q, cv = r.cv;
+    cp = r.cp, c = r.c, alpha = r.alpha, beta = r.beta, chi = r.chi, fi = r.fi, ksi = r.ksi;
+    psi = r.psi, zeta = r.zeta, theta = r.theta, kappa = r.kappa, gamma = r.gamma;
+    eta = r.eta, lambda = r.lambda;
+    alloutputconv(p, t, v, d, h, s, u, cv, cp, c, alpha, beta, chi, fi, ksi, psi, zeta, theta,
+                  kappa, eta, lambda);
+}
+
+void allpropssat(std::string_view inputspec, double input1, double input2, double& p, double& t,
+                 double& v, double& d, double& h, double& s, double& u, double& q, composition& x,
+                 composition& y, double& cv, double& cp, double& c, double& alpha, double& beta,
+                 double& chi, double& fi, double& ksi, double& psi, double& zeta, double& theta,
+                 double& kappa, double& gamma, double& eta, double& lambda, double& d_liq,
+                 double& d_vap, double& h_liq, double& h_vap, double& t_sat, double& dd_liq_dp,
+                 double& dd_vap_dp, double& dh_liq_dp, double& dh_vap_dp, double& dt_sat_dp,
+                 std::string& errormsg) {
+    allprops(inputspec, input1, input2, p, t, v, d, h, s, u, q, x, y, cv, cp, c, alpha, beta, chi,
+             fi, ksi, psi, zeta, theta, kappa, gamma, eta, lambda, errormsg);
+    if (!is_ok(errormsg)) return;
+    if (zentropia_base::selection().ncmps == 1)
+        modelica_p(p, d_liq, d_vap, h_liq, h_vap, t_sat, dd_liq_dp, dd_vap_dp, dh_liq_dp, dh_vap_dp,
+                   dt_sat_dp, errormsg);
+    else
+        modelica_p_mix(p, t, d_liq, d_vap, h_liq, h_vap, t_sat, dd_liq_dp, dd_vap_dp, dh_liq_dp,
+                       dh_vap_dp, dt_sat_dp, errormsg);
+}
+
+void allpropssatext(std::string_view inputspec, double input1, double input2, double& p, double& t,
+                    double& v, double& d, double& h, double& s, double& u, double& q,
+                    composition& x, composition& y, double& v_liq, double& d_liq, double& h_liq,
+                    double& s_liq, double& u_liq, double& v_vap, double& d_vap, double& h_vap,
+                    double& s_vap, double& u_vap, std::string& errormsg) {
+    double zp_input1, zp_input2;
+    inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    zentropia_base::zp_allpropssatext(inputspec, zp_input1, zp_input2, p, t, v, d, h, s, u, q, x, y,
+                                      v_liq, d_liq, h_liq, s_liq, u_liq, v_vap, d_vap, h_vap, s_vap,
+                                      u_vap, errormsg);
+    if (is_refprop_partial(errormsg)) errormsg = zp_common::no_errors;
+    alloutputconvext(p, t, v, d, h, s, u, x, y, v_liq, d_liq, h_liq, s_liq, u_liq, v_vap, d_vap,
+                     h_vap, s_vap, u_vap, errormsg);
+}
+
+void allpropssu2(std::string_view inputspec, double input1, double input2, double& p, double& t,
+                 double& d, double& s, double& u, double& cv, double& c2, double& alpha,
+                 double& beta, std::string& errormsg) {
+    double zp_input1, zp_input2;
+    inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    state_record r;
+    zentropia_base::allthermophyssu2(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.h, r.s,
+                                     r.u, r.q, scratch_x, scratch_y, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
+                                     r.d2pdv2, r.d2pdtdv, r.dcvdt, r.eta, r.lambda, r.sigma,
+                                     errormsg);
+    double c_squared = not_set;
+    if (is_refprop_partial(errormsg)) {
+        // Unlike allprops, the caller sees RefProp's text.
+        r.alpha = r.beta = not_set;
+    } else if (zp_common::same_text(zentropia_base::selection().modelalias, "Mesheq")) {
+        // A table model delivers the flow-solver quantities in the derivative slots.
+        c_squared = r.d2pdtdv, r.alpha = r.d2pdt2, r.beta = r.d2pdv2;
+    } else {
+        zentropia_derivative::allderivativesu2(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.q,
+                                               r.cv, r.dpdt, r.dpdv, r.c, r.alpha, r.beta,
+                                               errormsg);
+        if (zp_common::isnotinit(r.c)) c_squared = r.c * r.c;
+    }
+    p = r.p, t = r.t, d = r.d, s = r.s, u = r.u, cv = r.cv, c2 = c_squared;
+    alpha = r.alpha, beta = r.beta;
+    alloutputconvsu2(p, t, d, s, u, cv, c2, alpha, beta);
+}
+
+void allpropstarn(std::string_view inputspec, double input1, double input2, double& p, double& t,
+                  double& v, double& d, double& h, double& s, double& u, double& cv, double& cp,
+                  double& c, double& alpha, double& beta, double& zeta, double& eta, double& lambda,
+                  double& dlam_dt, double& dlam_drho, double& deta_dt, double& deta_drho,
+                  std::string& errormsg) {
+    double zp_input1, zp_input2;
+    inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    state_record r;
+    zentropia_base::allthermophys(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.h, r.s,
+                                  r.u, r.q, scratch_x, scratch_y, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
+                                  r.d2pdv2, r.d2pdtdv, r.dcvdt, r.eta, r.lambda, r.sigma, errormsg);
+    if (is_refprop_partial(errormsg))
+        errormsg = zp_common::no_errors;
+    else
+        zentropia_derivative::allderivativetarn(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.q,
+                                                r.cv, r.dpdt, r.dpdv, r.cp, r.c, r.alpha, r.beta,
+                                                r.zeta, errormsg);
+    p = r.p, t = r.t, v = r.v, d = r.d, h = r.h, s = r.s, u = r.u, cv = r.cv, cp = r.cp;
+    c = r.c, alpha = r.alpha, beta = r.beta, zeta = r.zeta, eta = r.eta, lambda = r.lambda;
+    alloutputconvtarn(p, t, v, d, h, s, u, cv, cp, c, alpha, beta, zeta, eta, lambda);
+    // Not computed by this bundle: zero, by design.
+    dlam_dt = dlam_drho = deta_dt = deta_drho = 0.0;
+}
+
+void alltransprops(std::string_view inputspec, double input1, double input2, double& eta,
+                   double& eta_t, double& eta_rho, double& lambda, double& lambda_t,
+                   double& lambda_rho, double& sigma, std::string& errormsg) {
+    // The converted inputs are not used: the transport interface receives the caller's values.
+    double zp_input1, zp_input2;
+    inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    zentropia_transport::zp_alltransprops(inputspec, input1, input2, eta, eta_t, eta_rho, lambda,
+                                          lambda_t, lambda_rho, sigma, errormsg);
+    outputconversion("eta", eta, eta);
+    outputconversion("deta_dT", eta_t, eta_t);
+    outputconversion("deta_drho", eta_rho, eta_rho);
+    outputconversion("lambda", lambda, lambda);
+    outputconversion("dlambda_dT", lambda_t, lambda_t);
+    outputconversion("dlambda_drho", lambda_rho, lambda_rho);
+    outputconversion("sigma", sigma, sigma);
+}
+
+void alltransprops_old(double t, double d, double& eta, double& eta_t, double& eta_d,
+                       double& lambda, double& lambda_t, double& lambda_d, std::string& errormsg) {
+    double zp_t, zp_d;
+    inputconversion("Td", t, d, zp_t, zp_d);
+    zentropia_base::alltransprops_zp(zp_t, zp_d, eta, eta_t, eta_d, lambda, lambda_t, lambda_d,
+                                     errormsg);
+    outputconversion("eta", eta, eta);
+    outputconversion("deta_dT", eta_t, eta_t);
+    outputconversion("deta_drho", eta_d, eta_d);
+    outputconversion("lambda", lambda, lambda);
+    outputconversion("dlambda_dT", lambda_t, lambda_t);
+    outputconversion("dlambda_drho", lambda_d, lambda_d);
+}
+
+void zflow_vu(double& p, double& t, double v, double& h, double& s, double u, double& alpha,
+              double& beta, double& chi, double& fi, double& zeta, double& gamma,
+              std::string& errormsg) {
+    double v_i = v * unit_pair(unit_row::v).factor;
+    double u_i = u * unit_pair(unit_row::u).factor;
+    state_record r;
+    zentropia_base::zflow_tmd_vu(r.p, r.t, v_i, r.h, r.s, u_i, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
+                                 r.d2pdv2, r.d2pdtdv, r.dcvdt, errormsg);
+    p = r.p, t = r.t, h = r.h, s = r.s;
+    alpha = beta = chi = fi = zeta = gamma = not_set;
+    if (is_ok(errormsg)) {
+        // Back-ends whose state evaluation lacks the pressure derivatives are asked for them; if
+        // they cannot answer, the properties built on them stay not computed.
+        std::string scratch{zp_common::no_errors};
+        zentropia_thermo::complete_derivatives("vu", v_i, u_i, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2,
+                                               r.d2pdtdv, r.dcvdt, scratch);
+        const auto dp = zentropia_derivative::single_phase_derived(
+            r.p, r.t, v_i, 1.0 / v_i, r.cv, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2, r.d2pdtdv, r.dcvdt);
+        chi = dp.chi, fi = dp.fi;
+        if (is_ok(scratch)) alpha = dp.alpha, beta = dp.beta, zeta = dp.zeta, gamma = dp.gamma;
+    }
+    to_caller(unit_row::P, p);
+    to_caller(unit_row::T, t);
+    to_caller(unit_row::h, h);
+    to_caller(unit_row::s, s);
+    to_caller(unit_row::alpha, alpha);
+    to_caller(unit_row::beta, beta);
+    to_caller(unit_row::chi, chi);
+    to_caller(unit_row::fi, fi);
+    to_caller(unit_row::zeta, zeta);
+}
+
+void alloutputconv(double& p, double& t, double& v, double& d, double& h, double& s, double& u,
+                   double& cv, double& cp, double& c, double& alpha, double& beta, double& chi,
+                   double& fi, double& ksi, double& psi, double& zeta, double& theta, double& kappa,
+                   double& eta, double& lambda) {
+    to_caller(unit_row::P, p);
+    to_caller(unit_row::T, t);
+    to_caller(unit_row::v, v);
+    to_caller(unit_row::d, d);
+    to_caller(unit_row::h, h);
+    to_caller(unit_row::s, s);
+    to_caller(unit_row::u, u);
+    to_caller(unit_row::cp, cp);
+    to_caller(unit_row::cv, cv);
+    to_caller(unit_row::c, c);
+    to_caller(unit_row::alpha, alpha);
+    to_caller(unit_row::beta, beta);
+    to_caller(unit_row::chi, chi);
+    to_caller(unit_row::fi, fi);
+    to_caller(unit_row::ksi, ksi);
+    to_caller(unit_row::psi, psi);
+    to_caller(unit_row::zeta, zeta);
+    to_caller(unit_row::theta, theta);
+    to_caller(unit_row::kappa, kappa);
+    to_caller(unit_row::eta, eta);
+    to_caller(unit_row::lambda, lambda);
+}
+
+void alloutputconvsu2(double& p, double& t, double& d, double& s, double& u, double& cv, double& c2,
+                      double& alpha, double& beta) {
+    to_caller(unit_row::P, p);
+    to_caller(unit_row::T, t);
+    to_caller(unit_row::d, d);
+    to_caller(unit_row::s, s);
+    to_caller(unit_row::u, u);
+    to_caller(unit_row::cv, cv);
+    if (zp_common::isnotinit(c2)) {
+        const double f_c = unit_pair(unit_row::c).factor;
+        c2 = c2 / f_c / f_c;
+    }
+    to_caller(unit_row::alpha, alpha);
+    to_caller(unit_row::beta, beta);
+}
+
+void alloutputconvtarn(double& p, double& t, double& v, double& d, double& h, double& s, double& u,
+                       double& cv, double& cp, double& c, double& alpha, double& beta, double& zeta,
+                       double& eta, double& lambda) {
+    to_caller(unit_row::P, p);
+    to_caller(unit_row::T, t);
+    to_caller(unit_row::v, v);
+    to_caller(unit_row::d, d);
+    to_caller(unit_row::h, h);
+    to_caller(unit_row::s, s);
+    to_caller(unit_row::u, u);
+    to_caller(unit_row::cv, cv);
+    to_caller(unit_row::cp, cp);
+    to_caller(unit_row::c, c);
+    to_caller(unit_row::alpha, alpha);
+    to_caller(unit_row::beta, beta);
+    to_caller(unit_row::zeta, zeta);
+    to_caller(unit_row::eta, eta);
+    to_caller(unit_row::lambda, lambda);
+}
+
+void alloutputconvext(double& p, double& t, double& v, double& d, double& h, double& s, double& u,
+                      const composition& x, const composition& y, double& v_liq, double& d_liq,
+                      double& h_liq, double& s_liq, double& u_liq, double& v_vap, double& d_vap,
+                      double& h_vap, double& s_vap, double& u_vap, std::string& errormsg) {
+    const auto& cf = zentropia_units::convfact();
+    if (std::all_of(cf.begin(), cf.end(), [](const auto& row) { return row.factor == 1.0; }))
+        return;
+    // Per-mole units of each phase are based on that phase's molar mass; these conversions are
+    // made whatever the values hold.
+    std::string scratch;
+    const auto convert_phase = [&](const composition& cnc, double& pv, double& pd, double& ph,
+                                   double& ps, double& pu) {
+        zentropia_units::setunits_phase(zentropia_base::zp_mmol_cnc(cnc, scratch), scratch);
+        if (!is_ok(scratch)) errormsg = scratch;
+        pv /= unit_pair(unit_row::v).factor;
+        pd /= unit_pair(unit_row::d).factor;
+        ph /= unit_pair(unit_row::h).factor;
+        ps /= unit_pair(unit_row::s).factor;
+        pu /= unit_pair(unit_row::u).factor;
+    };
+    convert_phase(x, v_liq, d_liq, h_liq, s_liq, u_liq);
+    convert_phase(y, v_vap, d_vap, h_vap, s_vap, u_vap);
+    zentropia_units::setunits_phase(zentropia_base::zp_mmol(scratch), scratch);
+    if (!is_ok(scratch)) errormsg = scratch;
+    p = caller_value(unit_row::P, p);
+    v /= unit_pair(unit_row::v).factor;
+    d /= unit_pair(unit_row::d).factor;
+    h /= unit_pair(unit_row::h).factor;
+    s /= unit_pair(unit_row::s).factor;
+    u /= unit_pair(unit_row::u).factor;
+    t = caller_value(unit_row::T, t);
+}
+
+} // namespace zentropia_main

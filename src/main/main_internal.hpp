@@ -1,0 +1,50 @@
+#pragma once
+// Shared by the property interface's source files: the record of one evaluated state and the
+// conversion of single values by their row of the current unit set.
+#include "base/common.hpp"
+#include "units/zentropia_units.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace zentropia_main {
+
+// Every internal result of one state: the back-end's values and the derived properties.
+struct state_record {
+    double p = zp_common::not_set, t = zp_common::not_set, v = zp_common::not_set;
+    double d = zp_common::not_set, h = zp_common::not_set, s = zp_common::not_set;
+    double u = zp_common::not_set, q = zp_common::not_set, cv = zp_common::not_set;
+    double dpdt = zp_common::not_set, dpdv = zp_common::not_set, d2pdt2 = zp_common::not_set;
+    double d2pdv2 = zp_common::not_set, d2pdtdv = zp_common::not_set;
+    double dcvdt = zp_common::not_set;
+    double eta = zp_common::not_set, lambda = zp_common::not_set, sigma = zp_common::not_set;
+    double cp = zp_common::not_set, c = zp_common::not_set, alpha = zp_common::not_set;
+    double beta = zp_common::not_set, chi = zp_common::not_set, fi = zp_common::not_set;
+    double ksi = zp_common::not_set, psi = zp_common::not_set, zeta = zp_common::not_set;
+    double theta = zp_common::not_set, kappa = zp_common::not_set, gamma = zp_common::not_set;
+};
+
+// Evaluates the state (internal inputs) and completes its derivative properties, in internal
+// units; x and y receive the phase compositions.
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
+                    zp_common::composition& x, zp_common::composition& y, std::string& errormsg);
+
+// The RefProp back-end's partial success: the state is valid, its derivatives are not.
+inline bool is_refprop_partial(std::string_view errormsg) {
+    return errormsg.starts_with("Error in RefProp: [CFD_PROP Error 101]");
+}
+
+inline const zentropia_units::conversion_pair& unit_pair(zentropia_units::unit_row row) {
+    return zentropia_units::convfact()[static_cast<int>(row)];
+}
+// Internal value to the caller's unit, whatever it holds.
+inline double caller_value(zentropia_units::unit_row row, double value) {
+    const auto& cf = unit_pair(row);
+    return (value - cf.offset) / cf.factor;
+}
+// Internal value to the caller's unit in place; the not-computed sentinel stays as it is.
+inline void to_caller(zentropia_units::unit_row row, double& value) {
+    if (zp_common::isnotinit(value)) value = caller_value(row, value);
+}
+
+} // namespace zentropia_main
