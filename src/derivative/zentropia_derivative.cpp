@@ -11,15 +11,15 @@ namespace {
 
 using zp_common::is_ok;
 using zp_common::not_set;
-using zp_common::same_text;
+using zp_models::model_id;
 
 // Internal units to SI inside the formulas: T = t + 273.15, P = 100000 p, kJ = 1000 J.
 constexpr double kelvin_offset = 273.15;
 constexpr double pa_per_bar = 100000.0;
 constexpr double j_per_kj = 1000.0;
 
-bool alias_is(std::string_view name) {
-    return same_text(zentropia_base::selection().modelalias, name);
+bool alias_is(model_id model) {
+    return zentropia_base::selected_alias() == model;
 }
 bool is_mixture() {
     return zentropia_base::selection().ncmps > 1;
@@ -226,11 +226,12 @@ struct property_rule {
 
 // Models that answer the property themselves; true with the answer in value.
 bool routed(const property_rule& rule, const state_query& s, double& value, std::string& errormsg) {
-    if (alias_is("Mesheq") || (alias_is("IF97") && rule.if97 == if97_rule::backend)) {
+    if (alias_is(model_id::mesheq) ||
+        (alias_is(model_id::if97) && rule.if97 == if97_rule::backend)) {
         value = zentropia_base::calculate(s.inputspec, s.input1, s.input2, rule.key, errormsg);
         return true;
     }
-    if (alias_is("IF97") && rule.if97 == if97_rule::missing) {
+    if (alias_is(model_id::if97) && rule.if97 == if97_rule::missing) {
         errormsg = zp_common::trim(zentropia_base::selection().modelname);
         errormsg += ": calculation of ";
         errormsg += rule.if97_name;
@@ -319,7 +320,7 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
                    std::string& errormsg) {
     if (!is_ok(errormsg)) return;
     const state_query s{inputspec, input1, input2};
-    if (alias_is("Mesheq")) {
+    if (alias_is(model_id::mesheq)) {
         cp = ask(s, "cp", errormsg), c = ask(s, "c", errormsg);
         alpha = ask(s, "alpha", errormsg), beta = ask(s, "beta", errormsg);
         chi = ask(s, "chi", errormsg), fi = ask(s, "phi", errormsg);
@@ -328,7 +329,7 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
         kappa = ask(s, "kappa", errormsg), gamma = ask(s, "gamma", errormsg);
         return;
     }
-    if (alias_is("IF97")) {
+    if (alias_is(model_id::if97)) {
         cp = ask(s, "cp", errormsg);
         c = ask(s, "c", errormsg);
         alpha = beta = chi = fi = ksi = psi = zeta = theta = kappa = gamma = not_set;
@@ -361,7 +362,7 @@ void allderivativesu2(std::string_view inputspec, double input1, double input2, 
                       double v, double q, double& cv, double dpdt, double dpdv, double& c,
                       double& alpha, double& beta, std::string& errormsg) {
     if (!is_ok(errormsg)) return;
-    if (alias_is("IF97")) {
+    if (alias_is(model_id::if97)) {
         c = ask(state_query{inputspec, input1, input2}, "c", errormsg);
         alpha = beta = not_set;
         return;
@@ -392,7 +393,7 @@ void allderivativetarn(std::string_view inputspec, double input1, double input2,
                        double& c, double& alpha, double& beta, double& zeta,
                        std::string& errormsg) {
     if (!is_ok(errormsg)) return;
-    if (alias_is("IF97")) {
+    if (alias_is(model_id::if97)) {
         const state_query s{inputspec, input1, input2};
         cp = ask(s, "cp", errormsg);
         c = ask(s, "c", errormsg);

@@ -135,8 +135,14 @@ void outputconversion_cnc(std::string_view inputspec, const composition& cnc,
         return;
     }
     // Per-mole units of one phase are based on that phase's molar mass.
+    // Without a molar mass for the phase the fluid's own factors stay.
     std::string scratch;
-    zentropia_units::setunits_phase(zentropia_base::zp_mmol_cnc(cnc, scratch), scratch);
+    const double mmol = zentropia_base::zp_mmol_cnc(cnc, scratch);
+    if (!is_ok(scratch)) {
+        outputconversion(outputspec, zp_output, output);
+        return;
+    }
+    zentropia_units::setunits_phase(mmol, scratch);
     outputconversion(outputspec, zp_output, output);
     zentropia_units::setunits_phase(zentropia_base::zp_mmol(scratch), scratch);
 }

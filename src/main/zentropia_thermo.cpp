@@ -9,17 +9,16 @@ namespace zentropia_thermo {
 namespace {
 
 using zp_common::composition;
-using zp_common::same_text;
+using zp_models::model_id;
 
 double ask(std::string_view inputspec, double input1, double input2, std::string_view key,
            std::string& errormsg) {
     return zentropia_base::calculate(inputspec, input1, input2, key, errormsg);
 }
 
-bool alias_in(std::initializer_list<std::string_view> names) {
-    const auto& alias = zentropia_base::selection().modelalias;
-    return std::any_of(names.begin(), names.end(),
-                       [&](std::string_view name) { return same_text(alias, name); });
+bool alias_in(std::initializer_list<model_id> models) {
+    return std::find(models.begin(), models.end(), zentropia_base::selected_alias()) !=
+           models.end();
 }
 
 enum class phase_output { liquid, vapour, fugacity };
@@ -27,8 +26,8 @@ enum class phase_output { liquid, vapour, fugacity };
 // The back-ends of these models only see the components of non-zero concentration; the others
 // receive every component the caller named.
 bool keeps_all_components() {
-    const auto& name = zentropia_base::selection().modelname;
-    return same_text(name, "Varimol") || same_text(name, "liteVarimol");
+    const model_id model = zentropia_base::selected_model();
+    return model == model_id::varimol || model == model_id::litevarimol;
 }
 
 // Each composition output keeps its own work vector: a table model leaves it as the previous call
@@ -44,22 +43,26 @@ void fill_work_vector(phase_output kind, std::string_view inputspec, double inpu
         // Pure-fluid models: the coexisting phases are the pure fluid itself.
         const bool liquid = kind == phase_output::liquid;
         const bool pure =
-            liquid ? alias_in({"TPSI", "IF97", "Kelvora", "Critova", "NH3-H2O", "LiBr-H2O"})
-                   : alias_in({"TPSI", "IF97", "Kelvora", "Critova"});
+            liquid
+                ? alias_in({model_id::tpsi, model_id::if97, model_id::kelvora, model_id::critova,
+                            model_id::nh3_h2o, model_id::libr_h2o})
+                : alias_in({model_id::tpsi, model_id::if97, model_id::kelvora, model_id::critova});
         if (pure) {
             const double q = ask(inputspec, input1, input2, "q", errormsg);
             work[0] = liquid ? (q >= 1.0 ? 0.0 : 1.0) : (q > 0.0 ? 1.0 : 0.0);
             return;
         }
-        if (alias_in({"Aerolt", "liteVarimol", "Varimol", "RefProp", "PCP-SAFT", "sPCP-SAFT"})) {
+        if (alias_in({model_id::aerolt, model_id::litevarimol, model_id::varimol, model_id::refprop,
+                      model_id::pcp_saft, model_id::spcp_saft})) {
             if (liquid)
                 zentropia_base::liquidcmp_zp(inputspec, input1, input2, work, errormsg);
             else
                 zentropia_base::vaporcmp_zp(inputspec, input1, input2, work, errormsg);
             return;
         }
-        if (alias_in({"Mesheq"})) return;
-    } else if (alias_in({"Varimol", "liteVarimol", "RefProp", "PCP-SAFT", "sPCP-SAFT"})) {
+        if (alias_in({model_id::mesheq})) return;
+    } else if (alias_in({model_id::varimol, model_id::litevarimol, model_id::refprop,
+                         model_id::pcp_saft, model_id::spcp_saft})) {
         zentropia_base::fugacoef_zp(inputspec, input1, input2, work, errormsg);
         return;
     }

@@ -23,10 +23,11 @@ struct own_fluid {
 };
 own_fluid fluid;
 
-bool alias_in(std::initializer_list<std::string_view> names) {
-    const auto& alias = zentropia_base::selection().modelalias;
-    return std::any_of(names.begin(), names.end(),
-                       [&](std::string_view name) { return zp_common::same_text(alias, name); });
+using zp_models::model_id;
+
+bool alias_in(std::initializer_list<model_id> models) {
+    return std::find(models.begin(), models.end(), zentropia_base::selected_alias()) !=
+           models.end();
 }
 
 struct own_values {
@@ -56,11 +57,11 @@ bool backend_lacks(double value) {
 // One property: asked of the back-end for the models in `backend`, asked of RefProp first with
 // the own model as fallback, and of the own model for every other model.
 double single_property(std::string_view key, double own_values::*own,
-                       std::initializer_list<std::string_view> backend, std::string_view inputspec,
+                       std::initializer_list<model_id> backend, std::string_view inputspec,
                        double input1, double input2, std::string& errormsg) {
     if (alias_in(backend))
         return zentropia_base::calculate(inputspec, input1, input2, key, errormsg);
-    if (alias_in({"RefProp"})) {
+    if (alias_in({model_id::refprop})) {
         const double value = zentropia_base::calculate(inputspec, input1, input2, key, errormsg);
         if (!backend_lacks(value)) return value;
     }
@@ -89,7 +90,7 @@ void transport_calcprop(double /*t*/, double /*v*/, double& eta, double& eta_t, 
 void zp_alltransprops(std::string_view inputspec, double input1, double input2, double& eta,
                       double& eta_t, double& eta_rho, double& lambda, double& lambda_t,
                       double& lambda_rho, double& sigma, std::string& errormsg) {
-    if (alias_in({"IF97", "Aerolt", "Mesheq"})) {
+    if (alias_in({model_id::if97, model_id::aerolt, model_id::mesheq})) {
         eta_t = eta_rho = lambda_t = lambda_rho = sigma = not_set;
         eta = zentropia_base::calculate(inputspec, input1, input2, "eta", errormsg);
         if (!is_ok(errormsg)) return;
@@ -104,20 +105,22 @@ void zp_alltransprops(std::string_view inputspec, double input1, double input2, 
 
 double zp_viscosity(std::string_view inputspec, double input1, double input2,
                     std::string& errormsg) {
-    return single_property("eta", &own_values::eta, {"IF97", "Aerolt", "Kelvora", "Mesheq"},
+    return single_property("eta", &own_values::eta,
+                           {model_id::if97, model_id::aerolt, model_id::kelvora, model_id::mesheq},
                            inputspec, input1, input2, errormsg);
 }
 
 double zp_thermcond(std::string_view inputspec, double input1, double input2,
                     std::string& errormsg) {
-    return single_property("lambda", &own_values::lambda, {"IF97", "Aerolt", "Kelvora", "Mesheq"},
+    return single_property("lambda", &own_values::lambda,
+                           {model_id::if97, model_id::aerolt, model_id::kelvora, model_id::mesheq},
                            inputspec, input1, input2, errormsg);
 }
 
 double zp_surftens(std::string_view inputspec, double input1, double input2,
                    std::string& errormsg) {
-    return single_property("sigma", &own_values::sigma, {"IF97", "LiBr-H2O"}, inputspec, input1,
-                           input2, errormsg);
+    return single_property("sigma", &own_values::sigma, {model_id::if97, model_id::libr_h2o},
+                           inputspec, input1, input2, errormsg);
 }
 
 } // namespace zentropia_transport
