@@ -145,6 +145,8 @@ ZENTROPIA_API void zentropia_getcompset(const char* model, int* ncomps, char* co
                                         int errormsg_len);
 /* reads the fluid name table beside the library */
 ZENTROPIA_API void zentropia_readfluidstable(char* errormsg, int errormsg_len);
+/* string with its ASCII letters lowered, cut to 32 characters */
+ZENTROPIA_API void zentropia_tolower(const char* string, char* lowered, int lowered_len);
 
 /* ---- Property interface (caller's units) ------------------------------------------------- */
 
@@ -236,10 +238,10 @@ ZENTROPIA_SATURATION_BUNDLES(ZENTROPIA_DECLARE_SATURATION_BUNDLE)
    in the caller's units (gamma and vaporqual are dimensionless). */
 #define ZENTROPIA_SINGLE_PROPERTIES(X)                                                             \
     X(pressure)                                                                                    \
-    X(temperature) X(specvolume) X(density) X(enthalpy) X(entropy) X(intenergy) X(gibbsenergy)     \
-        X(helmholtzenergy) X(heatcapv) X(heatcapp) X(soundspeed) X(alpha) X(beta) X(chi) X(fi)     \
-            X(ksi) X(psi) X(zeta) X(theta) X(kappa) X(gamma) X(vaporqual) X(viscosity)             \
-                X(thermcond) X(surftens)
+    X(temperature)                                                                                 \
+    X(specvolume) X(density) X(enthalpy) X(entropy) X(intenergy) X(gibbsenergy) X(helmholtzenergy) \
+        X(heatcapv) X(heatcapp) X(soundspeed) X(alpha) X(beta) X(chi) X(fi) X(ksi) X(psi) X(zeta)  \
+            X(theta) X(kappa) X(gamma) X(vaporqual) X(viscosity) X(thermcond) X(surftens)
 #define ZENTROPIA_DECLARE_SINGLE_PROPERTY(name)                                                    \
     ZENTROPIA_API double zentropia_##name(const char* inputspec, double input1, double input2,     \
                                           char* errormsg, int errormsg_len);
@@ -301,6 +303,18 @@ ZENTROPIA_API void zentropia_getunitconvfact(const char* symbol, double* cf, int
         const char* massormole, int* n_prop, int n_prop_len, char* prop, int prop_count,           \
         int prop_width, double* power, int power_len, char* unit, int unit_count, int unit_width);
 ZENTROPIA_UNIT_DESCRIPTIONS(ZENTROPIA_DECLARE_UNIT_DESCRIPTION)
+
+/* Reading unit texts: character classes, a comma-separated list into texts, a signed integer
+   (string is consumed in place; msg receives "string-ok" or "string-noint") */
+ZENTROPIA_API int zentropia_isalfa(char c);
+ZENTROPIA_API int zentropia_isdigit(char c);
+ZENTROPIA_API int zentropia_isvalid(char c);
+ZENTROPIA_API int zentropia_isdigitstr(const char* string);
+ZENTROPIA_API void zentropia_strtoarr(const char* string, char* array, int array_count,
+                                      int array_width, int* nelmts, char* errormsg,
+                                      int errormsg_len);
+ZENTROPIA_API void zentropia_strtoint(char* string, int string_len, int* number, char* msg,
+                                      int msg_len);
 
 #ifdef __cplusplus
 }

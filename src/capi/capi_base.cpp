@@ -246,6 +246,10 @@ ZP_C void zentropia_readfluidstable(char* errormsg, int errormsg_len) {
     guarded(errormsg, errormsg_len, [](std::string& e) { fluidstable::readfluidstable(e); });
 }
 
+ZP_C void zentropia_tolower(const char* string, char* lowered, int lowered_len) {
+    quiet([&] { put_text(lowered, lowered_len, fluidstable::tolower(text(string))); });
+}
+
 #define ZP_DEFINE_COMPOSITION_ZP(name)                                                             \
     ZP_C void zentropia_##name##_zp(const char* inputspec, double input1, double input2,           \
                                     double* output, int output_len, char* errormsg,                \

@@ -1,5 +1,6 @@
 // The C API of the units (zentropia_units).
 #include "capi/capi_support.hpp"
+#include "units/unitparser.hpp"
 #include "units/zentropia_units.hpp"
 #include "zentropia/zentropia.h"
 
@@ -63,3 +64,36 @@ ZP_C void zentropia_getunitconvfact(const char* symbol, double* cf, int cf_len) 
         });                                                                                        \
     }
 ZENTROPIA_UNIT_DESCRIPTIONS(ZP_DEFINE_UNIT_DESCRIPTION)
+
+ZP_C int zentropia_isalfa(char c) {
+    return quiet([&] { return unitparser::isalfa(c); });
+}
+
+ZP_C int zentropia_isdigit(char c) {
+    return quiet([&] { return unitparser::isdigit(c); });
+}
+
+ZP_C int zentropia_isvalid(char c) {
+    return quiet([&] { return unitparser::isvalid(c); });
+}
+
+ZP_C int zentropia_isdigitstr(const char* string) {
+    return quiet([&] { return unitparser::isdigitstr(text(string)); });
+}
+
+ZP_C void zentropia_strtoarr(const char* string, char* array, int array_count, int array_width,
+                             int* nelmts, char* errormsg, int errormsg_len) {
+    using entries = std::array<std::string, unitparser::max_entries>;
+    guarded(errormsg, errormsg_len, [&](std::string& e) {
+        unitparser::strtoarr(text(string), texts_out<entries>(array, array_count, array_width),
+                             out(nelmts), e);
+    });
+}
+
+ZP_C void zentropia_strtoint(char* string, int string_len, int* number, char* msg, int msg_len) {
+    quiet([&] {
+        std::string consumed(get_text(string, string_len));
+        unitparser::strtoint(consumed, out(number), text_out(msg, msg_len));
+        put_text(string, string_len, consumed);
+    });
+}
