@@ -214,11 +214,12 @@ TEST(Bundles, ModelicaSaturationAtAndAboveTheCriticalPressure) {
     zm::modelica_p(230e5, line[0], line[1], line[2], line[3], line[4], line[5], line[6], line[7],
                    line[8], line[9], errormsg);
     EXPECT_TRUE(errormsg.starts_with("Error in IF97")) << errormsg;
-    EXPECT_NE(line[0], not_set);
 }
 
 TEST(Bundles, ModelicaSaturationTemperatureSlopeIsTheClapeyronInverse) {
-    // dT/dp along the line against a central difference of the saturation temperature.
+    // dT/dp along the line against a central difference of the saturation temperature. The
+    // slope comes from the Clapeyron equation of the region equations, the saturation
+    // temperature from IF97's saturation equation: the two agree to about 1e-4.
     select_water("Zentropia", "PerMass");
     for (double p : {0.05, 1.0, 10.0, 100.0, 200.0}) {
         std::array<double, 10> line;
@@ -230,7 +231,7 @@ TEST(Bundles, ModelicaSaturationTemperatureSlopeIsTheClapeyronInverse) {
         const double dt = (zm::temperature("Pq", p + dp, 0.0, errormsg) -
                            zm::temperature("Pq", p - dp, 0.0, errormsg)) /
                           (2 * dp);
-        EXPECT_NEAR(line[9], dt, 1e-6 * dt) << p;
+        EXPECT_NEAR(line[9], dt, 3e-4 * dt) << p;
         EXPECT_NEAR(line[4], zm::temperature("Pq", p, 1.0, errormsg), 1e-9);
     }
 }
@@ -285,21 +286,86 @@ TEST(Bundles, ZflowFromVolumeAndEnergyMatchesTheEntryPoints) {
     }
 }
 
-TEST(EntryPoints, PhaseMarkers) {
+TEST(EntryPoints, PhaseMarkersOfAPureFluid) {
     for (const unit_set& set : all_unit_sets) {
         select_water(set.name, set.basis);
         const double p = to_set(set, kind::P, 1e6), t = to_set(set, kind::T, 350.0);
         std::string errormsg;
         // For a pure fluid the marked phase has the fluid's own molar mass: the same values.
-        EXPECT_NEAR(zm::density("PTliq", p, t, errormsg), zm::density("PT", p, t, errormsg),
-                    1e-12 * zm::density("PT", p, t, errormsg));
-        ASSERT_EQ(errormsg, "No errors");
-        for (auto entry : {zm::specvolume, zm::enthalpy, zm::entropy, zm::intenergy, zm::heatcapv,
-                           zm::heatcapp}) {
+        for (auto entry : {zm::density, zm::specvolume, zm::enthalpy, zm::entropy, zm::intenergy,
+                           zm::heatcapv, zm::heatcapp, zm::gibbsenergy}) {
             const double plain = entry("PT", p, t, errormsg);
-            EXPECT_NEAR(entry("PTliq", p, t, errormsg), plain, 1e-12 * std::fabs(plain));
+            ASSERT_EQ(errormsg, "No errors");
+            EXPECT_NEAR(entry("PT liq", p, t, errormsg), plain, 1e-12 * std::fabs(plain));
             EXPECT_EQ(errormsg, "No errors");
         }
+    }
+}
+
+TEST(EntryPoints, PhaseMarkersConvertWithThePhasesMolarMass) {
+    // A two-component fluid per mole: a marked phase's value is converted with the molar mass of
+    // that phase's composition, an unmarked one with the fluid's.
+    const water_with_derivatives mixture({0.5, 0.5}, "SI", "PerMole");
+    const double m_fluid = 0.5 * molar_mass + 0.5 * double_adapter::other_molar_mass;
+    const double m_liquid = 0.3 * molar_mass + 0.7 * double_adapter::other_molar_mass;
+    const double m_vapour = 0.6 * molar_mass + 0.4 * double_adapter::other_molar_mass;
+    std::string errormsg;
+    const double rho = 1.0 / zentropia_base::calculate("PT", 10.0, 76.85, "v", errormsg);
+    const double h = 1000.0 * zentropia_base::calculate("PT", 10.0, 76.85, "h", errormsg);
+    EXPECT_NEAR(zm::density("PT", 1e6, 350.0, errormsg), rho / m_fluid, 1e-9 * rho / m_fluid);
+    EXPECT_NEAR(zm::density("PT liq", 1e6, 350.0, errormsg), rho / m_liquid, 1e-9 * rho / m_liquid);
+    EXPECT_NEAR(zm::density("PT vap", 1e6, 350.0, errormsg), rho / m_vapour, 1e-9 * rho / m_vapour);
+    EXPECT_NEAR(zm::enthalpy("PT liq", 1e6, 350.0, errormsg), h * m_liquid, 1e-9 * h * m_liquid);
+    EXPECT_EQ(errormsg, "No errors");
+    // The factors are the fluid's again afterwards.
+    EXPECT_NEAR(zm::density("PT", 1e6, 350.0, errormsg), rho / m_fluid, 1e-9 * rho / m_fluid);
+}
+
+TEST(EntryPoints, PhaseCompositionsAtTheCallersPositions) {
+    // Three components, the second of zero concentration: the back-end sees two, and the caller
+    // gets 0 at the second position. Critova describes pure fluids: liquid 1 below q = 1.
+    const water_with_derivatives mixture({0.5, 0.0, 0.5});
+    ASSERT_EQ(zentropia_base::selection().ncmps, 2);
+    composition liquid;
+    liquid.fill(-1.0);
+    std::string errormsg;
+    zm::liquidcmp("PT", 10.0, 100.0, liquid, errormsg);
+    EXPECT_EQ(errormsg, "No errors");
+    EXPECT_EQ(liquid[0], 1.0);
+    EXPECT_EQ(liquid[1], 0.0);
+    EXPECT_EQ(liquid[3], -1.0) << "beyond the caller's components nothing is written";
+}
+
+TEST(Bundles, AModelWithPressureDerivativesFillsEveryOutput) {
+    // All derivative outputs of allprops, in the caller's units, against the single-property
+    // entry points of IF97 (which ask the back-end for the derivatives).
+    for (const unit_set& set : all_unit_sets) {
+        if (set.basis == "PerMole") continue;
+        select_water(set.name, set.basis);
+        const double p = to_set(set, kind::P, 3e6), t = to_set(set, kind::T, 500.0);
+        std::string errormsg;
+        const std::vector<double> expected{
+            zm::alpha("PT", p, t, errormsg), zm::beta("PT", p, t, errormsg),
+            zm::chi("PT", p, t, errormsg),   zm::fi("PT", p, t, errormsg),
+            zm::zeta("PT", p, t, errormsg),  zm::gamma("PT", p, t, errormsg)};
+        ASSERT_EQ(errormsg, "No errors");
+        const water_with_derivatives model({1.0}, set.name);
+        double P, T, v, d, h, s, u, q, cv, cp, c, alpha, beta, chi, fi, ksi, psi, zeta, theta;
+        double kappa, gamma, eta, lambda;
+        composition x{}, y{};
+        zm::allprops("PT", p, t, P, T, v, d, h, s, u, q, x, y, cv, cp, c, alpha, beta, chi, fi, ksi,
+                     psi, zeta, theta, kappa, gamma, eta, lambda, errormsg);
+        ASSERT_EQ(errormsg, "No errors");
+        const std::vector<double> got{alpha, beta, chi, fi, zeta, gamma};
+        for (std::size_t i = 0; i < got.size(); ++i)
+            EXPECT_NEAR(got[i], expected[i], 1e-10 * std::fabs(expected[i])) << set.name << i;
+        for (double value : {ksi, psi, theta, kappa}) EXPECT_NE(value, not_set);
+        EXPECT_EQ(zm::calcprop("kappa", "PT", p, t, errormsg), kappa);
+        // theta = (∂v/∂T)_P / v, in the caller's 1/T unit.
+        const double dt = to_set(set, kind::T, 500.01) - to_set(set, kind::T, 499.99);
+        const double dv = zm::specvolume("PT", p, t + dt / 2, errormsg) -
+                          zm::specvolume("PT", p, t - dt / 2, errormsg);
+        EXPECT_NEAR(theta, dv / dt / v, 1e-6 * theta) << set.name;
     }
 }
 
@@ -412,19 +478,27 @@ TEST(BadInput, FailuresAreReportedAndTheLibraryStaysUsable) {
 }
 
 TEST(BadInput, AFailedSelectionIsReportedByEveryEntryPoint) {
+    // A model whose back-end is not installed: its adapter's text reaches the caller unchanged.
     std::string errormsg;
     const std::array<std::string, 1> name{"water"};
     const std::array<double, 1> one{1.0};
-    zentropia_base::setfluid("no such model", 1, name, one, errormsg);
+    zentropia_base::setfluid("TPSI", 1, name, one, errormsg);
     ASSERT_NE(errormsg, "No errors");
+    const std::string missing = "Error in TPSI: back-end library not installed.";
     zm::calcprop("h", "PT", 10.0, 100.0, errormsg);
-    EXPECT_EQ(errormsg, "Error in Zentropia: model name unknown");
+    EXPECT_EQ(errormsg, missing);
     zm::density("PT", 10.0, 100.0, errormsg);
-    EXPECT_EQ(errormsg, "Error in Zentropia: invalid model name");
+    EXPECT_EQ(errormsg, missing);
+    zm::soundspeed("PT", 10.0, 100.0, errormsg);
+    EXPECT_EQ(errormsg, missing);
     EXPECT_EQ(zm::mmol(errormsg), not_set);
-    EXPECT_EQ(errormsg, "Error in Zentropia: model name unknown");
+    EXPECT_EQ(errormsg, missing);
+    // An unknown model name leaves the model selected before it in place.
     select_water();
+    zentropia_base::setfluid("no such model", 1, name, one, errormsg);
+    EXPECT_EQ(errormsg, "Error in Zentropia: invalid model name no such model");
     EXPECT_GT(calc("h", errormsg), 400.0);
+    EXPECT_EQ(errormsg, "No errors");
 }
 
 } // namespace
