@@ -286,6 +286,83 @@ TEST(Bundles, ZflowFromVolumeAndEnergyMatchesTheEntryPoints) {
     }
 }
 
+// A back-end that reports RefProp's partial success after evaluating the state.
+void allprops_partial(std::string_view inputspec, double value1, double value2, double& p,
+                      double& t, double& v, double& d, double& h, double& s, double& u, double& q,
+                      composition& x, composition& y, composition& lnphi, double& cv, double& dpdt,
+                      double& dpdv, double& d2pdt2, double& d2pdv2, double& d2pdtdv, double& dcvdt,
+                      double& eta, double& lambda, double& sigma, std::string& errormsg) {
+    double_adapter::allprops(inputspec, value1, value2, p, t, v, d, h, s, u, q, x, y, lnphi, cv,
+                             dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, sigma,
+                             errormsg);
+    errormsg = "Error in RefProp: [CFD_PROP Error 101] derivatives not available";
+}
+
+TEST(Bundles, RefPropPartialSuccess) {
+    const water_with_derivatives model;
+    zp_adapter::operations partial = double_adapter::row;
+    partial.allprops = &allprops_partial;
+    zp_models::replace_adapter(zp_models::model_id::critova, &partial);
+    std::string errormsg;
+    const std::array<std::string, 1> name{"water"};
+    const std::array<double, 1> one{1.0};
+    zentropia_base::setfluid("Critova", 1, name, one, errormsg);
+    ASSERT_EQ(errormsg, "No errors");
+
+    // calcprop and allprops accept the state; only chi and fi of the derivatives are computed.
+    const double h = zentropia_base::calculate("PT", 10.0, 100.0, "h", errormsg);
+    EXPECT_EQ(zm::calcprop("h", "PT", 10.0, 100.0, errormsg), h);
+    EXPECT_EQ(errormsg, "No errors");
+    EXPECT_NEAR(zm::calcprop("fi", "PT", 10.0, 100.0, errormsg), 1.0 / 373.15, 1e-15);
+    EXPECT_LT(zm::calcprop("chi", "PT", 10.0, 100.0, errormsg), 0.0);
+    for (const char* keyword :
+         {"cp", "c", "alpha", "beta", "ksi", "psi", "zeta", "theta", "kappa", "gamma"})
+        EXPECT_EQ(zm::calcprop(keyword, "PT", 10.0, 100.0, errormsg), not_set) << keyword;
+    // The Tarn bundle accepts it too; the flow-solver bundle passes RefProp's text on.
+    double o[19];
+    zm::allpropstarn("PT", 10.0, 100.0, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7], o[8], o[9],
+                     o[10], o[11], o[12], o[13], o[14], o[15], o[16], o[17], o[18], errormsg);
+    EXPECT_EQ(errormsg, "No errors");
+    EXPECT_EQ(o[4], h);
+    EXPECT_EQ(o[9], not_set) << "c";
+    double P, T, d, entropy, u, cv, c2, alpha, beta;
+    zm::allpropssu2("PT", 10.0, 100.0, P, T, d, entropy, u, cv, c2, alpha, beta, errormsg);
+    EXPECT_TRUE(errormsg.starts_with("Error in RefProp: [CFD_PROP Error 101]"));
+    EXPECT_EQ(c2, not_set);
+    EXPECT_EQ(alpha, not_set);
+    EXPECT_EQ(beta, not_set);
+    EXPECT_EQ(P, 10.0);
+}
+
+TEST(Bundles, CoexistingPhasesConvertPerPhase) {
+    // The converter of the two-phase bundle, per mole: each phase with its own molar mass.
+    const water_with_derivatives mixture({0.5, 0.5}, "SI", "PerMole");
+    const double m_fluid = 0.5 * molar_mass + 0.5 * double_adapter::other_molar_mass;
+    const double m_liquid = 0.3 * molar_mass + 0.7 * double_adapter::other_molar_mass;
+    composition x{}, y{};
+    x[0] = 0.3, x[1] = 0.7, y[0] = 0.6, y[1] = 0.4;
+    double p = 10.0, t = 100.0, v = 0.1, d = 10.0, h = 100.0, s = 1.0, u = 90.0;
+    double liq[5] = {0.001, 1000.0, 400.0, 1.2, 380.0}, vap[5] = {0.1, 10.0, 2600.0, 7.0, 2500.0};
+    std::string errormsg = "No errors";
+    zm::alloutputconvext(p, t, v, d, h, s, u, x, y, liq[0], liq[1], liq[2], liq[3], liq[4], vap[0],
+                         vap[1], vap[2], vap[3], vap[4], errormsg);
+    EXPECT_EQ(errormsg, "No errors");
+    EXPECT_NEAR(p, 1e6, 1e-6);
+    EXPECT_NEAR(t, 373.15, 1e-12);
+    EXPECT_NEAR(h, 100.0e3 * m_fluid, 1e-9);
+    EXPECT_NEAR(liq[1], 1000.0 / m_liquid, 1e-6);
+    EXPECT_NEAR(liq[2], 400.0e3 * m_liquid, 1e-9);
+    EXPECT_NEAR(vap[0], 0.1 * (0.6 * molar_mass + 0.4 * double_adapter::other_molar_mass), 1e-15);
+
+    // With every factor 1 nothing is converted, the temperature offset of kelvin included.
+    zentropia_units::setunits("Zentropia", "PerMass", "T", "K", errormsg);
+    ASSERT_EQ(errormsg, "No errors");
+    t = 100.0;
+    zm::alloutputconvext(p, t, v, d, h, s, u, x, y, liq[0], liq[1], liq[2], liq[3], liq[4], vap[0],
+                         vap[1], vap[2], vap[3], vap[4], errormsg);
+    EXPECT_EQ(t, 100.0);
+}
+
 TEST(EntryPoints, PhaseMarkersOfAPureFluid) {
     for (const unit_set& set : all_unit_sets) {
         select_water(set.name, set.basis);
