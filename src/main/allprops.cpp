@@ -179,11 +179,14 @@ void alltransprops_old(double t, double d, double& eta, double& eta_t, double& e
 void zflow_vu(double& p, double& t, double v, double& h, double& s, double u, double& alpha,
               double& beta, double& chi, double& fi, double& zeta, double& gamma,
               std::string& errormsg) {
-    double v_i = v * unit_pair(unit_row::v).factor;
-    double u_i = u * unit_pair(unit_row::u).factor;
+    const double v_i = v * unit_pair(unit_row::v).factor;
+    const double u_i = u * unit_pair(unit_row::u).factor;
+    // The evaluation writes the state's own v and u back: keep the inputs, which also name the
+    // state for the back-end's further questions.
+    double v_state = v_i, u_state = u_i;
     state_record r;
-    zentropia_base::zflow_tmd_vu(r.p, r.t, v_i, r.h, r.s, u_i, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
-                                 r.d2pdv2, r.d2pdtdv, r.dcvdt, errormsg);
+    zentropia_base::zflow_tmd_vu(r.p, r.t, v_state, r.h, r.s, u_state, r.cv, r.dpdt, r.dpdv,
+                                 r.d2pdt2, r.d2pdv2, r.d2pdtdv, r.dcvdt, errormsg);
     p = r.p, t = r.t, h = r.h, s = r.s;
     alpha = beta = chi = fi = zeta = gamma = not_set;
     if (is_ok(errormsg)) {

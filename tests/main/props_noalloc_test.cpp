@@ -38,6 +38,10 @@ long allocations_of(const std::function<void()>& call) {
     return allocations - before;
 }
 
+TEST(NoAllocation, TheCounterSeesAllocations) {
+    EXPECT_GT(allocations_of([] { std::string text(100, 'x'); }), 0);
+}
+
 TEST(NoAllocation, HotPaths) {
     for (const char* set : {"Zentropia", "SI", "Anglo-Saxon"}) {
         water_support::select_water(set, "PerMass");

@@ -120,9 +120,9 @@ TEST(PropsReference, TransportTablesThroughEntryPoints) {
                 << set.name << " " << set.basis << " " << row[0] << " " << row[2];
             ++checked;
         }
-        // Of R12-08 Table 4, the states at 298.15 K/998, 373.15 K/1000, 433.15 K/1 and the 1 and
-        // 100 kg/m³ states at 873.15 K and 1173.15 K lie in the IF97 range.
-        EXPECT_GE(checked, 6 + 6);
+        // Of R12-08 Table 4, five states lie in the IF97 range (298.15 K at 998 kg/m³, 433.15 K
+        // at 1 kg/m³, 873.15 K at 1 and 100 kg/m³, 1173.15 K at 1 kg/m³); R15-11 gives six.
+        EXPECT_EQ(checked, 5 + 6);
     }
 }
 
@@ -195,6 +195,10 @@ TEST(PropsReference, TwoPhaseStatesAgreeWithIapwsThroughEntryPoints) {
         for (const auto& st : iapws_states()) {
             if (st.pair != "Pq") continue;
             const double p = to_set(set, kind::P, st.in1 * 1e6), q = st.in2;
+            // Above 16.529 MPa (623.15 K) python3-iapws takes the saturated phases from the
+            // region-3 backward equations (SR5-05), which the back-end solves exactly from the
+            // region-3 equation: they differ by up to 1.3e-6 there.
+            const double tolerance = st.in1 > 16.529 ? 2e-6 : 1e-9;
             std::string errormsg;
             const std::map<std::string, double> got{{"T", zm::temperature("Pq", p, q, errormsg)},
                                                     {"v", zm::specvolume("Pq", p, q, errormsg)},
@@ -206,7 +210,7 @@ TEST(PropsReference, TwoPhaseStatesAgreeWithIapwsThroughEntryPoints) {
             for (const auto& [name, reference] : st.values) {
                 const property_map* prop = find_property(name);
                 const double expected = to_set(set, prop->k, reference * prop->to_si);
-                EXPECT_NEAR(got.at(name), expected, 1e-9 * std::fabs(expected))
+                EXPECT_NEAR(got.at(name), expected, tolerance * std::fabs(expected))
                     << set.name << " " << set.basis << " " << name << " at " << st.in1
                     << " MPa, q = " << q;
                 ++checked;
@@ -255,11 +259,14 @@ TEST(PropsReference, SaturationBundleAgreesWithIapwsDifferences) {
                     to_set(set, names[i].k, st.values.at(names[i].name) * names[i].to_si);
                 EXPECT_NEAR(line[i], value, 1e-9 * std::fabs(value))
                     << set.name << " " << names[i].name << " at " << st.in1 << " MPa";
-                // iapws slopes are per MPa of central differences, good to about 1e-7.
+                // The bundle's slopes follow from the Clapeyron equation of IF97's region
+                // equations, the reference's from central differences (per MPa) of its
+                // saturation-pressure equation; IF97 makes the two agree to about 1e-4 (4e-4 at
+                // 20 MPa), the differences are good to 1e-7.
                 const double per_pa =
                     st.values.at(std::string("d") + names[i].name + "_dp") * names[i].to_si / 1e6;
                 const double slope = slope_in_set(set, names[i].k, per_pa);
-                EXPECT_NEAR(line[5 + i], slope, 1e-6 * std::fabs(slope))
+                EXPECT_NEAR(line[5 + i], slope, 5e-4 * std::fabs(slope))
                     << set.name << " d" << names[i].name << "_dp at " << st.in1 << " MPa";
             }
         }

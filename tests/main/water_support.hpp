@@ -3,12 +3,15 @@
 // tables, and the size of each unit set's units in SI, derived from the unit definitions (1 psia =
 // 6894.757 Pa, 1 Btu = 1055.056 J, 1 lb = 0.45359237 kg, 1 ft = 0.3048 m, °F = K·9/5 - 459.67)
 // rather than from the library's conversion pairs.
+#include "Import/if97_zp.hpp"
 #include "base/common.hpp"
 #include "base/zentropia_base.hpp"
+#include "base/zp_models.hpp"
 #include "units/zentropia_units.hpp"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -35,6 +38,107 @@ inline void select_water(const std::string& unitset = "Zentropia",
     zentropia_units::setunits(unitset, basis, "", "", errormsg);
     ASSERT_EQ(errormsg, "No errors") << unitset << " " << basis;
 }
+
+// ---- A back-end whose state evaluation carries the pressure derivatives ----------------------
+// IF97 water served under the model "Critova" by a test adapter whose state bundle also returns
+// the six pressure derivatives, as equation-of-state back-ends do: it takes the derivative layer
+// through its single-phase and two-phase branches with IF97's physics. Selected with several
+// components, it pretends to be a mixture of water (first) and components of 44.01 g/mol, with
+// fixed phase compositions: liquid (0.3, 0.7), vapour (0.6, 0.4) in the back-end's positions.
+// (Critova takes component names as given, so any selection reaches the adapter.)
+namespace double_adapter {
+
+inline constexpr double other_molar_mass = 0.04401;
+inline constexpr std::array<double, 2> liquid{0.3, 0.7}, vapour{0.6, 0.4};
+inline int ncomp = 1;
+inline composition conc{};
+
+inline void phase(const std::array<double, 2>& fractions, composition& out) {
+    out.fill(0.0);
+    out[0] = fractions[0], out[1] = fractions[1];
+}
+inline void allprops(std::string_view inputspec, double value1, double value2, double& p, double& t,
+                     double& v, double& d, double& h, double& s, double& u, double& q,
+                     composition& x, composition& y, composition&, double& cv, double& dpdt,
+                     double& dpdv, double& d2pdt2, double& d2pdv2, double& d2pdtdv, double& dcvdt,
+                     double& eta, double& lambda, double&, std::string& errormsg) {
+    std::array<double, 16> o;
+    if97_zp::if97_props(inputspec, value1, value2,
+                        "p,t,v,h,s,u,x,cv,dP_dT,dP_dv,d2P_dT2,d2P_dv2,d2P_dTdv,dCv_dT,dv,tc", o,
+                        errormsg);
+    p = o[0], t = o[1], v = o[2], d = 1.0 / o[2], h = o[3], s = o[4], u = o[5], q = o[6];
+    cv = o[7], dpdt = o[8], dpdv = o[9], d2pdt2 = o[10], d2pdv2 = o[11], d2pdtdv = o[12];
+    dcvdt = o[13], eta = o[14], lambda = o[15];
+    if (ncomp > 1) {
+        phase(liquid, x), phase(vapour, y);
+    } else {
+        x[0] = 1.0 - q, y[0] = q;
+    }
+}
+inline void setfluid(std::string_view, int n, std::span<const std::string>,
+                     std::span<const double> c, std::string& errormsg) {
+    ncomp = n;
+    conc.fill(0.0);
+    std::copy_n(c.begin(), std::min<std::size_t>(n, c.size()), conc.begin());
+    errormsg = "No errors";
+}
+inline double getinfo(std::string_view property, std::string& errormsg) {
+    const double water = molar_mass;
+    errormsg = "No errors";
+    if (property == "M_mol_1") return water;
+    if (property.starts_with("M_mol_")) return other_molar_mass;
+    if (property == "M_mol" && ncomp > 1) return conc[0] * water + (1 - conc[0]) * other_molar_mass;
+    return if97_zp::if97_getinfo(property, errormsg);
+}
+inline void liquidcmp(std::string_view, double, double, composition& output,
+                      std::string& errormsg) {
+    phase(liquid, output);
+    errormsg = "No errors";
+}
+inline void vaporcmp(std::string_view, double, double, composition& output, std::string& errormsg) {
+    phase(vapour, output);
+    errormsg = "No errors";
+}
+inline constexpr zp_adapter::operations row{"Critova",
+                                            true,
+                                            &if97_zp::if97_zp_sub,
+                                            &if97_zp::if97_getversion,
+                                            &if97_zp::if97_uninit,
+                                            &setfluid,
+                                            &if97_zp::if97_getfluid,
+                                            nullptr,
+                                            &getinfo,
+                                            &if97_zp::if97_prop,
+                                            &allprops,
+                                            &liquidcmp,
+                                            &vaporcmp,
+                                            nullptr,
+                                            nullptr,
+                                            nullptr,
+                                            nullptr};
+
+} // namespace double_adapter
+
+// Selects water served by the adapter above, as `ncomp` components (all "water") of the given
+// composition, for the lifetime of the object; then IF97 water again.
+struct water_with_derivatives {
+    const zp_adapter::operations* previous;
+    explicit water_with_derivatives(std::vector<double> conc = {1.0},
+                                    const std::string& unitset = "Zentropia",
+                                    const std::string& basis = "PerMass") {
+        previous = zp_models::replace_adapter(zp_models::model_id::critova, &double_adapter::row);
+        const std::vector<std::string> names(conc.size(), "water");
+        std::string errormsg;
+        zentropia_base::setfluid("Critova", static_cast<int>(conc.size()), names, conc, errormsg);
+        EXPECT_EQ(errormsg, "No errors");
+        zentropia_units::setunits(unitset, basis, "", "", errormsg);
+        EXPECT_EQ(errormsg, "No errors");
+    }
+    ~water_with_derivatives() {
+        zp_models::replace_adapter(zp_models::model_id::critova, previous);
+        select_water();
+    }
+};
 
 // The kinds of quantity whose units the tests convert.
 enum class kind { P, T, v, d, energy, entropy, c, eta, lambda, sigma, none };
