@@ -1,0 +1,296 @@
+// Isolines and the saturation line on water (IF97): evenly spaced points, the saturation points
+// inserted on their own phase's side, the retry of a rejected input order, unit conversion and
+// bad input. Saturation values from R7-97(2012) Tables 35 and 36.
+#include "Import/if97_zp.hpp"
+#include "base/zp_models.hpp"
+#include "main/curves.hpp"
+#include "main/water_support.hpp"
+#include "main/zentropia_isoline.hpp"
+#include "main/zentropia_thermo.hpp"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <vector>
+
+namespace {
+
+using water_support::select_water;
+using zentropia_isoline::zp_isoline;
+namespace thermo = zentropia_thermo;
+
+constexpr double untouched = 42.0;
+
+struct line {
+    std::vector<double> run, calc;
+    std::string errormsg;
+    int filled = 0;
+};
+
+line internal_isoline(const char* propspec, double propval, const char* runspec,
+                      const char* calcspec, double minval, double maxval, int npnts) {
+    line l{std::vector<double>(std::max(npnts, 0), untouched),
+           std::vector<double>(std::max(npnts, 0), untouched), "", 0};
+    l.filled = zp_isoline(propspec, propval, runspec, calcspec, minval, maxval, npnts, l.run,
+                          l.calc, l.errormsg);
+    return l;
+}
+
+TEST(IsSubstring, FindsATextWithoutItsTrailingBlanks) {
+    const struct {
+        const char* sub;
+        const char* text;
+        bool expected;
+    } cases[] = {
+        {"as function of hP not available",
+         "Error in Varimol: calculation of properties as function of hP not available.", true},
+        {"as function of Ph not available",
+         "Error in Varimol: calculation of properties as function of hP not available.", false},
+        {"abc   ", "xxabcxx", true},
+        {"abc", "xxabc", true},
+        {"ABC", "xxabcxx", false},
+        {"abcd", "abc", false},
+        {" abc", "xxabc", false}, // leading blanks are part of the text
+        {"", "abc", true},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(zentropia_isoline::is_substring(c.sub, c.text), c.expected)
+            << '"' << c.sub << "\" in \"" << c.text << '"';
+}
+
+class Isoline : public ::testing::Test {
+protected:
+    void SetUp() override { select_water("Zentropia", "PerMass"); }
+};
+
+// Saturation at 10 bar: 453.035632 K (Table 36); at 500 K: 2.63889776 MPa (Table 35).
+constexpr double t_sat_10bar = 453.035632 - 273.15;
+constexpr double p_sat_500K = 26.3889776;
+constexpr double t_500K = 500.0 - 273.15;
+
+TEST_F(Isoline, TemperatureRunThroughTheDomeGetsBothSaturationPoints) {
+    // 10 points from 100 to 300 °C plus saturated liquid and vapour at 179.89 °C
+    const line l = internal_isoline("P", 10.0, "T", "h", 100.0, 300.0, 12);
+    ASSERT_EQ(l.errormsg, "No errors");
+    ASSERT_EQ(l.filled, 12);
+    for (std::size_t i = 1; i < l.run.size(); ++i) EXPECT_LT(l.run[i - 1], l.run[i]) << i;
+
+    // grid: 100, 122.2, 144.4, 166.7 | 188.9 ... so the saturation points are at 4 and 5
+    EXPECT_NEAR(l.run[4], t_sat_10bar - 1e-6, 5e-7);
+    EXPECT_NEAR(l.run[5], t_sat_10bar + 1e-6, 5e-7);
+    EXPECT_NEAR(l.run[5] - l.run[4], 2e-6, 1e-9);
+    std::string errormsg;
+    const double h_liq = thermo::zp_enthalpy("Pq", 10.0, 0.0, errormsg);
+    const double h_vap = thermo::zp_enthalpy("Pq", 10.0, 1.0, errormsg);
+    ASSERT_EQ(errormsg, "No errors");
+    // liquid side just below, vapour side just above the boundary (cp times 1e-6 K away)
+    EXPECT_NEAR(l.calc[4], h_liq, 1e-4);
+    EXPECT_NEAR(l.calc[5], h_vap, 1e-4);
+    EXPECT_LT(l.calc[4], h_liq);
+    EXPECT_GT(l.calc[5], h_vap);
+
+    // the other ten evenly spaced, both bounds included
+    for (int i = 0; i < 10; ++i)
+        EXPECT_NEAR(l.run[i < 4 ? i : i + 2], 100.0 + 200.0 * i / 9.0, 1e-12) << i;
+    EXPECT_EQ(l.run.back(), 300.0);
+    for (std::size_t i = 0; i < l.run.size(); ++i)
+        EXPECT_EQ(l.calc[i], thermo::zp_enthalpy("PT", 10.0, l.run[i], errormsg)) << i;
+}
+
+TEST_F(Isoline, PressureRunThroughTheDomeHasVapourBeforeLiquid) {
+    // 5 points from 10 to 50 bar at 226.85 °C; the vapour lies below the saturation pressure
+    const line l = internal_isoline("T", t_500K, "P", "d", 10.0, 50.0, 7);
+    ASSERT_EQ(l.errormsg, "No errors");
+    for (std::size_t i = 1; i < l.run.size(); ++i) EXPECT_LT(l.run[i - 1], l.run[i]) << i;
+    // grid 10, 20, 30, 40, 50: the saturation points sit between 20 and 30
+    EXPECT_EQ(l.run[1], 20.0);
+    EXPECT_NEAR(l.run[2], p_sat_500K - 1e-6, 2e-6);
+    EXPECT_NEAR(l.run[3], p_sat_500K + 1e-6, 2e-6);
+    EXPECT_NEAR(l.run[3] - l.run[2], 2e-6, 1e-9);
+    EXPECT_EQ(l.run[4], 30.0);
+    std::string errormsg;
+    const double d_vap = thermo::zp_density("Tq", t_500K, 1.0, errormsg);
+    const double d_liq = thermo::zp_density("Tq", t_500K, 0.0, errormsg);
+    EXPECT_NEAR(l.calc[2], d_vap, 1e-6 * d_vap);
+    EXPECT_NEAR(l.calc[3], d_liq, 1e-6 * d_liq);
+}
+
+TEST_F(Isoline, DescendingRunKeepsItsOrderAroundTheSaturationPoints) {
+    const line l = internal_isoline("P", 10.0, "T", "h", 300.0, 100.0, 12);
+    ASSERT_EQ(l.errormsg, "No errors");
+    for (std::size_t i = 1; i < l.run.size(); ++i) EXPECT_GT(l.run[i - 1], l.run[i]) << i;
+    EXPECT_EQ(l.run.front(), 300.0);
+    EXPECT_EQ(l.run.back(), 100.0);
+    // 300, 277.8, 255.6, 233.3, 211.1, 188.9 | vapour, liquid | 166.7 ...
+    EXPECT_NEAR(l.run[6], t_sat_10bar + 1e-6, 5e-7);
+    EXPECT_NEAR(l.run[7], t_sat_10bar - 1e-6, 5e-7);
+    EXPECT_GT(l.calc[6], l.calc[7] + 1000.0); // the latent heat between the two sides
+}
+
+TEST_F(Isoline, RunsThatMeetNoSaturationPointAreEvenlySpaced) {
+    const struct {
+        const char* where;
+        double p, t_min, t_max;
+        int npnts;
+    } cases[] = {
+        {"supercritical pressure", 300.0, 300.0, 500.0, 5},
+        {"vapour only: saturation at 99.6 °C lies below the run", 1.0, 200.0, 300.0, 4},
+        {"liquid only: saturation at 179.9 °C lies above the run", 10.0, 20.0, 80.0, 2},
+    };
+    for (const auto& c : cases) {
+        const line l = internal_isoline("P", c.p, "T", "h", c.t_min, c.t_max, c.npnts);
+        EXPECT_EQ(l.errormsg, "No errors") << c.where;
+        ASSERT_EQ(l.filled, c.npnts) << c.where;
+        std::string errormsg;
+        for (int i = 0; i < c.npnts; ++i) {
+            EXPECT_NEAR(l.run[i], c.t_min + (c.t_max - c.t_min) * i / (c.npnts - 1), 1e-12)
+                << c.where << " " << i;
+            EXPECT_EQ(l.calc[i], thermo::zp_enthalpy("PT", c.p, l.run[i], errormsg));
+        }
+        EXPECT_EQ(l.run.front(), c.t_min);
+        EXPECT_EQ(l.run.back(), c.t_max);
+    }
+}
+
+TEST_F(Isoline, CallerUnitsConvertBoundsAndResults) {
+    const line internal = internal_isoline("P", 10.0, "T", "h", 100.0, 300.0, 12);
+    select_water("SI", "PerMass");
+    std::vector<double> run(12, untouched), calc(12, untouched);
+    std::string errormsg;
+    zentropia_main::isoline("P", 1.0e6, "T", "h", 373.15, 573.15, 12, run, calc, errormsg);
+    ASSERT_EQ(errormsg, "No errors");
+    for (std::size_t i = 0; i < run.size(); ++i) {
+        EXPECT_NEAR(run[i], internal.run[i] + 273.15, 1e-9) << i; // K
+        EXPECT_NEAR(calc[i], internal.calc[i] * 1e3, 1e-6) << i;  // J/kg
+    }
+}
+
+TEST_F(Isoline, BadRequestsLeaveTheArraysAndTheLibraryUsable) {
+    const double nan = std::nan("");
+    const struct {
+        double propval, minval, maxval;
+        int npnts;
+        const char* message;
+    } cases[] = {
+        {10.0, 100.0, 300.0, 1,
+         "Error in Zentropia: an isoline needs at least 2 points; npnts = 1"},
+        {10.0, 100.0, 300.0, 0,
+         "Error in Zentropia: an isoline needs at least 2 points; npnts = 0"},
+        {10.0, 100.0, 300.0, -5,
+         "Error in Zentropia: an isoline needs at least 2 points; npnts = -5"},
+        {10.0, 100.0, 300.0, 3,
+         "Error in Zentropia: an isoline through 2 saturation point(s) needs at least 4 points; "
+         "npnts = 3"},
+        {nan, 100.0, 300.0, 5,
+         "Error in Zentropia: an isoline needs a finite property value and finite bounds"},
+        {10.0, 100.0, INFINITY, 5,
+         "Error in Zentropia: an isoline needs a finite property value and finite bounds"},
+    };
+    for (const auto& c : cases) {
+        const line l = internal_isoline("P", c.propval, "T", "h", c.minval, c.maxval, c.npnts);
+        EXPECT_EQ(l.errormsg, c.message);
+        EXPECT_EQ(l.filled, 0);
+        for (double v : l.run) EXPECT_EQ(v, untouched);
+        for (double v : l.calc) EXPECT_EQ(v, untouched);
+    }
+    // arrays shorter than the points asked for
+    std::vector<double> run(3, untouched), calc(5, untouched);
+    std::string errormsg;
+    EXPECT_EQ(zp_isoline("P", 10.0, "T", "h", 100.0, 300.0, 5, run, calc, errormsg), 0);
+    EXPECT_EQ(errormsg, "Error in Zentropia: the isoline arrays hold fewer points than npnts = 5");
+    EXPECT_EQ(run[0], untouched);
+    // the caller-facing layer converts nothing that was not filled
+    select_water("SI", "PerMass");
+    zentropia_main::isoline("P", 1e6, "T", "h", 373.15, 573.15, 1, run, calc, errormsg);
+    EXPECT_EQ(errormsg, "Error in Zentropia: an isoline needs at least 2 points; npnts = 1");
+    EXPECT_EQ(run[0], untouched);
+    // and a good line follows
+    zentropia_main::isoline("P", 1e6, "T", "h", 473.15, 573.15, 3, run, calc, errormsg);
+    EXPECT_EQ(errormsg, "No errors");
+    EXPECT_NEAR(run[1], 523.15, 1e-9);
+}
+
+TEST_F(Isoline, FailingPointsReportTheFirstFailure) {
+    // At 600 bar IF97 ends at 800 °C: the last two of 700, 750, 800, 850, 900 °C fail.
+    const line l = internal_isoline("P", 600.0, "T", "h", 700.0, 900.0, 5);
+    EXPECT_EQ(l.errormsg.rfind("Error in IF97", 0), 0u) << l.errormsg;
+    EXPECT_EQ(l.filled, 5);
+    EXPECT_EQ(l.run.back(), 900.0);
+    std::string errormsg;
+    EXPECT_EQ(l.calc[0], thermo::zp_enthalpy("PT", 600.0, 700.0, errormsg));
+    EXPECT_EQ(errormsg, "No errors");
+    thermo::zp_enthalpy("PT", 600.0, 850.0, errormsg);
+    EXPECT_EQ(l.errormsg, errormsg);
+}
+
+// A back-end that serves some input orders only: IF97 behind an adapter that rejects the listed
+// specifications the way such back-ends word it, and counts the questions per specification.
+std::vector<std::string> rejected_orders;
+std::map<std::string, int> questions;
+
+double one_order_prop(std::string_view inputspec, double value1, double value2,
+                      std::string_view outputspec, std::string& errormsg) {
+    ++questions[std::string(inputspec)];
+    for (const auto& rejected : rejected_orders)
+        if (inputspec == rejected) {
+            errormsg = "Error in IF97: calculation of properties as function of " + rejected +
+                       " not available.";
+            return zp_common::not_set;
+        }
+    return if97_zp::if97_prop(inputspec, value1, value2, outputspec, errormsg);
+}
+
+class IsolineInputOrder : public ::testing::Test {
+protected:
+    void SetUp() override {
+        one_order = if97_zp::operations;
+        one_order.prop = one_order_prop;
+        previous = zp_models::replace_adapter(zp_models::model_id::if97, &one_order);
+        select_water("Zentropia", "PerMass");
+        questions.clear();
+    }
+    void TearDown() override {
+        zp_models::replace_adapter(zp_models::model_id::if97, previous);
+        select_water("Zentropia", "PerMass");
+        rejected_orders.clear();
+    }
+    zp_adapter::operations one_order{};
+    const zp_adapter::operations* previous = nullptr;
+};
+
+TEST_F(IsolineInputOrder, RejectedOrderIsRetriedOnceInTheOther) {
+    // T along the isenthalp h = 2000 kJ/kg from 1 to 51 bar; "hq" is no IF97 pair, so the two
+    // saturation questions fail and no point is inserted.
+    const std::string both_rejected =
+        "Error in IF97: calculation of properties as function of Ph not available.";
+    const struct {
+        std::vector<std::string> rejected;
+        int hP, Ph; // questions asked with each order
+        std::string errormsg;
+    } cases[] = {
+        {{}, 1 + 6, 0, "No errors"},         // accepted: kept for every point
+        {{"hP"}, 1, 1 + 6, "No errors"},     // retried once, then every point
+        {{"hP", "Ph"}, 1, 1, both_rejected}, // neither: the back-end's message
+    };
+    for (const auto& c : cases) {
+        rejected_orders = c.rejected;
+        questions.clear();
+        const line l = internal_isoline("h", 2000.0, "P", "T", 1.0, 51.0, 6);
+        EXPECT_EQ(l.errormsg, c.errormsg);
+        EXPECT_EQ(questions["hP"], c.hP) << c.rejected.size();
+        EXPECT_EQ(questions["Ph"], c.Ph) << c.rejected.size();
+        if (c.errormsg != "No errors") {
+            EXPECT_EQ(l.filled, 0);
+            for (double v : l.run) EXPECT_EQ(v, untouched);
+            continue;
+        }
+        EXPECT_EQ(questions["hq"], 2);
+        std::string errormsg;
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_EQ(l.run[i], 1.0 + 10.0 * i);
+            EXPECT_EQ(l.calc[i], thermo::zp_temperature("Ph", l.run[i], 2000.0, errormsg)) << i;
+        }
+    }
+}
+
+} // namespace
