@@ -174,6 +174,11 @@ double dT_at_v(const state& st, variable var) {
     }
 }
 
+// The value of a solution agrees with the one asked for.
+bool matches(double value, double wanted) {
+    return std::fabs(value - wanted) <= 1e-9 * std::fmax(std::fabs(wanted), 1.0);
+}
+
 state finish(state st, int lvl) {
     if (st.level < lvl) st = properties::raise(st, lvl);
     return st;
@@ -264,7 +269,8 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
     };
     const roots::result r =
         roots::newton_bracketed(fn, T_min, T_sat_top, T0, true, tol, false, false, 60);
-    found = r.converged && x_last >= -1e-12 && x_last <= 1.0 + 1e-12;
+    found =
+        r.converged && x_last >= -1e-12 && x_last <= 1.0 + 1e-12 && matches(value_of(last, B), yb);
     return finish(last, lvl);
 }
 
@@ -284,6 +290,14 @@ struct piece_list {
     void add(int reg, double a, double b, int side = 0) { item[count++] = {reg, a, b, side}; }
 };
 
+// Result of a search along an isobar or isotherm: the state, or on which side of the line's
+// range y lies (no text is built, so that searches inside other searches do not allocate).
+struct search_result {
+    state st;
+    int outside = 0; // +1: y above the largest value on the line, -1: below the smallest
+    double limit = 0;
+};
+
 // Start of a Gibbs-region iteration along an isobar (NaN when there is none).
 double isobar_start(int reg, double p, variable Y, double y) {
     switch (Y) {
@@ -300,7 +314,8 @@ double isobar_start(int reg, double p, variable Y, double y) {
     }
 }
 
-state isobar(double p, variable Y, double y, int lvl, std::string& errormsg) {
+search_result isobar(double p, variable Y, double y, int lvl) {
+    search_result out;
     piece_list pieces;
     double Ts = 0;
     saturation sat3; // region-3 saturation, only between p(623.15 K) and pc
@@ -326,47 +341,83 @@ state isobar(double p, variable Y, double y, int lvl, std::string& errormsg) {
     }
     if (p <= p_max5) pieces.add(r5, T25, T_max);
 
-    // State at the upper end of a piece, in the piece's own equation.
-    auto end_state = [&](const piece& pc_, int level) -> state {
-        if (pc_.reg != r3) return properties::gibbs_state(pc_.reg, p, pc_.b, level);
-        if (pc_.side > 0) return properties::raise(sat3.liquid, level);
-        state st = properties::helmholtz_state(properties::rho3_pt(p, pc_.b), pc_.b, level);
+    // Region-3 state at the upper end of a piece.
+    auto r3_end = [&](const piece& pk) -> state {
+        if (pk.side > 0) return sat3.liquid;
+        state st = properties::helmholtz_state(properties::rho3_pt(p, pk.b), pk.b, 1);
         st.p = p;
         return st;
     };
 
-    state prev_end; // upper end of the previous piece
-    for (int k = 0; k < pieces.count; ++k) {
-        const piece& pk = pieces.item[k];
-        const bool last_piece = k + 1 == pieces.count;
-        if (pk.reg == two_phase) {
-            state vapour =
-                pieces.item[k + 1].reg == r3 ? sat3.vapour : properties::gibbs_state(r2, p, Ts, 1);
-            const double y1 = value_of(prev_end, Y), y2 = value_of(vapour, Y);
-            if (y < y2) {
-                saturation sat;
-                sat.T = Ts;
-                sat.p = p;
-                sat.liquid = properties::raise(prev_end, std::max(lvl, 1));
-                sat.vapour = properties::raise(vapour, std::max(lvl, 1));
-                return properties::mixture(sat, (y - y1) / (y2 - y1), lvl);
-            }
+    // Which side of the dome: the saturated states, the vapour first where y is likely above it.
+    int first = 0, last = pieces.count - 1;
+    state prev_end; // upper end of the piece before `first`
+    int dome = -1;
+    for (int k = 0; k < pieces.count; ++k)
+        if (pieces.item[k].reg == two_phase) dome = k;
+    if (dome >= 0) {
+        const bool above = dome + 1 < pieces.count && pieces.item[dome + 1].reg == r3;
+        state liquid, vapour;
+        auto saturated = [&](bool liquid_side) {
+            if (above) return liquid_side ? sat3.liquid : sat3.vapour;
+            return properties::gibbs_state(liquid_side ? r1 : r2, p, Ts, 1);
+        };
+        const double likely_vapour[] = {0, 0, 0.005, 2000.0, 4.6, 1800.0};
+        bool vapour_known = false;
+        if (y > likely_vapour[Y]) {
+            vapour = saturated(false);
+            vapour_known = true;
+        }
+        if (vapour_known && y >= value_of(vapour, Y)) {
+            first = dome + 1;
             prev_end = vapour;
-            continue;
+        } else {
+            liquid = saturated(true);
+            if (y <= value_of(liquid, Y)) {
+                last = dome - 1;
+            } else {
+                if (!vapour_known) vapour = saturated(false);
+                if (y < value_of(vapour, Y)) {
+                    const double y1 = value_of(liquid, Y), y2 = value_of(vapour, Y);
+                    saturation sat;
+                    sat.T = Ts;
+                    sat.p = p;
+                    sat.liquid = properties::raise(liquid, std::max(lvl, 1));
+                    sat.vapour = properties::raise(vapour, std::max(lvl, 1));
+                    out.st = properties::mixture(sat, (y - y1) / (y2 - y1), lvl);
+                    return out;
+                }
+                first = dome + 1;
+                prev_end = vapour;
+            }
         }
-        const state end = end_state(pk, 1);
-        const double y_end = value_of(end, Y);
-        if (y > y_end) {
-            if (last_piece) return out_of_range(errormsg, Y, y, true, y_end, quoted(P, p));
-            prev_end = end;
-            continue;
+    }
+
+    for (int k = first; k <= last; ++k) {
+        const piece& pk = pieces.item[k];
+        // The end of a piece that meets the dome is known to lie above y; any other end is
+        // found out by the iteration itself when a step tries to cross it (Gibbs regions), or
+        // evaluated first (region 3).
+        const bool end_known = k == last && k + 1 == dome;
+        state end;
+        if (pk.reg == r3) {
+            end = r3_end(pk);
+            if (y > value_of(end, Y)) {
+                if (k == pieces.count - 1) {
+                    out.outside = +1;
+                    out.limit = value_of(end, Y);
+                    return out;
+                }
+                prev_end = end;
+                continue;
+            }
         }
-        // The root lies in this piece (or in a gap at its lower end between two equations).
         state found;
         roots::result r{};
-        const double ya = k > 0 ? value_of(prev_end, Y) : NAN;
-        const double interpolated = std::isfinite(ya) && y_end != ya
-                                        ? pk.a + (pk.b - pk.a) * (y - ya) / (y_end - ya)
+        const double ya = k > 0 && prev_end.region != none ? value_of(prev_end, Y) : NAN;
+        const double yb = end.region != none ? value_of(end, Y) : NAN;
+        const double interpolated = std::isfinite(ya) && std::isfinite(yb) && yb != ya
+                                        ? pk.a + (pk.b - pk.a) * (y - ya) / (yb - ya)
                                         : 0.5 * (pk.a + pk.b);
         if (pk.reg != r3) {
             auto fn = [&](double T) -> roots::value_slope {
@@ -375,7 +426,17 @@ state isobar(double p, variable Y, double y, int lvl, std::string& errormsg) {
             };
             double T0 = isobar_start(pk.reg, p, Y, y);
             if (!(T0 > pk.a && T0 < pk.b)) T0 = interpolated;
-            r = roots::newton_bracketed(fn, pk.a, pk.b, T0, true, tol, false, true);
+            const bool lo_known = k == first && first == dome + 1;
+            r = roots::newton_bracketed(fn, pk.a, pk.b, T0, true, tol, lo_known, end_known);
+            if (!r.converged && r.x == pk.b) { // y lies beyond this piece
+                if (k == pieces.count - 1) {
+                    out.outside = +1;
+                    out.limit = value_of(found, Y);
+                    return out;
+                }
+                prev_end = found;
+                continue;
+            }
         } else {
             double T0 = NAN, rho = NAN;
             if (Y == h) T0 = backward::t_ph_3(p, y), rho = 1.0 / backward::v_ph_3(p, y);
@@ -394,31 +455,31 @@ state isobar(double p, variable Y, double y, int lvl, std::string& errormsg) {
             };
             r = roots::newton_bracketed(fn, pk.a, pk.b, T0, true, tol, false, true);
         }
-        if (r.converged) return finish(found, lvl);
-        if (r.x == pk.a && k > 0) return finish(found, lvl); // in the gap between two equations
-        if (r.x == pk.a) {
-            const state low = properties::gibbs_state(pk.reg, p, pk.a, 1);
-            return out_of_range(errormsg, Y, y, false, value_of(low, Y), quoted(P, p));
+        if (r.converged || (r.x == pk.a && k > 0)) { // or in the gap between two equations
+            out.st = finish(found, lvl);
+        } else if (r.x == pk.a) {
+            out.outside = -1;
+            out.limit = value_of(found, Y);
         }
+        return out;
+    }
+    return out;
+}
+
+state isobar_state(double p, variable Y, double y, int lvl, std::string& errormsg) {
+    const search_result r = isobar(p, Y, y, lvl);
+    if (r.outside != 0) return out_of_range(errormsg, Y, y, r.outside > 0, r.limit, quoted(P, p));
+    if (r.st.region == none)
         return fail(errormsg, std::string("no convergence for ") + quantities[Y].name + " " +
                                   quoted(Y, y) + " at " + quoted(P, p));
-    }
-    return fail(errormsg, "no state found at " + quoted(P, p));
+    return r.st;
 }
 
 // ---------------------------------------------------------------------------------------------
 // Along an isotherm: pieces in order of rising pressure; v and s fall with p along it (s rises
 // slightly in cold liquid below the density maximum).
 
-// Result of an isotherm search: the state, or on which side of the isotherm's range y lies.
-struct isotherm_result {
-    state st;
-    int outside = 0; // +1: y above the largest value on the isotherm, -1: below the smallest
-    double limit = 0;
-    double limit_p = 0;
-};
-
-isotherm_result isotherm(double T, variable Y, double y, int lvl) {
+search_result isotherm(double T, variable Y, double y, int lvl) {
     piece_list pieces;
     saturation sat;
     if (T <= T13) {
@@ -450,7 +511,7 @@ isotherm_result isotherm(double T, variable Y, double y, int lvl) {
         return st;
     };
 
-    isotherm_result out;
+    search_result out;
     state prev_end;
     for (int k = 0; k < pieces.count; ++k) {
         const piece& pk = pieces.item[k];
@@ -477,7 +538,6 @@ isotherm_result isotherm(double T, variable Y, double y, int lvl) {
             if (last_piece) {
                 out.outside = -1;
                 out.limit = y_end;
-                out.limit_p = pk.b;
                 return out;
             }
             prev_end = end;
@@ -534,7 +594,6 @@ isotherm_result isotherm(double T, variable Y, double y, int lvl) {
             if (r.x == q_lo) {
                 out.outside = +1;
                 out.limit = value_of(found, Y);
-                out.limit_p = pk.a;
                 return out;
             }
         }
@@ -544,7 +603,7 @@ isotherm_result isotherm(double T, variable Y, double y, int lvl) {
 }
 
 state isotherm_state(double T, variable Y, double y, int lvl, std::string& errormsg) {
-    const isotherm_result r = isotherm(T, Y, y, lvl);
+    const search_result r = isotherm(T, Y, y, lvl);
     if (r.outside != 0)
         return out_of_range(errormsg, Y, y, r.outside > 0, r.limit, quoted(solve::T, T));
     if (r.st.region == none)
@@ -667,10 +726,8 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
 
     // Robust path: the temperature as the one unknown, each step a state from (T, v).
     state found;
-    bool failed_low = false, failed_high = false;
-    double limit_low = 0, limit_high = 0;
     auto fn = [&](double T) -> roots::value_slope {
-        const isotherm_result r = isotherm(T, v, vv, caloric);
+        const search_result r = isotherm(T, v, vv, caloric);
         if (r.outside != 0 || r.st.region == none) {
             // v above the isotherm's range: the pressure would fall below the lowest one, the
             // temperature is too low; below it: the pressure would exceed the highest one.
@@ -682,8 +739,8 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
     };
     const roots::result r =
         roots::newton_bracketed(fn, T_min, T_max, 0.5 * (T_min + T13), true, tol, false, false);
-    if (r.converged && found.region != none) return finish(found, lvl);
-    (void)failed_low, (void)failed_high, (void)limit_low, (void)limit_high;
+    if (r.converged && found.region != none && matches(value_of(found, Y), y))
+        return finish(found, lvl);
     return fail(errormsg, "no state with " + std::string(quantities[v].name) + " " + quoted(v, vv) +
                               " and " + quantities[Y].name + " " + quoted(Y, y) +
                               " within the range of IF97");
@@ -797,16 +854,17 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
     state found;
     auto fn = [&](double q) -> roots::value_slope {
         const double p = std::exp(q);
-        std::string ignored;
-        const state at = isobar(p, s, ss, caloric, ignored);
-        if (at.region == none)
-            return {ignored.find("below") != std::string::npos ? 1.0 : -1.0, NAN};
+        const search_result r = isobar(p, s, ss, caloric);
+        const state& at = r.st;
+        // s above the isobar's range: T would pass T_max, p is too high; below it: too low
+        if (at.region == none) return {r.outside > 0 ? 1.0 : -1.0, NAN};
         found = at;
         return {at.h - hh, p * at.v * 1e3};
     };
     const roots::result r = roots::newton_bracketed(
         fn, std::log(p_low), std::log(p_max * (1 + 1e-9)), 0.0, true, tol, false, false);
-    if (r.converged && found.region != none) return finish(found, lvl);
+    // (a bracket that closed on a jump at the edge of the range is no solution)
+    if (r.converged && found.region != none && matches(found.h, hh)) return finish(found, lvl);
     return fail(errormsg, "no state with enthalpy " + quoted(h, hh) + " and entropy " +
                               quoted(s, ss) + " within the range of IF97");
 }
@@ -863,7 +921,7 @@ state state_of(variable a, double value_a, variable b, double value_b, int lvl,
     case P:
         if (b == T) return from_pt(value_a, value_b, lvl, errormsg);
         if (b == x) return from_px(value_a, value_b, lvl, errormsg);
-        return isobar(value_a, b, value_b, lvl, errormsg);
+        return isobar_state(value_a, b, value_b, lvl, errormsg);
     case T:
         if (b == x) return from_tx(value_a, value_b, lvl, errormsg);
         return isotherm_state(value_a, b, value_b, lvl, errormsg);
