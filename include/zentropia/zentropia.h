@@ -112,11 +112,18 @@ ZENTROPIA_API void zentropia_xy_kij(double kij, double p, double t, double* x, i
 ZENTROPIA_API void zentropia_hsxy_mp(double p, double t, double molpar, double* h_r, double* s_r,
                                      double* x, int x_len, double* y, int y_len, char* errormsg,
                                      int errormsg_len);
-/* the phase envelope, internal units: t and p have room for t_len and p_len points, x and y
-   for x_len / 20 and y_len / 20 points of 20 entries; *npnts receives the number of points */
-ZENTROPIA_API void zentropia_zp_saturationline(int* npnts, double* t, int t_len, double* p,
-                                               int p_len, double* x, int x_len, double* y,
-                                               int y_len, char* errormsg, int errormsg_len);
+/* The phase envelope (saturation curve) of the selection, each
+       void zentropia_<name>(int *npnts, double *t, int t_len, double *p, int p_len, double *x,
+                             int x_len, double *y, int y_len, char *errormsg, int errormsg_len);
+   t and p have room for t_len and p_len points, x and y for x_len / 20 and y_len / 20 points of
+   20 entries; *npnts receives the number of points. zp_saturationline in internal units,
+   saturation_line in the caller's. */
+#define ZENTROPIA_PHASE_ENVELOPES(X) X(zp_saturationline) X(saturation_line)
+#define ZENTROPIA_DECLARE_PHASE_ENVELOPE(name)                                                     \
+    ZENTROPIA_API void zentropia_##name(int* npnts, double* t, int t_len, double* p, int p_len,    \
+                                        double* x, int x_len, double* y, int y_len,                \
+                                        char* errormsg, int errormsg_len);
+ZENTROPIA_PHASE_ENVELOPES(ZENTROPIA_DECLARE_PHASE_ENVELOPE)
 /* look-up tables of the table models */
 ZENTROPIA_API void zentropia_settable(const char* tablename, const char* tabletype,
                                       const char* interpolmethod, const char* meshname,
@@ -239,9 +246,10 @@ ZENTROPIA_SATURATION_BUNDLES(ZENTROPIA_DECLARE_SATURATION_BUNDLE)
 #define ZENTROPIA_SINGLE_PROPERTIES(X)                                                             \
     X(pressure)                                                                                    \
     X(temperature)                                                                                 \
-    X(specvolume) X(density) X(enthalpy) X(entropy) X(intenergy) X(gibbsenergy) X(helmholtzenergy) \
-        X(heatcapv) X(heatcapp) X(soundspeed) X(alpha) X(beta) X(chi) X(fi) X(ksi) X(psi) X(zeta)  \
-            X(theta) X(kappa) X(gamma) X(vaporqual) X(viscosity) X(thermcond) X(surftens)
+    X(specvolume)                                                                                  \
+    X(density) X(enthalpy) X(entropy) X(intenergy) X(gibbsenergy) X(helmholtzenergy) X(heatcapv)   \
+        X(heatcapp) X(soundspeed) X(alpha) X(beta) X(chi) X(fi) X(ksi) X(psi) X(zeta) X(theta)     \
+            X(kappa) X(gamma) X(vaporqual) X(viscosity) X(thermcond) X(surftens)
 #define ZENTROPIA_DECLARE_SINGLE_PROPERTY(name)                                                    \
     ZENTROPIA_API double zentropia_##name(const char* inputspec, double input1, double input2,     \
                                           char* errormsg, int errormsg_len);
@@ -271,6 +279,33 @@ ZENTROPIA_COMPOSITIONS(ZENTROPIA_DECLARE_COMPOSITION)
 ZENTROPIA_FLUID_CONSTANTS(ZENTROPIA_DECLARE_FLUID_CONSTANT)
 ZENTROPIA_API void zentropia_allinfo(double* m_mol, double* t_crit, double* p_crit, double* t_min,
                                      double* t_max, char* errormsg, int errormsg_len);
+
+/* the value of input targt (1 or 2) of inputspec between minval and maxval at which property
+   funcspec equals funcval, the other input fixed at fixedval */
+ZENTROPIA_API double zentropia_solve(const char* funcspec, double funcval, const char* inputspec,
+                                     int targt, double fixedval, double minval, double maxval,
+                                     char* errormsg, int errormsg_len);
+/* a line of constant propspec at propval: npnts values of calcspec along runspec from minval to
+   maxval, with the points where the line crosses the saturation boundary */
+ZENTROPIA_API void zentropia_isoline(const char* propspec, double propval, const char* runspec,
+                                     const char* calcspec, double minval, double maxval, int npnts,
+                                     double* runval, int runval_len, double* calcval,
+                                     int calcval_len, char* errormsg, int errormsg_len);
+
+/* ---- Reference state (reduced values) ---------------------------------------------------- */
+
+ZENTROPIA_API void zentropia_setrefstate(double t_ref, double p_ref, char* errormsg,
+                                         int errormsg_len);
+/* acts only when errormsg reads "No errors" on entry */
+ZENTROPIA_API void zentropia_setrefstate_nondim(double t_ref, double p_ref, double v_ref,
+                                                char* errormsg, int errormsg_len);
+ZENTROPIA_API void zentropia_updaterefstate(char* errormsg, int errormsg_len);
+ZENTROPIA_API void zentropia_updaterefstate_nondim(char* errormsg, int errormsg_len);
+ZENTROPIA_API void zentropia_getrefstate(double* t_ref, double* p_ref, double* v_ref,
+                                         char* errormsg, int errormsg_len);
+ZENTROPIA_API int zentropia_isrefstateset(void);
+ZENTROPIA_API void zentropia_releaserefstate(void);
+ZENTROPIA_API double zentropia_dimnondimconvfact(const char* symbol);
 
 /* ---- Units -------------------------------------------------------------------------------- */
 

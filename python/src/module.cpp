@@ -3,7 +3,9 @@
 #include "arrays.hpp"
 #include "base/zentropia_base.hpp"
 #include "binder.hpp"
+#include "main/curves.hpp"
 #include "main/zentropia_main.hpp"
+#include "refstate/zentropia_refstate.hpp"
 #include "units/unitparser.hpp"
 #include "units/zentropia_units.hpp"
 #include "zentropia/zentropia.h"
@@ -12,6 +14,7 @@
 
 namespace zb = zentropia_base;
 namespace zm = zentropia_main;
+namespace zr = zentropia_refstate;
 namespace zu = zentropia_units;
 using zpy::bit;
 using zpy::def;
@@ -20,6 +23,8 @@ namespace py = pybind11;
 namespace {
 
 constexpr zpy::options changes_state{.changes_state = true};
+// the most points a curve may ask for
+constexpr int most_points = 100000;
 
 // Procedures whose C++ form does not cross by the rule as it stands.
 
@@ -31,23 +36,34 @@ void getunitconvfact(std::string_view symbol, double& factor, double& offset) {
     offset = cf[1];
 }
 
-// the phase envelope with room for npnts points (read); npnts points come back
-void zp_saturationline(int& npnts, std::vector<double>& t, std::vector<double>& p,
-                       std::vector<zp_common::composition>& x,
-                       std::vector<zp_common::composition>& y, std::string& errormsg) {
-    constexpr int most_points = 100000;
+// A phase envelope with room for npnts points (read); the points found come back.
+template <auto Envelope>
+void envelope(int& npnts, std::vector<double>& t, std::vector<double>& p,
+              std::vector<zp_common::composition>& x, std::vector<zp_common::composition>& y,
+              std::string& errormsg) {
     const auto room = static_cast<std::size_t>(std::clamp(npnts, 0, most_points));
     t.assign(room, zp_common::not_set);
     p.assign(room, zp_common::not_set);
     x.assign(room, {});
     y.assign(room, {});
     npnts = 0;
-    zb::zp_saturationline(npnts, t, p, x, y, errormsg);
-    const auto n = static_cast<std::size_t>(std::clamp(npnts, 0, static_cast<int>(room)));
+    Envelope(npnts, t, p, x, y, errormsg);
+    const auto n = std::min(static_cast<std::size_t>(std::max(npnts, 0)), room);
     t.resize(n);
     p.resize(n);
     x.resize(n);
     y.resize(n);
+}
+
+// An isoline of npnts points, as lists.
+void isoline(std::string_view propspec, double propval, std::string_view runspec,
+             std::string_view calcspec, double minval, double maxval, int npnts,
+             std::vector<double>& runval, std::vector<double>& calcval, std::string& errormsg) {
+    const auto n = static_cast<std::size_t>(std::clamp(npnts, 0, most_points));
+    runval.assign(n, zp_common::not_set);
+    calcval.assign(n, zp_common::not_set);
+    zm::isoline(propspec, propval, runspec, calcspec, minval, maxval, npnts, runval, calcval,
+                errormsg);
 }
 
 void bind_base(py::module_& m) {
@@ -83,8 +99,8 @@ void bind_base(py::module_& m) {
     def<&zb::xy_a_alfa>(m, "xy_a_alfa", "aij aji alfa p t x y errormsg");
     def<&zb::xy_kij>(m, "xy_kij", "kij p t x y errormsg");
     def<&zb::hsxy_mp>(m, "hsxy_mp", "p t molpar h_r s_r x y errormsg");
-    def<&zp_saturationline, {.reads_too = bit(0)}>(m, "zp_saturationline",
-                                                   "npnts t p x y errormsg");
+    def<&envelope<&zb::zp_saturationline>, {.reads_too = bit(0)}>(m, "zp_saturationline",
+                                                                  "npnts t p x y errormsg");
     def<&zb::settable, changes_state>(
         m, "settable", "tablename tabletype interpolmethod meshname searchalg phase errormsg");
     def<&zb::settable_new, changes_state>(m, "settable_new",
@@ -156,6 +172,23 @@ void bind_main(py::module_& m) {
 #define ZP_BIND_FLUID_CONSTANT(name) def<&zm::name>(m, #name, "errormsg");
     ZENTROPIA_FLUID_CONSTANTS(ZP_BIND_FLUID_CONSTANT)
     def<&zm::allinfo>(m, "allinfo", "m_mol t_crit p_crit t_min t_max errormsg");
+    def<&zm::solve>(m, "solve", "funcspec funcval inputspec targt fixedval minval maxval errormsg");
+    def<&isoline>(m, "isoline",
+                  "propspec propval runspec calcspec minval maxval npnts runval calcval errormsg");
+    def<&envelope<&zm::saturation_line>, {.reads_too = bit(0)}>(m, "saturation_line",
+                                                                "npnts t p x y errormsg");
+}
+
+void bind_refstate(py::module_& m) {
+    def<&zr::setrefstate, changes_state>(m, "setrefstate", "t_ref p_ref errormsg");
+    def<&zr::setrefstate_nondim, {.reads_too = bit(3), .changes_state = true}>(
+        m, "setrefstate_nondim", "t_ref p_ref v_ref errormsg");
+    def<&zr::updaterefstate, changes_state>(m, "updaterefstate", "errormsg");
+    def<&zr::updaterefstate_nondim, changes_state>(m, "updaterefstate_nondim", "errormsg");
+    def<&zr::getrefstate>(m, "getrefstate", "t_ref p_ref v_ref errormsg");
+    def<&zr::isrefstateset>(m, "isrefstateset", "");
+    def<&zr::releaserefstate, changes_state>(m, "releaserefstate", "");
+    def<&zr::dimnondimconvfact>(m, "dimnondimconvfact", "symbol");
 }
 
 void bind_units(py::module_& m) {
@@ -188,6 +221,7 @@ PYBIND11_MODULE(_core, m) {
     bind_base(m);
     bind_main(m);
     bind_units(m);
+    bind_refstate(m);
     m.def(
         "_selection_epoch", [] { return zpy::selection_epoch(); },
         "Counts the calls that changed the selection, the units or the reference state.");

@@ -174,15 +174,6 @@ ZP_C void zentropia_hsxy_mp(double p, double t, double molpar, double* h_r, doub
     });
 }
 
-ZP_C void zentropia_zp_saturationline(int* npnts, double* t, int t_len, double* p, int p_len,
-                                      double* x, int x_len, double* y, int y_len, char* errormsg,
-                                      int errormsg_len) {
-    guarded(errormsg, errormsg_len, [&](std::string& e) {
-        zb::zp_saturationline(out(npnts), buffer(t, t_len), buffer(p, p_len), points_ref(x, x_len),
-                              points_ref(y, y_len), e);
-    });
-}
-
 ZP_C void zentropia_settable(const char* tablename, const char* tabletype,
                              const char* interpolmethod, const char* meshname,
                              const char* searchalg, int phase, char* errormsg, int errormsg_len) {

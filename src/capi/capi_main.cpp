@@ -1,8 +1,11 @@
 // The C API of the property interface (zentropia_main): the caller's units.
+#include "base/zentropia_base.hpp"
 #include "capi/capi_support.hpp"
+#include "main/curves.hpp"
 #include "main/zentropia_main.hpp"
 #include "zentropia/zentropia.h"
 
+namespace zb = zentropia_base;
 namespace zm = zentropia_main;
 using namespace zp_capi;
 
@@ -225,3 +228,39 @@ ZP_C void zentropia_allinfo(double* m_mol, double* t_crit, double* p_crit, doubl
         zm::allinfo(out(m_mol), out(t_crit), out(p_crit), out(t_min), out(t_max), e);
     });
 }
+
+ZP_C double zentropia_solve(const char* funcspec, double funcval, const char* inputspec, int targt,
+                            double fixedval, double minval, double maxval, char* errormsg,
+                            int errormsg_len) {
+    return guarded(errormsg, errormsg_len, [&](std::string& e) {
+        return zm::solve(text(funcspec), funcval, text(inputspec), targt, fixedval, minval, maxval,
+                         e);
+    });
+}
+
+ZP_C void zentropia_isoline(const char* propspec, double propval, const char* runspec,
+                            const char* calcspec, double minval, double maxval, int npnts,
+                            double* runval, int runval_len, double* calcval, int calcval_len,
+                            char* errormsg, int errormsg_len) {
+    guarded(errormsg, errormsg_len, [&](std::string& e) {
+        zm::isoline(text(propspec), propval, text(runspec), text(calcspec), minval, maxval, npnts,
+                    buffer(runval, runval_len), buffer(calcval, calcval_len), e);
+    });
+}
+
+// zp_saturationline belongs to the selection (zentropia_base), saturation_line to the property
+// interface
+namespace {
+using zb::zp_saturationline;
+using zm::saturation_line;
+} // namespace
+#define ZP_DEFINE_PHASE_ENVELOPE(name)                                                             \
+    ZP_C void zentropia_##name(int* npnts, double* t, int t_len, double* p, int p_len, double* x,  \
+                               int x_len, double* y, int y_len, char* errormsg,                    \
+                               int errormsg_len) {                                                 \
+        guarded(errormsg, errormsg_len, [&](std::string& e) {                                      \
+            name(out(npnts), buffer(t, t_len), buffer(p, p_len), points_ref(x, x_len),             \
+                 points_ref(y, y_len), e);                                                         \
+        });                                                                                        \
+    }
+ZENTROPIA_PHASE_ENVELOPES(ZP_DEFINE_PHASE_ENVELOPE)
