@@ -93,7 +93,8 @@ class Fluid:
 
     @staticmethod
     def _settle(shape, failed, first, message, errors, columns):
-        """Raises for the first failed state, or sets NaN where states failed."""
+        """Raises for the first failed state, or sets NaN in the columns (arrays with one row per
+        state) where states failed or values were not computed."""
         if errors not in ("raise", "nan"):
             raise ValueError("errors must be 'raise' or 'nan', not %r" % (errors,))
         if first >= 0 and errors == "raise":
@@ -126,7 +127,7 @@ class Fluid:
         columns = [values[:, i] for i in range(values.shape[1])]
         ncmp = len(self.components)
         x, y = x[:, :ncmp], y[:, :ncmp]
-        self._settle(shape, failed, first, message, errors, columns + [x.T, y.T])
+        self._settle(shape, failed, first, message, errors, columns + [x, y])
         result = {name: (col.reshape(shape) if shape else float(col[0]))
                   for name, col in zip(_core._allprops_columns, columns)}
         result["x"] = x.reshape(shape + (ncmp,))
