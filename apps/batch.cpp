@@ -203,7 +203,8 @@ int run_batch(const command_line& cl) {
     if (spec.size() < 2) throw usage_error("--spec wants two property symbols, such as PT");
     const auto columns = parse_columns(option(cl, "--columns", "1,2"));
     std::vector<request> requests;
-    for (std::string_view list = option(cl, "--props", "h,s,c"); !list.empty();) {
+    const std::string props = option(cl, "--props", "h,s,c");
+    for (std::string_view list = props; !list.empty();) {
         const auto comma = std::min(list.find(','), list.size());
         const std::string keyword(zp_common::strip(list.substr(0, comma)));
         if (keyword.empty()) throw usage_error("--props lists an empty keyword");
