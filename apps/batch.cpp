@@ -149,37 +149,37 @@ std::array<std::size_t, 2> parse_columns(std::string_view text) {
     return columns;
 }
 
-// How each requested property is obtained: a column of allprops, or one call per property (its
-// own entry point, or calcprop for the keywords allprops does not return).
-struct request {
-    std::string keyword;
-    std::optional<std::size_t> column; // in allprops_rows
-};
-
+// Each requested property comes from one of three sources: its own entry point, a column of one
+// allprops evaluation of the row, or calcprop (the keywords allprops does not return).
 class evaluator {
+    static auto entry(int column) { return zentropia::allprops_outputs[column].entry; }
+
 public:
-    evaluator(std::string spec, std::vector<request> requests)
-        : spec_(std::move(spec)), requests_(std::move(requests)), values_(requests_.size()) {
+    evaluator(std::string spec, std::vector<std::string> keywords)
+        : spec_(std::move(spec)), keywords_(std::move(keywords)), values_(keywords_.size()) {
+        std::size_t outputs = 0;
+        for (const auto& k : keywords_) {
+            columns_.push_back(zentropia::allprops_output_index(k));
+            if (columns_.back() < 0) continue;
+            ++outputs;
+            whole_state_ |= entry(columns_.back()) == nullptr;
+        }
         // One allprops evaluation costs about what four single-property entry points cost
-        // together (IF97 water: 1 us against 0.2 to 0.4 us each), so a few properties are asked
-        // for one by one.
-        std::size_t columns = 0;
-        for (const auto& r : requests_) columns += r.column.has_value();
-        whole_state_ = columns > 3;
+        // together (IF97 water: 1 us against 0.2 to 0.4 us each).
+        whole_state_ |= outputs > 3;
     }
     // the requested values at (a, b); errormsg holds the first failure
     const std::vector<double>& at(double a, double b, std::string& errormsg) {
         errormsg = zp_common::no_errors;
         if (whole_state_) allprops(spec_, a, b, state_, x_, y_, errormsg);
-        for (std::size_t i = 0; i < requests_.size(); ++i) {
-            const auto& column = requests_[i].column;
-            if (column && whole_state_) {
-                values_[i] = state_[*column];
+        for (std::size_t i = 0; i < keywords_.size(); ++i) {
+            const int column = columns_[i];
+            if (column >= 0 && whole_state_) {
+                values_[i] = state_[column];
                 continue;
             }
-            values_[i] = column
-                             ? allprops_rows[*column].entry(spec_, a, b, single_)
-                             : zentropia_main::calcprop(requests_[i].keyword, spec_, a, b, single_);
+            values_[i] = column >= 0 ? entry(column)(spec_, a, b, single_)
+                                     : zentropia_main::calcprop(keywords_[i], spec_, a, b, single_);
             if (zp_common::is_ok(errormsg) && !zp_common::is_ok(single_)) errormsg = single_;
         }
         return values_;
@@ -187,7 +187,8 @@ public:
 
 private:
     std::string spec_;
-    std::vector<request> requests_;
+    std::vector<std::string> keywords_;
+    std::vector<int> columns_; // in zentropia::allprops_outputs, -1 for other keywords
     std::vector<double> values_;
     bool whole_state_ = false;
     std::array<double, n_allprops> state_{};
@@ -202,13 +203,13 @@ int run_batch(const command_line& cl) {
     const std::string spec = option(cl, "--spec", "PT");
     if (spec.size() < 2) throw usage_error("--spec wants two property symbols, such as PT");
     const auto columns = parse_columns(option(cl, "--columns", "1,2"));
-    std::vector<request> requests;
+    std::vector<std::string> requests;
     const std::string props = option(cl, "--props", "h,s,c");
     for (std::string_view list = props; !list.empty();) {
         const auto comma = std::min(list.find(','), list.size());
         const std::string keyword(zp_common::strip(list.substr(0, comma)));
         if (keyword.empty()) throw usage_error("--props lists an empty keyword");
-        requests.push_back({keyword, allprops_index(keyword)});
+        requests.push_back(keyword);
         list.remove_prefix(std::min(comma + 1, list.size()));
     }
     if (requests.empty()) throw usage_error("--props lists no property");
@@ -240,7 +241,7 @@ int run_batch(const command_line& cl) {
             out.put_field(header ? fields[0] : spec.substr(0, 1));
             out.put(',');
             out.put_field(header ? fields[1] : spec.substr(1, 1));
-            for (const auto& r : requests) out.put(','), out.put_field(r.keyword);
+            for (const auto& keyword : requests) out.put(','), out.put_field(keyword);
             out.put(",error");
             out.end_row();
             if (header) continue;

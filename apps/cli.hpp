@@ -1,11 +1,10 @@
 #pragma once
 // The zentropia command-line tool: its command line, the selection it makes, and its commands.
-#include "base/common.hpp"
+#include "zentropia/zentropia.hpp"
 
 #include <array>
 #include <cstdio>
 #include <map>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -77,21 +76,9 @@ std::string latin1_to_utf8(std::string_view text);
 // A value for people: ten significant digits, or "not computed" for the sentinel.
 std::string readable(double value);
 
-// The outputs of allprops in argument order, with their unit symbols: shared by props (the
-// table) and batch (one evaluation for several properties).
-struct property_row {
-    std::string_view name;        // short keyword of calcprop
-    std::string_view keyword;     // long keyword ("" where the short one is the only one)
-    std::string_view description; // for people
-    std::string_view symbol;      // unit symbol ("" for the dimensionless q and gamma)
-    double (*entry)(std::string_view inputspec, double input1, double input2,
-                    std::string& errormsg); // its own entry point
-};
-inline constexpr std::size_t n_allprops = 23;
-extern const std::array<property_row, n_allprops> allprops_rows;
-// The position of a calcprop keyword among allprops_rows (any case), if it is one.
-std::optional<std::size_t> allprops_index(std::string_view keyword);
-// Evaluates allprops; values in the order of allprops_rows, x and y the phase compositions.
+inline constexpr std::size_t n_allprops = zentropia::allprops_outputs.size();
+// Evaluates allprops; values in the order of zentropia::allprops_outputs, x and y the phase
+// compositions.
 void allprops(std::string_view spec, double input1, double input2,
               std::array<double, n_allprops>& values, zp_common::composition& x,
               zp_common::composition& y, std::string& errormsg);

@@ -61,8 +61,8 @@ int run_props(const command_line& cl) {
                 cl.fluid.unitset.c_str(), cl.fluid.basis.c_str(), spec.c_str(),
                 cl.arguments[1].c_str(), cl.arguments[2].c_str());
     for (std::size_t i = 0; i < n_allprops; ++i) {
-        const auto& row = allprops_rows[i];
-        print_row(row.name, row.description, values[i], unit_of(row.symbol));
+        const auto& row = zentropia::allprops_outputs[i];
+        print_row(row.name, row.description, values[i], unit_of(row.unit_symbol));
     }
     if (cl.fluid.components.size() > 1)
         for (std::size_t i = 0; i < cl.fluid.components.size(); ++i) {

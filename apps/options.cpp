@@ -161,39 +161,6 @@ std::string readable(double value) {
     return text;
 }
 
-const std::array<property_row, n_allprops> allprops_rows{{
-    {"p", "pressure", "pressure", "P", &zm::pressure},
-    {"t", "temperature", "temperature", "T", &zm::temperature},
-    {"v", "specvolume", "specific volume", "v", &zm::specvolume},
-    {"d", "density", "density", "d", &zm::density},
-    {"h", "enthalpy", "specific enthalpy", "h", &zm::enthalpy},
-    {"s", "entropy", "specific entropy", "s", &zm::entropy},
-    {"u", "intenergy", "specific internal energy", "u", &zm::intenergy},
-    {"q", "vaporqual", "vapour quality", "", &zm::vaporqual},
-    {"cv", "heatcapv", "isochoric heat capacity", "cv", &zm::heatcapv},
-    {"cp", "heatcapp", "isobaric heat capacity", "cp", &zm::heatcapp},
-    {"c", "soundspeed", "speed of sound", "c", &zm::soundspeed},
-    {"alpha", "", "derivative alpha", "alpha", &zm::alpha},
-    {"beta", "", "derivative beta", "beta", &zm::beta},
-    {"chi", "", "derivative chi", "chi", &zm::chi},
-    {"fi", "", "derivative fi", "fi", &zm::fi},
-    {"ksi", "", "derivative ksi", "ksi", &zm::ksi},
-    {"psi", "", "derivative psi", "psi", &zm::psi},
-    {"zeta", "", "derivative zeta", "zeta", &zm::zeta},
-    {"theta", "", "isobaric expansion coefficient", "theta", &zm::theta},
-    {"kappa", "", "isothermal compressibility", "kappa", &zm::kappa},
-    {"gamma", "", "fundamental derivative", "", &zm::gamma},
-    {"eta", "viscosity", "dynamic viscosity", "eta", &zm::viscosity},
-    {"lambda", "thermcond", "thermal conductivity", "lambda", &zm::thermcond},
-}};
-
-std::optional<std::size_t> allprops_index(std::string_view keyword) {
-    const std::string key = zp_common::lower(zp_common::strip(keyword));
-    for (std::size_t i = 0; i < allprops_rows.size(); ++i)
-        if (key == allprops_rows[i].name || key == allprops_rows[i].keyword) return i;
-    return std::nullopt;
-}
-
 void allprops(std::string_view spec, double input1, double input2,
               std::array<double, n_allprops>& r, zp_common::composition& x,
               zp_common::composition& y, std::string& errormsg) {

@@ -1,7 +1,7 @@
 #include "arrays.hpp"
 
 #include "binder.hpp"
-#include "main/zentropia_main.hpp"
+#include "zentropia/zentropia.hpp"
 
 #include <pybind11/numpy.h>
 
@@ -13,11 +13,6 @@ namespace zpy {
 namespace {
 
 using real_array = py::array_t<double, py::array::c_style | py::array::forcecast>;
-
-// the scalar outputs of allprops, in its argument order
-constexpr std::array<const char*, 23> allprops_columns{
-    "p",    "t",   "v",  "d",   "h",   "s",    "u",     "q",     "cv",    "cp",  "c",     "alpha",
-    "beta", "chi", "fi", "ksi", "psi", "zeta", "theta", "kappa", "gamma", "eta", "lambda"};
 
 // Which states failed, and the library's text for the first of them.
 class failures {
@@ -49,7 +44,9 @@ py::ssize_t common_size(const real_array& input1, const real_array& input2) {
     return input1.size();
 }
 
-// (values, failed, first failure, its text) of calcprop at every pair (input1[i], input2[i])
+// (values, failed, first failure, its text) of the property propspec at every pair (input1[i],
+// input2[i]): through the property's own entry point where it answers as calcprop does, which
+// evaluates only that property, else through calcprop.
 py::object calcprop_array(const std::string& propspec, const std::string& inputspec,
                           const real_array& input1, const real_array& input2) {
     const auto n = common_size(input1, input2);
@@ -58,20 +55,23 @@ py::object calcprop_array(const std::string& propspec, const std::string& inputs
     const double* a = input1.data();
     const double* b = input2.data();
     double* out = values.mutable_data();
+    const int column = zentropia::allprops_output_index(propspec);
+    const auto entry = column < 0 ? nullptr : zentropia::allprops_outputs[column].entry;
     std::string errormsg;
     for (py::ssize_t i = 0; i < n; ++i) {
-        out[i] = zentropia_main::calcprop(propspec, inputspec, a[i], b[i], errormsg);
+        out[i] = entry ? entry(inputspec, a[i], b[i], errormsg)
+                       : zentropia_main::calcprop(propspec, inputspec, a[i], b[i], errormsg);
         failed.record(i, errormsg);
     }
     return py::make_tuple(values) + failed.result();
 }
 
-// (values[n, 23] in the order of allprops_columns, x[n, 20], y[n, 20], failed, first failure,
-// its text) of allprops at every pair (input1[i], input2[i])
+// (values[n, 23] in the order of zentropia::allprops_outputs, x[n, 20], y[n, 20], failed, first
+// failure, its text) of allprops at every pair (input1[i], input2[i])
 py::object allprops_array(const std::string& inputspec, const real_array& input1,
                           const real_array& input2) {
     const auto n = common_size(input1, input2);
-    constexpr auto ncol = static_cast<py::ssize_t>(allprops_columns.size());
+    constexpr auto ncol = static_cast<py::ssize_t>(zentropia::allprops_outputs.size());
     constexpr auto ncmp = static_cast<py::ssize_t>(zp_common::max_components);
     real_array values({n, ncol});
     real_array x({n, ncmp});
@@ -101,8 +101,9 @@ void bind_arrays(py::module_& m) {
           py::arg("input1"), py::arg("input2"));
     m.def("_allprops_array", &allprops_array, py::arg("inputspec"), py::arg("input1"),
           py::arg("input2"));
-    py::tuple columns(allprops_columns.size());
-    for (std::size_t i = 0; i < allprops_columns.size(); ++i) columns[i] = allprops_columns[i];
+    py::tuple columns(zentropia::allprops_outputs.size());
+    for (std::size_t i = 0; i < zentropia::allprops_outputs.size(); ++i)
+        columns[i] = std::string(zentropia::allprops_outputs[i].name);
     m.attr("_allprops_columns") = columns;
 }
 

@@ -87,6 +87,8 @@ class Fluid:
 
     @staticmethod
     def _states(input1, input2):
+        if isinstance(input1, (int, float)) and isinstance(input2, (int, float)):
+            return (), np.array([input1], dtype=float), np.array([input2], dtype=float)
         a, b = np.broadcast_arrays(np.asarray(input1, dtype=float),
                                    np.asarray(input2, dtype=float))
         return a.shape, np.ravel(a), np.ravel(b)
@@ -100,6 +102,10 @@ class Fluid:
         if first >= 0 and errors == "raise":
             index = np.unravel_index(first, shape) if shape else None
             raise ZentropiaError(message, tuple(int(i) for i in index) if shape else None)
+        if first < 0 and len(columns) == 1 and not shape:  # one number: spare the array work
+            if abs(columns[0][0] - _NOT_SET) < 0.1:
+                columns[0][0] = np.nan
+            return
         for values in columns:
             values[failed] = np.nan
             values[np.abs(values - _NOT_SET) < 0.1] = np.nan
