@@ -1,5 +1,6 @@
 #include "capi/capi_support.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 namespace zp_capi {
@@ -9,9 +10,9 @@ void put_text(char* buffer, int len, std::string_view head, std::string_view tai
     const auto room = static_cast<std::size_t>(len - 1);
     const auto first = zp_common::fit(head, room);
     const auto second = zp_common::fit(tail, room - first.size());
-    std::memcpy(buffer, first.data(), first.size());
-    std::memcpy(buffer + first.size(), second.data(), second.size());
-    buffer[first.size() + second.size()] = '\0';
+    const auto end =
+        std::copy(second.begin(), second.end(), std::copy(first.begin(), first.end(), buffer));
+    *end = '\0';
 }
 
 std::string_view get_text(const char* buffer, int len) {
