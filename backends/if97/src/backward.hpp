@@ -34,11 +34,22 @@ double t_ps_3(double p, double s);
 double v_ps_3(double p, double s);
 double p_hs_3(double h, double s);
 
-// Region 4: saturation temperature from (h, s) for s >= 5.85 kJ/(kg K), SR4-04 eq. 9
+// Region 4: saturation temperature from (h, s) for s >= s''(623.15 K) = 5.210887825 kJ/(kg K),
+// SR4-04 eq. 9
 double tsat_hs(double h, double s);
 
 // Region 3: v(p, T) with the subregion 3a..3z chosen inside (SR5-05, including the
 // near-critical subregions 3u..3z)
 double v_pt_3(double p, double T);
+
+// Saturation temperature Ts(p), R7-97 eq. 31 (it separates some of the region 3 subregions)
+double tsat_p(double p);
+
+// Region 3 subregion boundaries T_3xy(p) of SR5-05 eqs. 1-3 (uv and wx: near-critical ones)
+enum class boundary3 { ab, cd, ef, gh, ij, jk, mn, op, qu, rx, uv, wx };
+double t_3(boundary3 which, double p);
+
+// Region 3 subregion 'a'..'z' of (p, T) as SR5-05 Tables 2 and 10 assign it
+char subregion_3(double p, double T);
 
 } // namespace if97::backward

@@ -1,0 +1,318 @@
+#include "if97/if97.hpp"
+
+#include "properties.hpp"
+#include "sentinel.hpp"
+#include "solve.hpp"
+#include "transport.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+
+namespace if97 {
+
+namespace {
+
+using properties::state;
+using solve::variable;
+
+constexpr const char* prefix = "Error in IF97: ";
+
+// Output codes and the state level each one needs.
+enum class code : unsigned char {
+    p,
+    T,
+    v,
+    h,
+    s,
+    u,
+    x,
+    cv,
+    cp,
+    w,
+    dv,
+    tc,
+    st,
+    dP_dT,
+    dP_dv,
+    d2P_dT2,
+    d2P_dv2,
+    d2P_dTdv,
+    dCv_dT,
+};
+
+struct code_entry {
+    std::string_view name;
+    code id;
+    int level;
+};
+
+constexpr std::array<code_entry, 21> code_table{{
+    {"P", code::p, properties::basic},
+    {"p", code::p, properties::basic},
+    {"T", code::T, properties::basic},
+    {"t", code::T, properties::basic},
+    {"v", code::v, properties::basic},
+    {"h", code::h, properties::basic},
+    {"s", code::s, properties::basic},
+    {"u", code::u, properties::basic},
+    {"x", code::x, properties::basic},
+    {"cv", code::cv, properties::caloric},
+    {"cp", code::cp, properties::caloric},
+    {"w", code::w, properties::caloric},
+    {"dv", code::dv, properties::basic},
+    {"tc", code::tc, properties::caloric},
+    {"st", code::st, properties::basic},
+    {"dP_dT", code::dP_dT, properties::caloric},
+    {"dP_dv", code::dP_dv, properties::caloric},
+    {"d2P_dT2", code::d2P_dT2, properties::full},
+    {"d2P_dv2", code::d2P_dv2, properties::full},
+    {"d2P_dTdv", code::d2P_dTdv, properties::full},
+    {"dCv_dT", code::dCv_dT, properties::full},
+}};
+
+// An output list "h,s,cp." parsed without allocating.
+struct code_list {
+    std::array<code, 64> id{};
+    int count = 0;
+    int level = properties::basic;
+};
+
+std::string_view strip(std::string_view text) {
+    std::size_t first = 0, last = text.size();
+    while (first < last && text[first] == ' ') ++first;
+    while (last > first && text[last - 1] == ' ') --last;
+    return text.substr(first, last - first);
+}
+
+bool same(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t k = 0; k < a.size(); ++k)
+        if (a[k] != b[k]) return false;
+    return true;
+}
+
+// The failure of an output list: unknown code, too many codes, or no closing '.'.
+[[gnu::cold, gnu::noinline]] bool code_error(std::string_view outlist, const code_list& list,
+                                             std::string_view name, std::string& errormsg) {
+    name = strip(name);
+    if (outlist.find('.') == std::string_view::npos)
+        errormsg = std::string(prefix) + "output list '" + std::string(strip(outlist)) +
+                   "' not closed by '.'";
+    else if (list.count == static_cast<int>(list.id.size()))
+        errormsg =
+            std::string(prefix) + "more than " + std::to_string(list.id.size()) + " output codes";
+    else if (name.empty() && list.count == 0 && strip(outlist.substr(0, outlist.find('.'))).empty())
+        errormsg = std::string(prefix) + "empty output list";
+    else
+        errormsg = std::string(prefix) + "unknown output code '" + std::string(name) + "'";
+    return false;
+}
+
+// Entries of the one-letter codes by their letter, found without a search.
+constexpr std::array<signed char, 128> one_letter = [] {
+    std::array<signed char, 128> index{};
+    index.fill(-1);
+    for (std::size_t k = 0; k < code_table.size(); ++k)
+        if (code_table[k].name.size() == 1)
+            index[static_cast<unsigned char>(code_table[k].name[0])] = static_cast<signed char>(k);
+    return index;
+}();
+
+const code_entry* find_code(std::string_view name) {
+    if (name.size() == 1) {
+        const auto c = static_cast<unsigned char>(name[0]);
+        return c < 128 && one_letter[c] >= 0 ? &code_table[one_letter[c]] : nullptr;
+    }
+    for (const code_entry& e : code_table)
+        if (same(e.name, name)) return &e;
+    return nullptr;
+}
+
+// One pass over the list: codes separated by ',' up to the closing '.'.
+bool parse_codes(std::string_view outlist, code_list& list, std::string& errormsg) {
+    std::size_t start = 0;
+    for (std::size_t k = 0; k < outlist.size(); ++k) {
+        const char c = outlist[k];
+        if (c != ',' && c != '.') continue;
+        std::string_view name = outlist.substr(start, k - start);
+        if (name.size() != 1) name = strip(name);
+        const code_entry* e = find_code(name);
+        if (e == nullptr || list.count == static_cast<int>(list.id.size()))
+            return code_error(outlist, list, name, errormsg);
+        list.id[list.count++] = e->id;
+        if (e->level > list.level) list.level = e->level;
+        if (c == '.') return true;
+        start = k + 1;
+    }
+    return code_error(outlist, list, {}, errormsg);
+}
+
+bool parse_letter(std::string_view letter, variable& var, std::string& errormsg) {
+    const std::string_view l = letter.size() == 1 ? letter : strip(letter);
+    if (l.size() == 1) {
+        switch (l[0]) {
+        case 'P':
+        case 'p':
+            var = solve::P;
+            return true;
+        case 'T':
+        case 't':
+            var = solve::T;
+            return true;
+        case 'v':
+            var = solve::v;
+            return true;
+        case 'h':
+            var = solve::h;
+            return true;
+        case 's':
+            var = solve::s;
+            return true;
+        case 'u':
+            var = solve::u;
+            return true;
+        case 'x':
+            var = solve::x;
+            return true;
+        default:
+            break;
+        }
+    }
+    errormsg = std::string(prefix) + "unknown input letter '" + std::string(l) +
+               "' (known: P, T, v, h, s, u, x)";
+    return false;
+}
+
+// Interface units (bar, °C) to the release's (MPa, K).
+double to_release(variable var, double value) {
+    if (var == solve::P) return value * 0.1;
+    if (var == solve::T) return value + 273.15;
+    return value;
+}
+
+// The last state evaluated, so that several questions about one state pay once.
+struct last_state {
+    bool valid = false;
+    variable a = solve::P, b = solve::T;
+    double value_a = 0, value_b = 0; // interface units, as given
+    state st;
+    double quality = not_set;
+    double viscosity = not_set, conductivity = not_set;
+};
+
+last_state cache;
+
+double output_value(code id, last_state& c) {
+    const state& st = c.st;
+    const bool single = st.region != properties::two_phase;
+    switch (id) {
+    case code::p:
+        return c.a == solve::P ? c.value_a : st.p * 10.0;
+    case code::T:
+        return c.a == solve::T ? c.value_a : c.b == solve::T ? c.value_b : st.T - 273.15;
+    case code::v:
+        return st.v;
+    case code::h:
+        return st.h;
+    case code::s:
+        return st.s;
+    case code::u:
+        return st.u;
+    case code::x:
+        if (c.quality == not_set) c.quality = properties::quality(st);
+        return c.quality;
+    case code::cv:
+        return st.cv;
+    case code::cp:
+        return st.cp;
+    case code::w:
+        return st.w;
+    case code::dv:
+        if (single && c.viscosity == not_set) c.viscosity = transport::viscosity(st.T, 1.0 / st.v);
+        return c.viscosity;
+    case code::tc:
+        if (single && c.conductivity == not_set) {
+            const double rho = 1.0 / st.v;
+            const double drho_dp = -1e6 / (st.v * st.v * st.dp_dv); // kg/(m³ MPa)
+            c.conductivity = transport::conductivity(st.T, rho, st.cp, st.cv, drho_dp,
+                                                     transport::drho_dp_reference(rho));
+        }
+        return c.conductivity;
+    case code::st:
+        return transport::surface_tension(st.T);
+    case code::dP_dT:
+        return st.dp_dT;
+    case code::dP_dv:
+        return st.dp_dv;
+    case code::d2P_dT2:
+        return st.d2p_dT2;
+    case code::d2P_dv2:
+        return st.d2p_dv2;
+    case code::d2P_dTdv:
+        return st.d2p_dTdv;
+    default:
+        return st.dcv_dT;
+    }
+}
+
+} // namespace
+
+void if97_main(std::string_view letter1, double value1, std::string_view letter2, double value2,
+               std::string_view outlist, std::span<double> output, std::string& errormsg) {
+    errormsg.assign("No errors", 9);
+    std::fill(output.begin(), output.end(), not_set);
+
+    variable a{}, b{};
+    if (!parse_letter(letter1, a, errormsg) || !parse_letter(letter2, b, errormsg)) return;
+    if (!solve::supported(a, b)) {
+        errormsg = std::string(prefix) + "input pair '" + std::string(strip(letter1)) +
+                   std::string(strip(letter2)) +
+                   "' not supported (pairs: PT, Ph, Ps, Pv, Pu, Px, Tv, Ts, Tx, vh, vs, vu, vx, "
+                   "hs, in either order)";
+        return;
+    }
+    code_list list;
+    if (!parse_codes(outlist, list, errormsg)) return;
+    if (list.count > static_cast<int>(output.size())) {
+        errormsg = std::string(prefix) + "output list asks for " + std::to_string(list.count) +
+                   " values, the output array holds " + std::to_string(output.size());
+        return;
+    }
+    if (!std::isfinite(value1) || !std::isfinite(value2)) {
+        const std::string_view letter = std::isfinite(value1) ? letter2 : letter1;
+        errormsg = std::string(prefix) + "input value of " + std::string(strip(letter)) +
+                   " is not a finite number";
+        return;
+    }
+    if (a > b) std::swap(a, b), std::swap(value1, value2);
+
+    if (!(cache.valid && cache.a == a && cache.b == b && cache.value_a == value1 &&
+          cache.value_b == value2)) {
+        cache.valid = false;
+        state st = solve::state_of(a, to_release(a, value1), b, to_release(b, value2), list.level,
+                                   errormsg);
+        if (st.region == properties::none) return;
+        cache.st = st;
+        cache.a = a, cache.b = b;
+        cache.value_a = value1, cache.value_b = value2;
+        cache.quality = cache.viscosity = cache.conductivity = not_set;
+        cache.valid = true;
+    } else if (cache.st.level < list.level) {
+        cache.st = properties::raise(cache.st, list.level);
+    }
+    for (int k = 0; k < list.count; ++k) output[k] = output_value(list.id[k], cache);
+}
+
+void if97_sub() {}
+
+void getversion(std::array<int, 4>& version) {
+    version = {1, 0, 0, 0};
+}
+
+void uninit_if97() {
+    cache = last_state{};
+}
+
+} // namespace if97
