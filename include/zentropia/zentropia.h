@@ -243,14 +243,13 @@ ZENTROPIA_SATURATION_BUNDLES(ZENTROPIA_DECLARE_SATURATION_BUNDLE)
        double zentropia_<name>(const char *inputspec, double input1, double input2,
                                char *errormsg, int errormsg_len);
    in the caller's units (gamma and vaporqual are dimensionless). */
-#define ZENTROPIA_SINGLE_PROPERTIES(X)                                                             \
-    X(pressure)                                                                                    \
-    X(temperature)                                                                                 \
-    X(specvolume)                                                                                  \
-    X(density)                                                                                     \
-    X(enthalpy) X(entropy) X(intenergy) X(gibbsenergy) X(helmholtzenergy) X(heatcapv) X(heatcapp)  \
-        X(soundspeed) X(alpha) X(beta) X(chi) X(fi) X(ksi) X(psi) X(zeta) X(theta) X(kappa)        \
-            X(gamma) X(vaporqual) X(viscosity) X(thermcond) X(surftens)
+/* clang-format off */
+#define ZENTROPIA_SINGLE_PROPERTIES(X)                                                         \
+    X(pressure) X(temperature) X(specvolume) X(density) X(enthalpy) X(entropy) X(intenergy)    \
+    X(gibbsenergy) X(helmholtzenergy) X(heatcapv) X(heatcapp) X(soundspeed) X(alpha) X(beta)   \
+    X(chi) X(fi) X(ksi) X(psi) X(zeta) X(theta) X(kappa) X(gamma) X(vaporqual) X(viscosity)    \
+    X(thermcond) X(surftens)
+/* clang-format on */
 #define ZENTROPIA_DECLARE_SINGLE_PROPERTY(name)                                                    \
     ZENTROPIA_API double zentropia_##name(const char* inputspec, double input1, double input2,     \
                                           char* errormsg, int errormsg_len);
