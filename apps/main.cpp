@@ -1,70 +1,170 @@
-// zentropia: selects IF97 water and prints its properties at 1 bar and 300 K.
-#include "base/zentropia_base.hpp"
+// zentropia: thermophysical properties from the command line (calc, props, batch, info, fluids,
+// units). Without a command it shows every property of water at 1 atm and 300 K.
+#include "cli.hpp"
 
+#include <algorithm>
 #include <cstdio>
-#include <string>
-#include <vector>
+#include <exception>
 
-namespace zb = zentropia_base;
+namespace cli {
 
 namespace {
 
-void print(const char* name, double value, const char* unit) {
-    if (zb::isinit(value))
-        std::printf("%-28s %16s\n", name, "not computed");
-    else
-        std::printf("%-28s %16.9g %s\n", name, value, unit);
-}
+constexpr std::string_view general_help = R"(usage: zentropia [COMMAND] [OPTIONS] [ARGUMENTS]
 
-bool failed(const std::string& errormsg) {
-    if (zp_common::is_success(errormsg)) return false;
-    std::fprintf(stderr, "zentropia: %s\n", errormsg.c_str());
-    return true;
-}
+Thermophysical properties from the command line. Without a command, zentropia shows every
+property of water at 1 atm (101325 Pa) and 300 K.
+
+commands:
+  calc PROP SPEC V1 V2   one property (a keyword such as h, enthalpy, cp, c, eta) at a state
+  props SPEC V1 V2       every property of a state, as a table with units
+  batch [FILE]           a CSV of states (FILE or standard input) to a CSV of properties
+  info                   molar mass, critical point and temperature limits of the fluid
+  fluids                 the fluid names of the fluid table
+  units                  the unit of every property symbol in the chosen unit set
+
+A state is an input specification of two property symbols (PT, Ph, Ps, Td, Pq, Tq ...) and their
+two values, in the chosen units.
+
+options of every command:
+  --model NAME         model (default IF97)
+  --fluid A[,B...]     components, comma-separated (default water)
+  --conc X[,Y...]      concentrations, one per component (default 1 for a single component)
+  --units SET          SI (default), Zentropia or Anglo-Saxon
+  --basis BASIS        PerMass (default) or PerMole
+  --unit SYMBOL=UNIT   the unit of one property, e.g. --unit P=MPa --unit T=C (repeatable)
+  -h, --help           this help; zentropia COMMAND --help explains a command
+
+exit status: 0 success, 1 the library reported a failure (its message on standard error),
+2 a wrong command line, 3 batch ran to its end but some rows failed.
+
+examples:
+  zentropia calc h PT 101325 300
+  zentropia props Ph 1e6 2.8e6
+  zentropia calc T Ph 10 2800 --units Zentropia
+  printf 'P,T\n1e5,300\n1e6,500\n' | zentropia batch --props h,s,c
+)";
+
+constexpr std::string_view calc_help = R"(usage: zentropia calc PROP SPEC V1 V2 [OPTIONS]
+
+Prints one property of the state (SPEC, V1, V2) in the chosen units. PROP is a property keyword,
+in any case: p pressure, t temperature, v specvolume, d density, h enthalpy, s entropy,
+u intenergy, q vaporqual, cv heatcapv, cp heatcapp, c soundspeed, alpha, beta, chi, fi, ksi, psi,
+zeta, theta, kappa, gamma, eta viscosity, lambda thermcond, sigma surftens, dpdt, dpdv, d2pdt2,
+d2pdv2, d2pdtdv, dcvdt.
+
+example: zentropia calc enthalpy PT 101325 300    (J/kg of water at 1 atm and 300 K)
+)";
+
+constexpr std::string_view props_help = R"(usage: zentropia props SPEC V1 V2 [OPTIONS]
+
+Prints every property of the state (SPEC, V1, V2) as a table: keyword, meaning, value and unit.
+Properties the model does not compute read "not computed".
+
+example: zentropia props Ph 10 2800 --units Zentropia    (steam at 10 bar, 2800 kJ/kg)
+)";
+
+constexpr std::string_view batch_help =
+    R"(usage: zentropia batch [FILE] [--spec SPEC] [--props LIST] [--columns I,J] [--output FILE]
+                       [OPTIONS]
+
+Reads states from a CSV file (standard input when FILE is absent or "-") and writes one CSV row
+per state to standard output: the two inputs as given, the chosen properties and an error column
+that is empty when the row succeeded. The rows stream through, so inputs of any length work. A
+row that fails (a field that is not a number, a state the library refuses) gets the message in
+its error column and the run goes on; the exit status is then 3.
+
+  --spec SPEC     input specification of the two input columns (default PT)
+  --props LIST    comma-separated property keywords, as calc takes them (default h,s,c)
+  --columns I,J   the CSV columns (counted from 1) holding the two inputs (default 1,2)
+  --output FILE   write to FILE instead of standard output
+
+A first line whose input fields are not numbers is a header and is not evaluated; empty lines
+and lines starting with # are skipped.
+
+example: printf 'P,T\n1e5,300\n1e6,500\n' | zentropia batch --props h,s,c
+)";
+
+constexpr std::string_view info_help = R"(usage: zentropia info [OPTIONS]
+
+Prints the molar mass, the critical temperature and pressure and the temperature range of the
+model for the fluid, in the chosen units.
+)";
+
+constexpr std::string_view fluids_help =
+    R"(usage: zentropia fluids [--by long|short|cas] [--model NAME]
+
+Lists the fluids of the fluid table by long name (default), short name or CAS number; with
+--model, only those that model's back-end offers.
+)";
+
+constexpr std::string_view units_help = R"(usage: zentropia units [OPTIONS]
+
+Prints the unit of every property symbol in the chosen unit set, basis and overrides.
+)";
 
 } // namespace
 
-int main() {
-    std::string errormsg;
-    zb::setfluid("IF97", 1, std::vector<std::string>{"water"}, std::vector<double>{1.0}, errormsg);
-    if (failed(errormsg)) return 1;
+const std::vector<command_spec>& commands() {
+    static const std::vector<command_spec> table{
+        {"calc", {}, &run_calc, calc_help},
+        {"props", {}, &run_props, props_help},
+        {"batch", {"--spec", "--props", "--columns", "--output"}, &run_batch, batch_help},
+        {"info", {}, &run_info, info_help},
+        {"fluids", {"--by"}, &run_fluids, fluids_help},
+        {"units", {}, &run_units, units_help},
+    };
+    return table;
+}
 
-    // inputs in the library's internal units: bar and °C
-    const double p_in = 1.0, t_in = 300.0 - 273.15;
-    const double not_set = zp_common::not_set;
-    double p = not_set, t = not_set, v = not_set, d = not_set, h = not_set, s = not_set,
-           u = not_set, q = not_set, cv = not_set, dpdt = not_set, dpdv = not_set, d2pdt2 = not_set,
-           d2pdv2 = not_set, d2pdtdv = not_set, dcvdt = not_set, eta = not_set, lambda = not_set,
-           sigma = not_set;
-    zp_common::composition x{}, y{};
-    zb::allthermophys("PT", p_in, t_in, p, t, v, d, h, s, u, q, x, y, cv, dpdt, dpdv, d2pdt2,
-                      d2pdv2, d2pdtdv, dcvdt, eta, lambda, sigma, errormsg);
-    if (failed(errormsg)) return 1;
-    const double cp = zb::calculate("PT", p_in, t_in, "cp", errormsg);
-    if (failed(errormsg)) return 1;
-    const double c = zb::calculate("PT", p_in, t_in, "c", errormsg);
-    if (failed(errormsg)) return 1;
-    const double mmol = zb::zp_mmol(errormsg);
-    if (failed(errormsg)) return 1;
+namespace {
 
-    std::printf("IF97 water at 1 bar and 300 K\n\n");
-    print("pressure", p, "bar");
-    print("temperature", t, "°C");
-    print("temperature", t + 273.15, "K");
-    print("specific volume", v, "m³/kg");
-    print("density", d, "kg/m³");
-    print("specific enthalpy", h, "kJ/kg");
-    print("specific entropy", s, "kJ/(kg K)");
-    print("specific internal energy", u, "kJ/kg");
-    print("vapour quality", q, "(<= 0: liquid)");
-    print("isobaric heat capacity", cp, "kJ/(kg K)");
-    print("isochoric heat capacity", cv, "kJ/(kg K)");
-    print("speed of sound", c, "m/s");
-    print("dynamic viscosity", eta, "Pa s");
-    print("thermal conductivity", lambda, "W/(m K)");
-    print("surface tension", sigma, "N/m");
-    print("(dp/dT) at constant v", dpdt, "Pa/K");
-    print("(dp/dv) at constant T", dpdv, "Pa kg/m³");
-    print("molar mass", mmol, "kg/mol");
-    return 0;
+const command_spec* find_command(std::string_view name) {
+    for (const auto& c : commands())
+        if (c.name == name) return &c;
+    return nullptr;
+}
+
+int run(int argc, char** argv) {
+    command_line cl = parse(argc, argv);
+    if (cl.command == "help") {
+        cl.help = true;
+        cl.command = cl.arguments.empty() ? "" : cl.arguments.front();
+    }
+    if (cl.command.empty() && cl.help) {
+        std::fputs(general_help.data(), stdout);
+        return exit_ok;
+    }
+    if (cl.command.empty()) {
+        if (argc > 1) throw usage_error("no command given");
+        std::puts("Water (IF97) at 1 atm and 300 K; zentropia --help lists the commands.\n");
+        cl.command = "props";
+        cl.arguments = {"PT", "101325", "300"};
+    }
+    const command_spec* command = find_command(cl.command);
+    if (command == nullptr) throw usage_error("unknown command '" + cl.command + "'");
+    if (cl.help) {
+        std::fputs(command->help.data(), stdout);
+        return exit_ok;
+    }
+    for (const auto& [name, value] : cl.options)
+        if (std::find(command->options.begin(), command->options.end(), name) ==
+            command->options.end())
+            throw usage_error("option " + name + " does not belong to " + cl.command);
+    return command->run(cl);
+}
+
+} // namespace
+} // namespace cli
+
+int main(int argc, char** argv) {
+    try {
+        return cli::run(argc, argv);
+    } catch (const cli::usage_error& e) {
+        std::fprintf(stderr, "zentropia: %s\nTry 'zentropia --help'.\n", e.what());
+        return cli::exit_usage;
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "zentropia: %s\n", e.what());
+        return cli::exit_failure;
+    }
 }

@@ -218,10 +218,12 @@ bool two_phase_by_query(const state_query& s, double q, bool second_order, two_p
 
 enum class if97_rule { as_others, backend, missing };
 
+// How the models that answer a property themselves are asked: a table model always by key; IF97
+// by key (backend), not at all (missing: a text naming the property) or like any other model.
 struct property_rule {
-    std::string_view key;         // the keyword a table model (and IF97, by rule) answers
-    if97_rule if97;               //
-    std::string_view if97_name{}; // the property's name in the IF97 "not available" text
+    std::string_view key;
+    if97_rule if97;
+    std::string_view if97_name{};
 };
 
 // Models that answer the property themselves; true with the answer in value.

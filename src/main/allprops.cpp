@@ -179,11 +179,15 @@ void alltransprops_old(double t, double d, double& eta, double& eta_t, double& e
 void zflow_vu(double& p, double& t, double v, double& h, double& s, double u, double& alpha,
               double& beta, double& chi, double& fi, double& zeta, double& gamma,
               std::string& errormsg) {
-    double v_i = v * unit_pair(unit_row::v).factor;
-    double u_i = u * unit_pair(unit_row::u).factor;
+    const auto& cf = zentropia_units::convfact();
+    const double v_i = v * factor_of(cf, unit_row::v);
+    const double u_i = u * factor_of(cf, unit_row::u);
+    // The evaluation writes the state's own v and u back: keep the inputs, which also name the
+    // state for the back-end's further questions.
+    double v_state = v_i, u_state = u_i;
     state_record r;
-    zentropia_base::zflow_tmd_vu(r.p, r.t, v_i, r.h, r.s, u_i, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
-                                 r.d2pdv2, r.d2pdtdv, r.dcvdt, errormsg);
+    zentropia_base::zflow_tmd_vu(r.p, r.t, v_state, r.h, r.s, u_state, r.cv, r.dpdt, r.dpdv,
+                                 r.d2pdt2, r.d2pdv2, r.d2pdtdv, r.dcvdt, errormsg);
     p = r.p, t = r.t, h = r.h, s = r.s;
     alpha = beta = chi = fi = zeta = gamma = not_set;
     if (is_ok(errormsg)) {
@@ -197,78 +201,81 @@ void zflow_vu(double& p, double& t, double v, double& h, double& s, double u, do
         chi = dp.chi, fi = dp.fi;
         if (is_ok(scratch)) alpha = dp.alpha, beta = dp.beta, zeta = dp.zeta, gamma = dp.gamma;
     }
-    to_caller(unit_row::P, p);
-    to_caller(unit_row::T, t);
-    to_caller(unit_row::h, h);
-    to_caller(unit_row::s, s);
-    to_caller(unit_row::alpha, alpha);
-    to_caller(unit_row::beta, beta);
-    to_caller(unit_row::chi, chi);
-    to_caller(unit_row::fi, fi);
-    to_caller(unit_row::zeta, zeta);
+    to_caller(cf, unit_row::P, p);
+    to_caller(cf, unit_row::T, t);
+    to_caller(cf, unit_row::h, h);
+    to_caller(cf, unit_row::s, s);
+    to_caller(cf, unit_row::alpha, alpha);
+    to_caller(cf, unit_row::beta, beta);
+    to_caller(cf, unit_row::chi, chi);
+    to_caller(cf, unit_row::fi, fi);
+    to_caller(cf, unit_row::zeta, zeta);
 }
 
 void alloutputconv(double& p, double& t, double& v, double& d, double& h, double& s, double& u,
                    double& cv, double& cp, double& c, double& alpha, double& beta, double& chi,
                    double& fi, double& ksi, double& psi, double& zeta, double& theta, double& kappa,
                    double& eta, double& lambda) {
-    to_caller(unit_row::P, p);
-    to_caller(unit_row::T, t);
-    to_caller(unit_row::v, v);
-    to_caller(unit_row::d, d);
-    to_caller(unit_row::h, h);
-    to_caller(unit_row::s, s);
-    to_caller(unit_row::u, u);
-    to_caller(unit_row::cp, cp);
-    to_caller(unit_row::cv, cv);
-    to_caller(unit_row::c, c);
-    to_caller(unit_row::alpha, alpha);
-    to_caller(unit_row::beta, beta);
-    to_caller(unit_row::chi, chi);
-    to_caller(unit_row::fi, fi);
-    to_caller(unit_row::ksi, ksi);
-    to_caller(unit_row::psi, psi);
-    to_caller(unit_row::zeta, zeta);
-    to_caller(unit_row::theta, theta);
-    to_caller(unit_row::kappa, kappa);
-    to_caller(unit_row::eta, eta);
-    to_caller(unit_row::lambda, lambda);
+    const auto& cf = zentropia_units::convfact();
+    to_caller(cf, unit_row::P, p);
+    to_caller(cf, unit_row::T, t);
+    to_caller(cf, unit_row::v, v);
+    to_caller(cf, unit_row::d, d);
+    to_caller(cf, unit_row::h, h);
+    to_caller(cf, unit_row::s, s);
+    to_caller(cf, unit_row::u, u);
+    to_caller(cf, unit_row::cp, cp);
+    to_caller(cf, unit_row::cv, cv);
+    to_caller(cf, unit_row::c, c);
+    to_caller(cf, unit_row::alpha, alpha);
+    to_caller(cf, unit_row::beta, beta);
+    to_caller(cf, unit_row::chi, chi);
+    to_caller(cf, unit_row::fi, fi);
+    to_caller(cf, unit_row::ksi, ksi);
+    to_caller(cf, unit_row::psi, psi);
+    to_caller(cf, unit_row::zeta, zeta);
+    to_caller(cf, unit_row::theta, theta);
+    to_caller(cf, unit_row::kappa, kappa);
+    to_caller(cf, unit_row::eta, eta);
+    to_caller(cf, unit_row::lambda, lambda);
 }
 
 void alloutputconvsu2(double& p, double& t, double& d, double& s, double& u, double& cv, double& c2,
                       double& alpha, double& beta) {
-    to_caller(unit_row::P, p);
-    to_caller(unit_row::T, t);
-    to_caller(unit_row::d, d);
-    to_caller(unit_row::s, s);
-    to_caller(unit_row::u, u);
-    to_caller(unit_row::cv, cv);
+    const auto& cf = zentropia_units::convfact();
+    to_caller(cf, unit_row::P, p);
+    to_caller(cf, unit_row::T, t);
+    to_caller(cf, unit_row::d, d);
+    to_caller(cf, unit_row::s, s);
+    to_caller(cf, unit_row::u, u);
+    to_caller(cf, unit_row::cv, cv);
     if (zp_common::isnotinit(c2)) {
-        const double f_c = unit_pair(unit_row::c).factor;
+        const double f_c = factor_of(cf, unit_row::c);
         c2 = c2 / f_c / f_c;
     }
-    to_caller(unit_row::alpha, alpha);
-    to_caller(unit_row::beta, beta);
+    to_caller(cf, unit_row::alpha, alpha);
+    to_caller(cf, unit_row::beta, beta);
 }
 
 void alloutputconvtarn(double& p, double& t, double& v, double& d, double& h, double& s, double& u,
                        double& cv, double& cp, double& c, double& alpha, double& beta, double& zeta,
                        double& eta, double& lambda) {
-    to_caller(unit_row::P, p);
-    to_caller(unit_row::T, t);
-    to_caller(unit_row::v, v);
-    to_caller(unit_row::d, d);
-    to_caller(unit_row::h, h);
-    to_caller(unit_row::s, s);
-    to_caller(unit_row::u, u);
-    to_caller(unit_row::cv, cv);
-    to_caller(unit_row::cp, cp);
-    to_caller(unit_row::c, c);
-    to_caller(unit_row::alpha, alpha);
-    to_caller(unit_row::beta, beta);
-    to_caller(unit_row::zeta, zeta);
-    to_caller(unit_row::eta, eta);
-    to_caller(unit_row::lambda, lambda);
+    const auto& cf = zentropia_units::convfact();
+    to_caller(cf, unit_row::P, p);
+    to_caller(cf, unit_row::T, t);
+    to_caller(cf, unit_row::v, v);
+    to_caller(cf, unit_row::d, d);
+    to_caller(cf, unit_row::h, h);
+    to_caller(cf, unit_row::s, s);
+    to_caller(cf, unit_row::u, u);
+    to_caller(cf, unit_row::cv, cv);
+    to_caller(cf, unit_row::cp, cp);
+    to_caller(cf, unit_row::c, c);
+    to_caller(cf, unit_row::alpha, alpha);
+    to_caller(cf, unit_row::beta, beta);
+    to_caller(cf, unit_row::zeta, zeta);
+    to_caller(cf, unit_row::eta, eta);
+    to_caller(cf, unit_row::lambda, lambda);
 }
 
 void alloutputconvext(double& p, double& t, double& v, double& d, double& h, double& s, double& u,
@@ -285,23 +292,23 @@ void alloutputconvext(double& p, double& t, double& v, double& d, double& h, dou
                                    double& ps, double& pu) {
         zentropia_units::setunits_phase(zentropia_base::zp_mmol_cnc(cnc, scratch), scratch);
         if (!is_ok(scratch)) errormsg = scratch;
-        pv /= unit_pair(unit_row::v).factor;
-        pd /= unit_pair(unit_row::d).factor;
-        ph /= unit_pair(unit_row::h).factor;
-        ps /= unit_pair(unit_row::s).factor;
-        pu /= unit_pair(unit_row::u).factor;
+        pv /= factor_of(cf, unit_row::v);
+        pd /= factor_of(cf, unit_row::d);
+        ph /= factor_of(cf, unit_row::h);
+        ps /= factor_of(cf, unit_row::s);
+        pu /= factor_of(cf, unit_row::u);
     };
     convert_phase(x, v_liq, d_liq, h_liq, s_liq, u_liq);
     convert_phase(y, v_vap, d_vap, h_vap, s_vap, u_vap);
     zentropia_units::setunits_phase(zentropia_base::zp_mmol(scratch), scratch);
     if (!is_ok(scratch)) errormsg = scratch;
-    p = caller_value(unit_row::P, p);
-    v /= unit_pair(unit_row::v).factor;
-    d /= unit_pair(unit_row::d).factor;
-    h /= unit_pair(unit_row::h).factor;
-    s /= unit_pair(unit_row::s).factor;
-    u /= unit_pair(unit_row::u).factor;
-    t = caller_value(unit_row::T, t);
+    p = caller_value(cf, unit_row::P, p);
+    v /= factor_of(cf, unit_row::v);
+    d /= factor_of(cf, unit_row::d);
+    h /= factor_of(cf, unit_row::h);
+    s /= factor_of(cf, unit_row::s);
+    u /= factor_of(cf, unit_row::u);
+    t = caller_value(cf, unit_row::T, t);
 }
 
 } // namespace zentropia_main

@@ -4,6 +4,7 @@
 #include "base/common.hpp"
 #include "units/zentropia_units.hpp"
 
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -29,22 +30,31 @@ struct state_record {
 void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
                     zp_common::composition& x, zp_common::composition& y, std::string& errormsg);
 
+// A value of the phase marked in inputspec ("liq", "vap"), whose composition is cnc, in the
+// caller's unit of one row: outputconversion_cnc by row.
+double output_in_phase_units(std::string_view inputspec, const zp_common::composition& cnc,
+                             zentropia_units::unit_row row, double zp_output);
+
 // The RefProp back-end's partial success: the state is valid, its derivatives are not.
 inline bool is_refprop_partial(std::string_view errormsg) {
     return errormsg.starts_with("Error in RefProp: [CFD_PROP Error 101]");
 }
 
-inline const zentropia_units::conversion_pair& unit_pair(zentropia_units::unit_row row) {
-    return zentropia_units::convfact()[static_cast<int>(row)];
+using conversion_table = std::array<zentropia_units::conversion_pair, 27>;
+
+// Internal value to the caller's unit by one row of the current unit set, whatever it holds.
+inline double caller_value(const conversion_table& cf, zentropia_units::unit_row row,
+                           double value) {
+    const auto& pair = cf[static_cast<int>(row)];
+    return (value - pair.offset) / pair.factor;
 }
-// Internal value to the caller's unit, whatever it holds.
-inline double caller_value(zentropia_units::unit_row row, double value) {
-    const auto& cf = unit_pair(row);
-    return (value - cf.offset) / cf.factor;
+// The same in place; the not-computed sentinel stays as it is.
+inline void to_caller(const conversion_table& cf, zentropia_units::unit_row row, double& value) {
+    if (zp_common::isnotinit(value)) value = caller_value(cf, row, value);
 }
-// Internal value to the caller's unit in place; the not-computed sentinel stays as it is.
-inline void to_caller(zentropia_units::unit_row row, double& value) {
-    if (zp_common::isnotinit(value)) value = caller_value(row, value);
+// The factor of one row.
+inline double factor_of(const conversion_table& cf, zentropia_units::unit_row row) {
+    return cf[static_cast<int>(row)].factor;
 }
 
 } // namespace zentropia_main

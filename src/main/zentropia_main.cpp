@@ -78,6 +78,52 @@ const keyword* find_keyword(std::string_view propspec) {
     return nullptr;
 }
 
+// The unit row of each one-character property symbol (the letters of an input specification),
+// read once from the unit module's symbol table; -1 for a character that is no symbol.
+const std::array<signed char, 128>& letter_rows() {
+    static const std::array<signed char, 128> rows = [] {
+        std::array<signed char, 128> r;
+        r.fill(-1);
+        for (int i = 0; i < 27; ++i) {
+            const auto symbol = zp_common::trim(zentropia_units::symbolset(unit_row(i)));
+            if (symbol.size() == 1 && static_cast<unsigned char>(symbol[0]) < 128)
+                r[static_cast<unsigned char>(symbol[0])] = static_cast<signed char>(i);
+        }
+        return r;
+    }();
+    return rows;
+}
+
+// Caller's value of the input at position i of the input specification to internal units.
+double input_to_internal(std::string_view inputspec, std::size_t i, double value) {
+    const unsigned char letter = i < inputspec.size() ? inputspec[i] : ' ';
+    const int row = letter < 128 ? letter_rows()[letter] : -1;
+    if (row < 0) return value;
+    const auto& cf = zentropia_units::convfact()[static_cast<std::size_t>(row)];
+    return value * cf.factor + cf.offset;
+}
+
+// Runs convert with the unit factors of the phase marked in inputspec ("liq" or "vap" at
+// characters 4 to 6): per-mole units of one phase are based on that phase's molar mass. Without a
+// molar mass for the phase the fluid's own factors stay.
+template <typename Convert>
+void in_phase_units(std::string_view inputspec, const composition& cnc, Convert convert) {
+    const std::string_view marker = inputspec.size() > 3 ? inputspec.substr(3, 3) : "";
+    if (marker != "liq" && marker != "vap") {
+        convert();
+        return;
+    }
+    std::string scratch;
+    const double mmol = zentropia_base::zp_mmol_cnc(cnc, scratch);
+    if (!is_ok(scratch)) {
+        convert();
+        return;
+    }
+    zentropia_units::setunits_phase(mmol, scratch);
+    convert();
+    zentropia_units::setunits_phase(zentropia_base::zp_mmol(scratch), scratch);
+}
+
 std::array<double, 2> conversion_pair_of(std::string_view symbol) {
     std::array<double, 2> cf{1.0, 0.0};
     zentropia_units::getunitconvfact(zp_common::fit(symbol, symbol_length), cf);
@@ -112,10 +158,8 @@ saturated_state saturated_at_pressure(double p, double quality, std::string& err
 
 void inputconversion(std::string_view inputspec, double input1, double input2, double& zp_input1,
                      double& zp_input2) {
-    const auto cf1 = conversion_pair_of(inputspec.substr(0, 1));
-    const auto cf2 = conversion_pair_of(inputspec.size() > 1 ? inputspec.substr(1, 1) : "");
-    zp_input1 = input1 * cf1[0] + cf1[1];
-    zp_input2 = input2 * cf2[0] + cf2[1];
+    zp_input1 = input_to_internal(inputspec, 0, input1);
+    zp_input2 = input_to_internal(inputspec, 1, input2);
 }
 
 void outputconversion(std::string_view outputspec, double zp_output, double& output) {
@@ -129,22 +173,14 @@ void outputconversion(std::string_view outputspec, double zp_output, double& out
 
 void outputconversion_cnc(std::string_view inputspec, const composition& cnc,
                           std::string_view outputspec, double zp_output, double& output) {
-    const std::string_view marker = inputspec.size() > 3 ? inputspec.substr(3, 3) : "";
-    if (marker != "liq" && marker != "vap") {
-        outputconversion(outputspec, zp_output, output);
-        return;
-    }
-    // Per-mole units of one phase are based on that phase's molar mass.
-    // Without a molar mass for the phase the fluid's own factors stay.
-    std::string scratch;
-    const double mmol = zentropia_base::zp_mmol_cnc(cnc, scratch);
-    if (!is_ok(scratch)) {
-        outputconversion(outputspec, zp_output, output);
-        return;
-    }
-    zentropia_units::setunits_phase(mmol, scratch);
-    outputconversion(outputspec, zp_output, output);
-    zentropia_units::setunits_phase(zentropia_base::zp_mmol(scratch), scratch);
+    in_phase_units(inputspec, cnc, [&] { outputconversion(outputspec, zp_output, output); });
+}
+
+double output_in_phase_units(std::string_view inputspec, const composition& cnc, unit_row row,
+                             double zp_output) {
+    double output = zp_output;
+    in_phase_units(inputspec, cnc, [&] { to_caller(zentropia_units::convfact(), row, output); });
+    return output;
 }
 
 double calcprop(std::string_view propspec, std::string_view inputspec, double input1, double input2,
@@ -155,7 +191,7 @@ double calcprop(std::string_view propspec, std::string_view inputspec, double in
     evaluate_state(inputspec, zp_input1, zp_input2, r, work_x, work_y, errormsg);
     alloutputconv(r.p, r.t, r.v, r.d, r.h, r.s, r.u, r.cv, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi,
                   r.ksi, r.psi, r.zeta, r.theta, r.kappa, r.eta, r.lambda);
-    to_caller(unit_row::sigma, r.sigma);
+    to_caller(zentropia_units::convfact(), unit_row::sigma, r.sigma);
     if (!is_ok(errormsg)) return not_set;
     const keyword* k = find_keyword(propspec);
     if (k == nullptr) {
@@ -168,10 +204,11 @@ double calcprop(std::string_view propspec, std::string_view inputspec, double in
 void modelica_p(double p, double& d_liq, double& d_vap, double& h_liq, double& h_vap, double& t_sat,
                 double& dd_liq_dp, double& dd_vap_dp, double& dh_liq_dp, double& dh_vap_dp,
                 double& dt_sat_dp, std::string& errormsg) {
-    const auto& f_p = unit_pair(unit_row::P);
-    const auto& f_t = unit_pair(unit_row::T);
-    const auto& f_d = unit_pair(unit_row::d);
-    const auto& f_h = unit_pair(unit_row::h);
+    const auto& cf = zentropia_units::convfact();
+    const auto& f_p = cf[static_cast<int>(unit_row::P)];
+    const auto& f_t = cf[static_cast<int>(unit_row::T)];
+    const auto& f_d = cf[static_cast<int>(unit_row::d)];
+    const auto& f_h = cf[static_cast<int>(unit_row::h)];
     const double p_int = p * f_p.factor;
     // The critical pressure is compared as pcrit returns it, in the caller's unit.
     if (p_int >= pcrit(errormsg)) {

@@ -2,7 +2,8 @@
 // The property interface: every property of the selected fluid in the caller's units.
 //
 // A state is given by an input specification (two property symbols such as "PT", "Ph", "Td",
-// "vu"; characters 4 to 6 may carry the phase marker "liq" or "vap") and two values in the units
+// "vu"; characters 4 to 6 may carry the phase marker "liq" or "vap", behind a separator:
+// "PT liq") and two values in the units
 // of the current unit set. Results come back in the same unit set; the not-computed value -8888.8
 // passes every conversion unchanged. Pressure derivatives (dpdt ...) and the dimensionless q,
 // gamma and phase compositions are returned unconverted. errormsg is "No errors" on success.

@@ -317,8 +317,36 @@ double isobar_start(int reg, double p, variable Y, double y) {
     }
 }
 
+// Typical boundary between liquid and vapour values of v, h, s, u (indexed by variable).
+constexpr std::array<double, 6> likely_vapour = {0, 0, 0.005, 2000.0, 4.6, 1800.0};
+
+// h and s have backward equations T(p, h), T(p, s) in regions 1 and 2 that are accurate to some
+// 0.01 K: a start well inside one region is taken as the region, and the iteration, with both
+// ends of the region unconfirmed, checks it.
+bool isobar_by_backward(double p, variable Y, double y, int lvl, search_result& out) {
+    if (!(p >= properties::p_sat_min() && (Y == h || Y == s))) return false;
+    // region 1 up to the dome or 623.15 K; region 2 from the dome or the B23 line to 1073.15 K
+    const double Ts = p <= properties::p_sat_13() ? forward::tsat(p) : 0.0;
+    const bool vapour = y > likely_vapour[Y];
+    const int reg = vapour ? r2 : r1;
+    const double lo = vapour ? (Ts > 0.0 ? Ts : forward::t_b23(p)) : T_min;
+    const double hi = vapour ? T25 : (Ts > 0.0 ? Ts : T13);
+    const double T0 = isobar_start(reg, p, Y, y);
+    if (!(T0 > lo + 0.5 && T0 < hi - 0.5)) return false;
+    state found;
+    auto fn = [&](double T) -> roots::value_slope {
+        found = properties::gibbs_state(reg, p, T, caloric);
+        return {value_of(found, Y) - y, slope_of(found, Y).dT};
+    };
+    const roots::result r = roots::newton_bracketed(fn, lo, hi, T0, true, tol, false, false);
+    if (!r.converged) return false;
+    out.st = finish(found, lvl);
+    return true;
+}
+
 search_result isobar(double p, variable Y, double y, int lvl) {
     search_result out;
+    if (isobar_by_backward(p, Y, y, lvl, out)) return out;
     piece_list pieces;
     double Ts = 0;
     saturation sat3; // region-3 saturation between p(623.15 K) and pc, solved when needed
@@ -379,7 +407,6 @@ search_result isobar(double p, variable Y, double y, int lvl) {
             if (above) return liquid_side ? saturation3().liquid : saturation3().vapour;
             return properties::gibbs_state(liquid_side ? r1 : r2, p, Ts, 1);
         };
-        const double likely_vapour[] = {0, 0, 0.005, 2000.0, 4.6, 1800.0};
         bool vapour_known = false;
         if (y > likely_vapour[Y]) {
             vapour = saturated(false);
@@ -756,8 +783,16 @@ dome_point dome_of(double vv) {
 // (v, Y) with Y one of h, s, u: Y rises with T along an isochore, in the dome as well.
 state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
     const bool gas = vv > 1.0 / rhoc;
-    // Compressed liquid first, from a rough start, checked.
-    if (vv < 1.0 / 700.0) {
+    // Steam and compressed liquid first, from a rough start, checked; steam only where y is
+    // above the largest u'', h'' or s'' of the saturated vapour, so that the state cannot be a
+    // mixture (below that, the dome is looked at first).
+    constexpr std::array<double, 6> above_dome = {0, 0, 0, 2803.3, 9.156, 2603.9};
+    if (gas && y > above_dome[Y]) {
+        const double T0 = rough_T(Y, y, true);
+        const state st =
+            newton2(T0 > T25 ? r5 : r2, v, vv, Y, y, forward::R * T0 / (vv * 1e3), T0, lvl, 8);
+        if (st.region != none) return st;
+    } else if (vv < 1.0 / 700.0) {
         const state st = newton2(r1, v, vv, Y, y, 10.0, rough_T(Y, y, false), lvl, 8);
         if (st.region != none) return st;
     }
@@ -781,7 +816,8 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
         const double y_d = value_of(d.phase, Y);
         if (y < y_d) {
             bool in_dome = false;
-            const state st = two_phase_pair(v, vv, Y, y, NAN, lvl, in_dome, d.T);
+            // Newton from the top of the dome, where x = 1
+            const state st = two_phase_pair(v, vv, Y, y, d.T * (1 - 1e-12), lvl, in_dome, d.T);
             if (in_dome) return st;
         } else {
             const double T0 = std::fmin(d.T + (y - y_d) / dT_at_v(d.phase, Y), T_max);

@@ -1,0 +1,223 @@
+// Speed of the property interface for IF97 water against the back-end calls it makes, over a fixed
+// seeded set of liquid and vapour states, in the "SI" unit set (every input and output converted).
+// Each interface benchmark has a "raw" twin: the same questions asked of the IF97 back-end
+// directly, once with its last-state memory at work and once with it emptied before every
+// question (what the bundles would cost without it).
+
+#include "base/zentropia_base.hpp"
+#include "if97/if97.hpp"
+#include "main/zentropia_main.hpp"
+#include "units/zentropia_units.hpp"
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace zm = zentropia_main;
+
+struct state_point {
+    double p_bar, t_celsius; // back-end units
+    double p_pa, t_kelvin;   // the caller's "SI" units
+    double v, u_j;           // m³/kg and J/kg, for the (v, u) bundle
+};
+
+constexpr std::size_t set_size = 1024;
+
+// Liquid and vapour states from 0.1 to 200 bar and 5 to 600 °C, at least 2 K from saturation.
+const std::vector<state_point>& states() {
+    static const std::vector<state_point> set = [] {
+        std::mt19937_64 rng(20240611);
+        std::uniform_real_distribution<double> u(0.0, 1.0);
+        std::vector<state_point> out;
+        std::array<double, 3> o;
+        std::string errormsg;
+        while (out.size() < set_size) {
+            const double p = 0.1 + 199.9 * u(rng), t = 5.0 + 595.0 * u(rng);
+            if (p < 220.64) {
+                std::array<double, 1> ts;
+                if97::if97_main("P", p, "x", 0.0, "t.", ts, errormsg);
+                if (std::abs(t - ts[0]) < 2.0) continue;
+            }
+            if97::if97_main("P", p, "T", t, "v,u,p.", o, errormsg);
+            out.push_back({p, t, p * 1e5, t + 273.15, o[0], o[1] * 1e3});
+        }
+        return out;
+    }();
+    return set;
+}
+
+void select_water() {
+    std::string errormsg;
+    const std::array<std::string, 1> water{"water"};
+    const std::array<double, 1> one{1.0};
+    zentropia_base::setfluid("IF97", 1, water, one, errormsg);
+    zentropia_units::setunits("SI", "PerMass", "", "", errormsg);
+}
+
+// Runs `call` over the state set.
+template <typename Call> void over_states(benchmark::State& state, Call call) {
+    select_water();
+    const auto& set = states();
+    std::size_t k = 0;
+    for (auto _ : state) {
+        call(set[k]);
+        k = (k + 1) % set_size;
+    }
+}
+
+// The back-end questions, in its units; forget = empty its memory before each.
+template <std::size_t N>
+void ask(std::string_view a, double va, std::string_view b, double vb, std::string_view list,
+         bool forget) {
+    static std::array<double, N> out;
+    static std::string errormsg;
+    if (forget) if97::uninit_if97();
+    if97::if97_main(a, va, b, vb, list, out, errormsg);
+    benchmark::DoNotOptimize(out);
+}
+
+// ---- calcprop("h", "PT", ...) and allprops: one state bundle, then cp and c -------------------
+
+void raw_state_bundle(const state_point& s, bool forget) {
+    ask<10>("P", s.p_bar, "T", s.t_celsius, "p,t,v,h,s,u,x,cv,dv,tc.", forget);
+    ask<1>("P", s.p_bar, "T", s.t_celsius, "cp.", forget);
+    ask<1>("P", s.p_bar, "T", s.t_celsius, "w.", forget);
+}
+
+void BM_calcprop_h_PT(benchmark::State& state) {
+    over_states(state, [](const state_point& s) {
+        static std::string errormsg;
+        benchmark::DoNotOptimize(zm::calcprop("h", "PT", s.p_pa, s.t_kelvin, errormsg));
+    });
+}
+BENCHMARK(BM_calcprop_h_PT);
+
+void BM_allprops(benchmark::State& state) {
+    over_states(state, [](const state_point& s) {
+        static std::string errormsg;
+        static std::array<double, 23> o;
+        static zp_common::composition x, y;
+        zm::allprops("PT", s.p_pa, s.t_kelvin, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7], x, y,
+                     o[8], o[9], o[10], o[11], o[12], o[13], o[14], o[15], o[16], o[17], o[18],
+                     o[19], o[20], o[21], o[22], errormsg);
+        benchmark::DoNotOptimize(o);
+    });
+}
+BENCHMARK(BM_allprops);
+
+void BM_raw_allprops(benchmark::State& state) {
+    over_states(state, [](const state_point& s) { raw_state_bundle(s, false); });
+}
+BENCHMARK(BM_raw_allprops);
+
+void BM_raw_allprops_forgetting(benchmark::State& state) {
+    over_states(state, [](const state_point& s) { raw_state_bundle(s, true); });
+}
+BENCHMARK(BM_raw_allprops_forgetting);
+
+// The least a caller of calcprop("h") needs: h alone.
+void BM_raw_h(benchmark::State& state) {
+    over_states(state,
+                [](const state_point& s) { ask<1>("P", s.p_bar, "T", s.t_celsius, "h.", false); });
+}
+BENCHMARK(BM_raw_h);
+
+// ---- allpropssu2: one state bundle, then c ------------------------------------------------------
+
+void BM_allpropssu2(benchmark::State& state) {
+    over_states(state, [](const state_point& s) {
+        static std::string errormsg;
+        static std::array<double, 9> o;
+        zm::allpropssu2("PT", s.p_pa, s.t_kelvin, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7],
+                        o[8], errormsg);
+        benchmark::DoNotOptimize(o);
+    });
+}
+BENCHMARK(BM_allpropssu2);
+
+void BM_raw_allpropssu2(benchmark::State& state) {
+    over_states(state, [](const state_point& s) {
+        ask<10>("P", s.p_bar, "T", s.t_celsius, "p,t,v,h,s,u,x,cv,dv,tc.", false);
+        ask<1>("P", s.p_bar, "T", s.t_celsius, "w.", false);
+    });
+}
+BENCHMARK(BM_raw_allpropssu2);
+
+void BM_raw_allpropssu2_forgetting(benchmark::State& state) {
+    over_states(state, [](const state_point& s) {
+        ask<10>("P", s.p_bar, "T", s.t_celsius, "p,t,v,h,s,u,x,cv,dv,tc.", true);
+        ask<1>("P", s.p_bar, "T", s.t_celsius, "w.", true);
+    });
+}
+BENCHMARK(BM_raw_allpropssu2_forgetting);
+
+// ---- density and soundspeed: one question each
+// ----------------------------------------------------
+
+void BM_density(benchmark::State& state) {
+    over_states(state, [](const state_point& s) {
+        static std::string errormsg;
+        benchmark::DoNotOptimize(zm::density("PT", s.p_pa, s.t_kelvin, errormsg));
+    });
+}
+BENCHMARK(BM_density);
+
+void BM_raw_density(benchmark::State& state) {
+    over_states(state,
+                [](const state_point& s) { ask<1>("P", s.p_bar, "T", s.t_celsius, "v.", false); });
+}
+BENCHMARK(BM_raw_density);
+
+void BM_soundspeed(benchmark::State& state) {
+    over_states(state, [](const state_point& s) {
+        static std::string errormsg;
+        benchmark::DoNotOptimize(zm::soundspeed("PT", s.p_pa, s.t_kelvin, errormsg));
+    });
+}
+BENCHMARK(BM_soundspeed);
+
+void BM_raw_soundspeed(benchmark::State& state) {
+    over_states(state,
+                [](const state_point& s) { ask<1>("P", s.p_bar, "T", s.t_celsius, "w.", false); });
+}
+BENCHMARK(BM_raw_soundspeed);
+
+// ---- zflow_vu: the (v, u) state bundle, then the six pressure derivatives ---------------------
+
+void raw_zflow(const state_point& s, bool forget) {
+    const double u = s.u_j / 1e3;
+    ask<10>("v", s.v, "u", u, "p,t,v,h,s,u,x,cv,dv,tc.", forget);
+    for (std::string_view code :
+         {"dP_dT.", "dP_dv.", "d2P_dT2.", "d2P_dv2.", "d2P_dTdv.", "dCv_dT."})
+        ask<1>("v", s.v, "u", u, code, forget);
+}
+
+void BM_zflow_vu(benchmark::State& state) {
+    over_states(state, [](const state_point& s) {
+        static std::string errormsg;
+        static std::array<double, 10> o;
+        zm::zflow_vu(o[0], o[1], s.v, o[2], o[3], s.u_j, o[4], o[5], o[6], o[7], o[8], o[9],
+                     errormsg);
+        benchmark::DoNotOptimize(o);
+    });
+}
+BENCHMARK(BM_zflow_vu);
+
+void BM_raw_zflow_vu(benchmark::State& state) {
+    over_states(state, [](const state_point& s) { raw_zflow(s, false); });
+}
+BENCHMARK(BM_raw_zflow_vu);
+
+void BM_raw_zflow_vu_forgetting(benchmark::State& state) {
+    over_states(state, [](const state_point& s) { raw_zflow(s, true); });
+}
+BENCHMARK(BM_raw_zflow_vu_forgetting);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,158 @@
+"""The Pythonic layer: Fluid objects whose methods loop over NumPy arrays in C++ and raise
+ZentropiaError instead of returning error texts."""
+
+import numpy as np
+
+from . import _core
+
+_SUCCESS = ("No errors", "Same fluid")
+_NOT_SET = -8888.8
+
+# the unit symbol of each property of Fluid.props; q and gamma are dimensionless
+_UNIT_SYMBOLS = {
+    "p": "P", "t": "T", "v": "v", "d": "d", "h": "h", "s": "s", "u": "u", "cv": "cv", "cp": "cp",
+    "c": "c", "alpha": "alpha", "beta": "beta", "chi": "chi", "fi": "fi", "ksi": "ksi",
+    "psi": "psi", "zeta": "zeta", "theta": "theta", "kappa": "kappa", "eta": "eta",
+    "lambda": "lambda",
+}
+
+
+class ZentropiaError(Exception):
+    """A failure reported by the library. str(error) is the library's message; for arrays of
+    states, ``index`` is the index of the first state that failed (None for a single call)."""
+
+    def __init__(self, message, index=None):
+        super().__init__(message)
+        self.message = message
+        self.index = index
+
+
+def _check(errormsg):
+    if errormsg not in _SUCCESS:
+        raise ZentropiaError(errormsg)
+
+
+class Fluid:
+    """A fluid of one model, its components and composition, in one unit set.
+
+    Fluid(model="IF97", components=("water",), composition=None, units="SI",
+          basis="PerMass", unit_overrides=None)
+
+    model: a model name of setfluid ("IF97", "RefProp", "PCP-SAFT" ...), in any case.
+    components: component names (one name may be given as a plain string).
+    composition: concentrations, one per component (default 1.0 for a single component).
+    units: "SI", "Zentropia" or "Anglo-Saxon"; basis: "PerMass" or "PerMole".
+    unit_overrides: units of single properties, e.g. {"P": "MPa", "T": "C"}.
+
+    The selection is made at once, so a bad name raises ZentropiaError here. States are given
+    by an input specification of two property symbols ("PT", "Ph", "Ts", "Pq" ...) and two
+    values, numbers or arrays (broadcast together), in the fluid's units. Properties that the
+    model does not compute come back as NaN.
+
+    >>> water = Fluid("IF97", "water", units="SI", unit_overrides={"P": "bar"})
+    >>> water.calc("h", "PT", 1.0, 300.0)          # J/kg at 1 bar, 300 K
+    >>> water.props("PT", [1.0, 10.0], 300.0)["d"]  # densities, kg/m3
+    """
+
+    def __init__(self, model="IF97", components=("water",), composition=None, units="SI",
+                 basis="PerMass", unit_overrides=None):
+        components = (components,) if isinstance(components, str) else tuple(components)
+        if composition is None:
+            if len(components) != 1:
+                raise ValueError("a composition is needed for %d components" % len(components))
+            composition = (1.0,)
+        self.model = model
+        self.components = components
+        self.composition = tuple(float(c) for c in composition)
+        self.units = units
+        self.basis = basis
+        self.unit_overrides = dict(unit_overrides or {})
+        self._epoch = None
+        self._select()
+
+    def __repr__(self):
+        return ("Fluid(model=%r, components=%r, composition=%r, units=%r, basis=%r, "
+                "unit_overrides=%r)" % (self.model, self.components, self.composition,
+                                        self.units, self.basis, self.unit_overrides))
+
+    def _select(self):
+        """Makes this fluid and its units the library's selection, unless they still are."""
+        if self._epoch == _core._selection_epoch():
+            return
+        _check(_core.setfluid(self.model, len(self.components), list(self.components),
+                              list(self.composition)))
+        _check(_core.setunits(self.units, self.basis, ",".join(self.unit_overrides),
+                              ",".join(self.unit_overrides.values())))
+        self._epoch = _core._selection_epoch()
+
+    @staticmethod
+    def _states(input1, input2):
+        if isinstance(input1, (int, float)) and isinstance(input2, (int, float)):
+            return (), np.array([input1], dtype=float), np.array([input2], dtype=float)
+        a, b = np.broadcast_arrays(np.asarray(input1, dtype=float),
+                                   np.asarray(input2, dtype=float))
+        return a.shape, np.ravel(a), np.ravel(b)
+
+    @staticmethod
+    def _settle(shape, failed, first, message, errors, columns):
+        """Raises for the first failed state, or sets NaN in the columns (arrays with one row per
+        state) where states failed or values were not computed."""
+        if errors not in ("raise", "nan"):
+            raise ValueError("errors must be 'raise' or 'nan', not %r" % (errors,))
+        if first >= 0 and errors == "raise":
+            index = np.unravel_index(first, shape) if shape else None
+            raise ZentropiaError(message, tuple(int(i) for i in index) if shape else None)
+        if first < 0 and len(columns) == 1 and not shape:  # one number: spare the array work
+            if abs(columns[0][0] - _NOT_SET) < 0.1:
+                columns[0][0] = np.nan
+            return
+        for values in columns:
+            values[failed] = np.nan
+            values[np.abs(values - _NOT_SET) < 0.1] = np.nan
+
+    def calc(self, prop, spec, input1, input2, errors="raise"):
+        """The property named prop ("h" or "enthalpy", "cp", "c", "alpha", "eta" ... as calcprop
+        knows them) at the states (spec, input1, input2). Returns a float for numbers, else an
+        array of the inputs' broadcast shape. errors="raise" raises ZentropiaError for the first
+        state that fails; errors="nan" returns NaN for it instead."""
+        self._select()
+        shape, a, b = self._states(input1, input2)
+        values, failed, first, message = _core._calcprop_array(prop, spec, a, b)
+        self._settle(shape, failed, first, message, errors, [values])
+        return values.reshape(shape) if shape else float(values[0])
+
+    def props(self, spec, input1, input2, errors="raise"):
+        """Every property of allprops at the states (spec, input1, input2), as a dict of name to
+        float (for numbers) or array (of the inputs' broadcast shape): p, t, v, d, h, s, u, q, cv,
+        cp, c, alpha, beta, chi, fi, ksi, psi, zeta, theta, kappa, gamma, eta, lambda, and the
+        liquid and vapour compositions x and y (a last axis of one entry per component).
+        errors as for calc."""
+        self._select()
+        shape, a, b = self._states(input1, input2)
+        values, x, y, failed, first, message = _core._allprops_array(spec, a, b)
+        columns = [values[:, i] for i in range(values.shape[1])]
+        ncmp = len(self.components)
+        x, y = x[:, :ncmp], y[:, :ncmp]
+        self._settle(shape, failed, first, message, errors, columns + [x, y])
+        result = {name: (col.reshape(shape) if shape else float(col[0]))
+                  for name, col in zip(_core._allprops_columns, columns)}
+        result["x"] = x.reshape(shape + (ncmp,))
+        result["y"] = y.reshape(shape + (ncmp,))
+        return result
+
+    def info(self):
+        """The fluid's constants in its units: m_mol, t_crit, p_crit, t_min, t_max."""
+        self._select()
+        *values, errormsg = _core.allinfo()
+        _check(errormsg)
+        return dict(zip(("m_mol", "t_crit", "p_crit", "t_min", "t_max"), values))
+
+    def unit(self, name):
+        """The unit of a property of props ("h", "p", "lambda" ...) or of a unit symbol ("P",
+        "Mmol" ...) in this fluid's unit set; "" for the dimensionless q and gamma."""
+        if name in ("q", "gamma"):
+            return ""
+        self._select()
+        unit, errormsg = _core.getunit(_UNIT_SYMBOLS.get(name, name))
+        _check(errormsg)
+        return unit

@@ -1,0 +1,166 @@
+"""The zentropia tool: its commands, options, exit codes and the streaming batch."""
+
+import csv
+import io
+import subprocess
+import sys
+
+import pytest
+import zentropia
+from conftest import TOOL, run
+
+OK, FAILURE, USAGE, FAILED_ROWS = 0, 1, 2, 3
+
+
+@pytest.fixture(autouse=True)
+def water_si():
+    zentropia.setunits("SI", "PerMass", "", "")
+    zentropia.setfluid("IF97", 1, ["water"], [1.0])
+
+
+def rows(text):
+    return list(csv.reader(io.StringIO(text)))
+
+
+@pytest.mark.parametrize("args, units", [
+    (("calc", "h", "PT", 1e5, 300), ("SI", "PerMass", "", "")),
+    (("calc", "enthalpy", "PT", 1, 26.85, "--units", "Zentropia"), ("Zentropia", "PerMass", "", "")),
+    (("calc", "T", "Ph", 1, 2800, "--unit", "P=MPa", "--unit=h=kJ/kg"),
+     ("SI", "PerMass", "P,h", "MPa,kJ/kg")),
+    (("calc", "h", "PT", 1e5, 300, "--basis", "PerMole"), ("SI", "PerMole", "", "")),
+    (("--model", "if97", "calc", "cp", "PT", 14.7, 80, "--units", "Anglo-Saxon"),
+     ("Anglo-Saxon", "PerMass", "", "")),
+])
+def test_calc_prints_the_value_exactly(args, units):
+    out = run(*args, check=OK).stdout
+    zentropia.setunits(*units)
+    expected, errormsg = zentropia.calcprop(*args[args.index("calc") + 1:][:4])
+    assert errormsg == "No errors" and float(out) == expected
+
+
+def test_props_is_a_table_with_units():
+    out = run("props", "PT", 1, 26.85, "--units", "Zentropia", check=OK).stdout
+    table = {line.split()[0]: line for line in out.splitlines()[2:]}
+    assert len(table) == 23
+    assert table["h"].split()[-1] == "kJ/kg" and table["t"].split()[-1] == "\u00b0C"
+    assert float(table["p"].split()[-2]) == pytest.approx(1.0)  # in bar
+    assert "not computed" in table["kappa"]                     # IF97 does not give it
+
+
+def test_info_fluids_and_units():
+    info = run("info", "--unit", "P=MPa", check=OK).stdout
+    assert "647.096" in info and "22.064" in info and "MPa" in info
+    assert "water" in run("fluids", check=OK).stdout.split("\n")
+    assert "7732-18-5" in run("fluids", "--by", "cas", check=OK).stdout.split("\n")
+    units = dict(line.split(None, 1) for line in run("units", check=OK).stdout.splitlines())
+    assert len(units) == 27 and units["P"] == "Pa" and units["h"] == "J/kg"
+
+
+@pytest.mark.parametrize("command", ["calc", "props", "batch", "info", "fluids", "units"])
+def test_help_on_each_command(command):
+    for args in ((command, "--help"), ("help", command), (command, "-h")):
+        out = run(*args, check=OK).stdout
+        assert out.startswith("usage: zentropia " + command)
+    assert run("--help", check=OK).stdout.startswith("usage: zentropia [COMMAND]")
+
+
+def test_without_a_command_it_shows_water():
+    out = run(check=OK).stdout
+    assert "1 atm and 300 K" in out and "speed of sound" in out
+
+
+@pytest.mark.parametrize("args, status, message", [
+    (("calc", "h", "PT", 1e5, 300, "--model", "NoSuchModel"), FAILURE,
+     "Error in Zentropia: invalid model name NoSuchModel"),
+    (("calc", "nonsense", "PT", 1e5, 300), FAILURE, "Unknown property specified..."),
+    (("calc", "h", "PT", -1, 300), FAILURE, "Error in IF97"),
+    (("calc", "h", "PT", 1e5, 300, "--units", "Metric"), FAILURE, 'Unit set "Metric" unknown'),
+    (("calc", "h", "PT", "abc", 300), USAGE, "'abc' is not a number"),
+    (("calc", "h", "PT", 1e5), USAGE, "calc takes 4 arguments"),
+    (("frobnicate",), USAGE, "unknown command 'frobnicate'"),
+    (("calc", "h", "PT", 1e5, 300, "--spec", "PT"), USAGE, "does not belong to calc"),
+    (("calc", "h", "PT", 1e5, 300, "-x"), USAGE, "unknown option -x"),
+    (("calc", "h", "PT", 1e5, 300, "--unit", "MPa"), USAGE, "--unit wants SYMBOL=UNIT"),
+    (("calc", "h", "PT", 1e5, 300, "--fluid", "water,nitrogen"), USAGE, "--conc is needed"),
+    (("fluids", "--by", "colour"), USAGE, "--by is long, short or cas"),
+    (("batch", "--columns", "1,1"), USAGE, "--columns names one column twice"),
+    (("batch", "no/such/file.csv"), FAILURE, "cannot open no/such/file.csv"),
+])
+def test_failures_print_a_message_and_exit_non_zero(args, status, message):
+    result = run(*args)
+    assert result.returncode == status
+    assert message in result.stderr and result.stdout == ""
+
+
+def test_batch_evaluates_every_row():
+    states = [(1e5, 300.0), (1e6, 500.0), (2e7, 700.0), (5e7, 1000.0)]
+    text = "P,T\n" + "".join(f"{p!r},{t!r}\n" for p, t in states)
+    table = rows(run("batch", "--props", "h,s,c,cp,eta,lambda", stdin=text, check=OK).stdout)
+    assert table[0] == ["P", "T", "h", "s", "c", "cp", "eta", "lambda", "error"]
+    for (p, t), row in zip(states, table[1:]):
+        assert row[-1] == ""
+        for keyword, value in zip(table[0][2:-1], row[2:-1]):
+            assert float(value) == pytest.approx(zentropia.calcprop(keyword, "PT", p, t)[0],
+                                                  rel=1e-12)
+
+
+def test_one_by_one_and_whole_state_evaluations_agree():
+    text = "".join(f"{1e5 * k},{280.0 + 40 * k}\n" for k in range(1, 20))
+    few = rows(run("batch", "--props", "h,s,c", stdin=text, check=OK).stdout)
+    many = rows(run("batch", "--props", "h,s,c,v,d", stdin=text, check=OK).stdout)
+    assert few[0] == ["P", "T", "h", "s", "c", "error"]  # no header in the input: the symbols
+    for a, b in zip(few[1:], many[1:]):
+        assert [float(x) for x in a[2:5]] == pytest.approx([float(x) for x in b[2:5]], rel=1e-12)
+
+
+def test_batch_reports_broken_rows_and_goes_on():
+    text = ("pressure,temperature\r\n1e5,300\r\n\r\n# a comment\nabc,300\n1e5\n-1,300\n"
+            "1e5,nan\n2e5,320\n")
+    result = run("batch", stdin=text)
+    assert result.returncode == FAILED_ROWS
+    assert "4 of 6 rows failed" in result.stderr
+    table = rows(result.stdout)
+    assert table[0][:2] == ["pressure", "temperature"]
+    good, not_numbers, too_short, refused, nan, last = table[1:]
+    assert good[-1] == "" and last[-1] == "" and float(last[2]) > float(good[2])
+    assert not_numbers[0] == "abc" and "line 5: the inputs are not numbers" in not_numbers[-1]
+    assert "line 6: too few columns" in too_short[-1]
+    assert refused[-1].startswith("Error in IF97") and refused[2:5] == ["", "", ""]
+    assert nan[-1].startswith("Error in ")
+
+
+def test_batch_columns_spec_file_and_output(tmp_path):
+    source = tmp_path / "states.csv"
+    source.write_text("id,p,h\n1,10,2800\n2,1,500\n")
+    target = tmp_path / "out.csv"
+    run("batch", source, "--spec", "Ph", "--columns", "2,3", "--props", "T,q,sigma",
+        "--units", "Zentropia", "--output", target, check=OK)
+    table = rows(target.read_text())
+    assert table[0] == ["p", "h", "T", "q", "sigma", "error"]
+    zentropia.setunits("Zentropia", "PerMass", "", "")
+    for row in table[1:]:
+        p, h = float(row[0]), float(row[1])
+        assert float(row[2]) == pytest.approx(zentropia.calcprop("T", "Ph", p, h)[0])
+        assert float(row[3]) == pytest.approx(zentropia.calcprop("q", "Ph", p, h)[0])
+
+
+def peak_memory_kb(tool_args):
+    """The peak resident memory of the tool run with tool_args, measured by a small parent."""
+    program = ("import resource, subprocess, sys\n"
+               "subprocess.run(sys.argv[1:], check=True, close_fds=False)\n"
+               "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)")
+    return int(subprocess.run([sys.executable, "-c", program, str(TOOL), *map(str, tool_args)],
+                              capture_output=True, text=True, check=True).stdout)
+
+
+def test_batch_streams_without_holding_the_input(tmp_path):
+    # 10 rows and 500,000 rows (about 9 MB in, 35 MB out) need the same memory
+    peaks = []
+    for n in (10, 500000):
+        source, target = tmp_path / f"in{n}.csv", tmp_path / f"out{n}.csv"
+        source.write_text("".join("%d,%d\n" % (100000 + i, 300 + i % 200) for i in range(n)))
+        peaks.append(peak_memory_kb(["batch", source, "--output", target]))
+        with open(target) as out:
+            assert sum(1 for _ in out) == n + 1
+    assert peaks[1] - peaks[0] < 4000, f"peak memory {peaks[0]} kB for 10 rows, {peaks[1]} kB " \
+                                       "for 500,000"

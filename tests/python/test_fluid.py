@@ -1,0 +1,125 @@
+"""The Pythonic layer: Fluid objects over NumPy arrays, against the IAPWS verification tables and
+python3-iapws, and their exceptions."""
+
+import iapws
+import numpy as np
+import pytest
+import zentropia as zp
+from conftest import verification_rows
+from zentropia import Fluid, ZentropiaError
+
+# Units of the IAPWS tables, as overrides of the SI set.
+TABLE_UNITS = {"P": "MPa", "h": "kJ/kg", "u": "kJ/kg", "s": "kJ/kg/K", "cp": "kJ/kg/K"}
+# Names of the tables' inputs and outputs as input symbols and property keywords.
+SYMBOLS = {"T": "T", "p": "P", "rho": "d", "h": "h", "s": "s"}
+KEYWORDS = {"v": "v", "h": "h", "u": "u", "s": "s", "cp": "cp", "w": "c", "p": "p", "T": "t"}
+
+
+# The tables of the basic equations of regions 1, 2, 3 and 5, printed to 9 significant digits.
+BASIC_TABLES = ("R7-97(2012) Table 5", "R7-97(2012) Table 15", "R7-97(2012) Table 33",
+                "R7-97(2012) Table 42")
+
+
+def table_cases():
+    """(spec, output, in1[], in2[], values[]) for the states of the basic-equation tables,
+    grouped so that each case is one array call."""
+    rows = verification_rows(lambda r: r["table"] in BASIC_TABLES and r["output"] in KEYWORDS)
+    cases = {}
+    for r in rows:
+        key = (r["table"], SYMBOLS[r["in1_name"]] + SYMBOLS[r["in2_name"]], r["output"])
+        cases.setdefault(key, []).append((float(r["in1"]), float(r["in2"]), float(r["value"])))
+    return [pytest.param(*key[1:], *map(np.array, zip(*values)), id="-".join(key))
+            for key, values in sorted(cases.items())]
+
+
+@pytest.mark.parametrize("spec, output, in1, in2, published", table_cases())
+def test_the_verification_tables(spec, output, in1, in2, published):
+    water = Fluid("IF97", "water", units="SI", unit_overrides=TABLE_UNITS)
+    values = water.calc(KEYWORDS[output], spec, in1, in2)
+    np.testing.assert_allclose(values, published, rtol=1e-8)
+
+
+def test_a_grid_of_states_against_python_iapws():
+    water = Fluid("IF97", "water", units="SI")
+    p = np.array([0.01e6, 0.1e6, 1e6, 5e6, 20e6, 50e6])[:, None]
+    t = np.array([300.0, 400.0, 500.0, 600.0, 700.0, 900.0])[None, :]
+    props = water.props("PT", p, t)
+    assert props["h"].shape == (6, 6) and props["x"].shape == (6, 6, 1)
+    for i, j in np.ndindex(6, 6):
+        ref = iapws.IAPWS97(P=p[i, 0] / 1e6, T=t[0, j])
+        expected = {"h": ref.h * 1e3, "s": ref.s * 1e3, "cp": ref.cp * 1e3, "c": ref.w,
+                    "d": ref.rho, "eta": ref.mu, "lambda": ref.k}
+        for name, value in expected.items():
+            assert props[name][i, j] == pytest.approx(value, rel=1e-6), (name, i, j)
+
+
+def test_round_trips_between_input_pairs():
+    water = Fluid("IF97", "water", units="Zentropia")  # bar, degrees C, kJ/kg
+    p = np.linspace(1.0, 200.0, 7)
+    t = np.linspace(20.0, 550.0, 7)
+    h = water.calc("h", "PT", p, t)
+    s = water.calc("s", "PT", p, t)
+    np.testing.assert_allclose(water.calc("T", "Ph", p, h), t, atol=1e-6)
+    np.testing.assert_allclose(water.calc("T", "Ps", p, s), t, atol=1e-6)
+
+
+def test_numbers_give_floats_and_not_computed_values_are_nan():
+    water = Fluid("IF97", "water")
+    assert isinstance(water.calc("h", "PT", 1e5, 300.0), float)
+    props = water.props("PT", 1e5, 300.0)
+    assert set(props) == set(zp._core._allprops_columns) | {"x", "y"}
+    assert isinstance(props["h"], float) and np.isnan(props["kappa"])
+    assert props["h"] == water.calc("enthalpy", "PT", 1e5, 300.0)
+
+
+def test_each_fluid_keeps_its_own_units():
+    water_si = Fluid("IF97", "water", units="SI")
+    water_zp = Fluid("IF97", "water", units="Zentropia")
+    for _ in range(2):
+        assert water_si.calc("h", "PT", 1e5, 300.0) == pytest.approx(112663.823, rel=1e-8)
+        assert water_zp.calc("h", "PT", 1.0, 26.85) == pytest.approx(112.663823, rel=1e-8)
+    # a direct call of the first layer in between is noticed too
+    assert zp.setunits("Anglo-Saxon", "PerMass", "", "") == "No errors"
+    assert water_si.calc("T", "PT", 1e5, 300.0) == pytest.approx(300.0)
+    assert water_si.unit("h") == "J/kg" and water_zp.unit("T") == "\u00b0C"
+
+
+def test_info():
+    info = Fluid("IF97", "water", units="SI", unit_overrides={"P": "MPa"}).info()
+    assert (info["t_crit"], info["p_crit"]) == pytest.approx((647.096, 22.064))
+
+
+def test_failures_raise_with_the_library_message():
+    with pytest.raises(ZentropiaError) as bad_model:
+        Fluid("NoSuchModel", "water")
+    assert str(bad_model.value) == "Error in Zentropia: invalid model name NoSuchModel"
+    with pytest.raises(ZentropiaError, match=r'Unit set "Metric" unknown'):
+        Fluid("IF97", "water", units="Metric")
+    water = Fluid("IF97", "water")
+    with pytest.raises(ZentropiaError) as bad_keyword:
+        water.calc("nonsense", "PT", 1e5, 300.0)
+    assert str(bad_keyword.value) == "Unknown property specified..."
+    with pytest.raises(ZentropiaError) as bad_state:
+        water.calc("h", "PT", [[1e5, -1e5], [1e5, 1e5]], 300.0)
+    assert bad_state.value.message.startswith("Error in IF97") and bad_state.value.index == (0, 1)
+    assert water.calc("h", "PT", 1e5, 300.0) == pytest.approx(112663.823, rel=1e-8)
+
+
+def test_failed_states_as_nan():
+    water = Fluid("IF97", "water")
+    values = water.calc("h", "PT", [1e5, np.nan, 1e5], [300.0, 300.0, -1.0], errors="nan")
+    assert values[0] == pytest.approx(112663.823, rel=1e-8)
+    assert np.isnan(values[1:]).all()
+    props = water.props("PT", [1e5, -1.0], 300.0, errors="nan")
+    assert not np.isnan(props["h"][0]) and np.isnan(props["h"][1])
+
+
+@pytest.mark.parametrize("make", [
+    lambda: Fluid("IF97", ["water", "nitrogen"]),                    # no composition for two
+    lambda: Fluid("IF97", "water").calc("h", "PT", 1e5, 300.0, errors="ignore"),
+    lambda: Fluid("IF97", "water").calc("h", "PT", [1e5, 2e5], [300.0, 310.0, 320.0]),
+    lambda: Fluid("IF97", "water").calc("h", "PT", "high", 300.0),
+])
+def test_wrong_arguments_raise_value_errors(make):
+    with pytest.raises(ValueError):
+        make()
