@@ -37,8 +37,9 @@ struct output_code {
 constexpr std::array<output_code, 6> output_codes{
     {{"d", "v."}, {"q", "x."}, {"c", "w."}, {"eta", "dv."}, {"lambda", "tc."}, {"sigma", "st."}}};
 
-// The full-state list of if97_allprops, in the order of its outputs.
-constexpr std::string_view allprops_list = "p,t,v,h,s,u,x,cv,dv,tc";
+// The full-state list of if97_allprops, in the order of its outputs, closed as the back-end reads
+// it.
+constexpr std::string_view allprops_list = "p,t,v,h,s,u,x,cv,dv,tc.";
 enum allprops_entry { e_p, e_t, e_v, e_h, e_s, e_u, e_q, e_cv, e_eta, e_lambda, n_entries };
 
 // The back-end's output list for `outputspec`, written into `buffer`.
@@ -67,6 +68,16 @@ std::string_view input_letter(std::string_view inputspec, std::size_t i, double&
 
 double reciprocal(double value) {
     return isnotinit(value) ? 1.0 / value : value;
+}
+
+// One back-end call with a closed list of output codes.
+void evaluate(std::string_view inputspec, double value1, double value2, std::string_view list,
+              std::span<double> output, std::string& errormsg) {
+    errormsg = zp_common::no_errors;
+    std::fill(output.begin(), output.end(), not_set);
+    const auto letter1 = input_letter(inputspec, 0, value1);
+    const auto letter2 = input_letter(inputspec, 1, value2);
+    if97::if97_main(letter1, value1, letter2, value2, list, output, errormsg);
 }
 
 void allprops_row(std::string_view inputspec, double value1, double value2, double& p, double& t,
@@ -129,13 +140,8 @@ double if97_getinfo(std::string_view property, std::string& errormsg) {
 
 void if97_props(std::string_view inputspec, double value1, double value2,
                 std::string_view outputspec, std::span<double> output, std::string& errormsg) {
-    errormsg = zp_common::no_errors;
-    std::fill(output.begin(), output.end(), not_set);
-    const auto letter1 = input_letter(inputspec, 0, value1);
-    const auto letter2 = input_letter(inputspec, 1, value2);
     std::array<char, list_length> buffer;
-    const auto list = output_list(outputspec, buffer);
-    if97::if97_main(letter1, value1, letter2, value2, list, output, errormsg);
+    evaluate(inputspec, value1, value2, output_list(outputspec, buffer), output, errormsg);
     if (trim(outputspec) == "d" && !output.empty()) output[0] = reciprocal(output[0]);
 }
 
@@ -151,7 +157,7 @@ void if97_allprops(std::string_view inputspec, double value1, double value2, dou
                    zp_adapter::composition& x, zp_adapter::composition& y, double& cv, double& eta,
                    double& lambda, std::string& errormsg) {
     std::array<double, n_entries> work;
-    if97_props(inputspec, value1, value2, allprops_list, work, errormsg);
+    evaluate(inputspec, value1, value2, allprops_list, work, errormsg);
     p = work[e_p];
     t = work[e_t];
     v = work[e_v];

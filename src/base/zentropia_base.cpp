@@ -92,13 +92,19 @@ void append_number(std::string& text, double value) {
     text.append(buffer.data(), end);
 }
 
-// Back-ends are not asked about states that are not numbers.
-bool finite_inputs(double input1, double input2, std::string& errormsg) {
-    if (std::isfinite(input1) && std::isfinite(input2)) return true;
+[[gnu::cold, gnu::noinline]] void report_non_finite(double input1, double input2,
+                                                    std::string& errormsg) {
     errormsg.assign("Error in Zentropia: input values must be finite numbers, got ");
     append_number(errormsg, input1);
     errormsg.append(" and ");
     append_number(errormsg, input2);
+}
+
+// Back-ends are not asked about states that are not numbers.
+inline bool finite_inputs(double input1, double input2, std::string& errormsg) {
+    if (std::isfinite(input1) && std::isfinite(input2)) [[likely]]
+        return true;
+    report_non_finite(input1, input2, errormsg);
     return false;
 }
 
@@ -219,14 +225,17 @@ void zpgetindex(std::string_view modelname, int& index, int len_modelname) {
 void zpgetversion(std::string_view modelname, std::array<int, 4>& version) {
     version.fill(-9);
     const auto& m = zp_models::by_name(modelname);
-    if (std::find(backends.begin(), backends.end(), m.id) != backends.end())
-        m.adapter->getversion(version);
-    else if (m.id != model_id::libr_h2o) // LiBr-H2O reports no version
+    if (std::find(backends.begin(), backends.end(), m.id) != backends.end()) {
+        if (m.adapter != nullptr && m.adapter->getversion != nullptr)
+            m.adapter->getversion(version);
+    } else if (m.id != model_id::libr_h2o) // LiBr-H2O reports no version
         version.fill(-8);
 }
 
 void releaseobjects() {
-    for (const auto id : backends) zp_models::of(id).adapter->uninit();
+    for (const auto id : backends)
+        if (const auto* ops = zp_models::of(id).adapter; ops != nullptr && ops->uninit != nullptr)
+            ops->uninit();
 }
 
 void setfluid(std::string_view model, int in_ncmp, std::span<const std::string> in_cmp,

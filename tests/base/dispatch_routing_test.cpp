@@ -110,7 +110,7 @@ void call(dispatcher which, std::string& e) {
 //   K  xy_kij text              H  hsxy_mp text              E  phase envelope text
 //   L  composition output not available for the model
 struct row {
-    const char* model;   // as the caller writes it
+    const char* model;   // as the caller writes it; null: before any selection
     const char* adapter; // the adapter that answers R
     const char* name;    // the model's canonical name as it appears in texts (modelname)
     const char* alias;   // the dispatch key
@@ -119,6 +119,7 @@ struct row {
 // clang-format off
 const row rows[] = {
     //  model         adapter        name           alias          all su2 calc info zflow phases satext trans cape psat xya kij hsxy env liq fug
+    {nullptr,       "",            "",            "",            "UUIUUUUUCPXKH-UU"},
     {"TPSI",        "TPSI",        "TPSI",        "TPSI",        "RRRRR--ACPXKHELL"},
     {"litevarimol", "liteVarimol", "liteVarimol", "liteVarimol", "RRRRR--ACRXKHERR"},
     {"VARIMOL",     "Varimol",     "Varimol",     "Varimol",     "RRRRR--ACRRKHRRR"},
@@ -174,17 +175,30 @@ std::string expected(const row& r, char code, dispatcher which) {
 TEST(DispatchRouting, EveryDispatcherForEveryModel) {
     for (const auto& r : rows) {
         std::string errormsg;
-        zb::setfluid(r.model, 1, std::vector<std::string>{"water"}, std::vector<double>{1.0},
-                     errormsg);
-        ASSERT_EQ(zb::selection().modelname, r.name) << r.model;
-        ASSERT_EQ(zb::selection().modelalias, r.alias) << r.model;
+        if (r.model != nullptr)
+            zb::setfluid(r.model, 1, std::vector<std::string>{"water"}, std::vector<double>{1.0},
+                         errormsg);
+        const char* model = r.model != nullptr ? r.model : "(no selection)";
+        ASSERT_EQ(zb::selection().modelname, r.name) << model;
+        ASSERT_EQ(zb::selection().modelalias, r.alias) << model;
+        if (r.model == nullptr) { // the dispatchers' results without a model
+            EXPECT_EQ(zb::getinfo("T_crit", errormsg), -8888.8);
+            EXPECT_EQ(zb::calculate("PT", 1, 20, "h", errormsg), 0.0);
+            std::string name = "old";
+            int n = 7;
+            std::array<std::string, 20> comp;
+            composition conc{};
+            zb::getfluid(name, n, comp, conc);
+            EXPECT_EQ(name, "");
+            EXPECT_EQ(n, 7);
+        }
         for (int i = 0; i < n_dispatchers; ++i) {
             const char code = r.answers[i];
             if (code == '.') continue;
             std::string e = untouched;
             call(static_cast<dispatcher>(i), e);
             EXPECT_EQ(e, expected(r, code, static_cast<dispatcher>(i)))
-                << "model " << r.model << ", dispatcher column " << i;
+                << "model " << model << ", dispatcher column " << i;
         }
     }
 }

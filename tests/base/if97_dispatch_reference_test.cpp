@@ -2,6 +2,7 @@
 // adapter, the back-end) against the IAPWS verification values of R7-97(2012).
 #include "backends/if97/reference_csv.hpp"
 #include "base/zentropia_base.hpp"
+#include "if97/if97.hpp"
 
 #include <gtest/gtest.h>
 
@@ -100,4 +101,51 @@ TEST_F(If97Reference, SaturationLine) {
         ++checked;
     }
     EXPECT_EQ(checked, 6);
+}
+
+// The state from specific volume and internal energy goes through allthermophys with "vu" for
+// IF97: a round trip from (p, T) comes back to the same pressure and temperature.
+TEST_F(If97Reference, VolumeAndEnergyRoundTrip) {
+    for (const auto& [p_bar, t_c] : {std::pair{30.0, 26.85}, {1.0, 200.0}, {250.0, 380.0}}) {
+        std::string e;
+        const auto st = all_properties("PT", p_bar, t_c, e);
+        ASSERT_EQ(e, "No errors");
+        double p = 0, t = 0, v = st.v, h = 0, s = 0, u = st.u, cv = 0, a = 0;
+        zb::zflow_tmd_vu(p, t, v, h, s, u, cv, a, a, a, a, a, a, e);
+        ASSERT_EQ(e, "No errors") << p_bar << " bar";
+        EXPECT_NEAR(p, p_bar, 1e-6 * p_bar);
+        EXPECT_NEAR(t, t_c, 1e-6);
+        EXPECT_NEAR(h, st.h, 1e-7 * st.h);
+    }
+}
+
+// Water given with a second component of zero concentration: the back-end sees water alone, the
+// caller's second position receives 0.
+TEST_F(If97Reference, ZeroConcentrationComponent) {
+    std::string e;
+    zb::setfluid("IF97", 2, std::vector<std::string>{"water", "ethanol"},
+                 std::vector<double>{1.0, 0.0}, e);
+    ASSERT_EQ(e, "Same fluid");
+    EXPECT_EQ(zb::selection().ncmps, 1);
+    double p, t, v, d, h, s, u, q, cv, a, eta, lambda, sigma;
+    composition x{}, y{};
+    x.fill(7.0);
+    zb::allthermophys("Pq", 1.0, 0.25, p, t, v, d, h, s, u, q, x, y, cv, a, a, a, a, a, a, eta,
+                      lambda, sigma, e);
+    ASSERT_EQ(e, "No errors");
+    EXPECT_DOUBLE_EQ(x[0], 0.75);
+    EXPECT_DOUBLE_EQ(y[0], 0.25);
+    EXPECT_EQ(x[1], 0.0);
+    EXPECT_EQ(y[1], 0.0);
+    EXPECT_EQ(x[2], 7.0);
+    EXPECT_TRUE(zb::isinit(sigma));
+    EXPECT_EQ(zb::zp_mmol_cnc(x, e), 0.018015257);
+}
+
+TEST_F(If97Reference, VersionOfTheBackEnd) {
+    std::array<int, 4> direct{}, version{};
+    if97::getversion(direct);
+    zb::zpgetversion("IF97", version);
+    EXPECT_EQ(version, direct);
+    EXPECT_NE(version, (std::array<int, 4>{-9, -9, -9, -9}));
 }

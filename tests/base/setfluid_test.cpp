@@ -97,23 +97,11 @@ constexpr zp_adapter::operations fake{.model = "Fake",
                                       .psat_k1 = nullptr,
                                       .phaseenvelope = nullptr};
 // A fake that offers only the full state, for models that reach it through allthermophys.
-constexpr zp_adapter::operations fake_allprops_only{.model = "Fake",
-                                                    .installed = true,
-                                                    .zp_sub = [] {},
-                                                    .getversion = nullptr,
-                                                    .uninit = &fake_uninit,
-                                                    .setfluid = &fake_setfluid,
-                                                    .getfluid = nullptr,
-                                                    .getcompset = nullptr,
-                                                    .getinfo = nullptr,
-                                                    .prop = nullptr,
-                                                    .allprops = &fake_allprops,
-                                                    .liquidcmp = nullptr,
-                                                    .vaporcmp = nullptr,
-                                                    .fugacoef = nullptr,
-                                                    .zflow_vu = nullptr,
-                                                    .psat_k1 = nullptr,
-                                                    .phaseenvelope = nullptr};
+constexpr zp_adapter::operations fake_allprops_only = [] {
+    auto ops = fake;
+    ops.getfluid = nullptr, ops.getinfo = nullptr, ops.prop = nullptr, ops.zflow_vu = nullptr;
+    return ops;
+}();
 
 std::string pad(std::string_view s) {
     std::string out(s);

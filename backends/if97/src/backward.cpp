@@ -545,7 +545,7 @@ constexpr term t_ps_2c_terms[] = {
     {30, 7, 5, -0.16429828281347e-9},
 };
 
-// SR2-01(2014) Table 2, eq. 1: p(h,s) in region 1; p* = 100 MPa, h* = 3400 kJ/kg, s* = 7.6 kJ/(kg K)
+// SR2-01(2014) eq. 1: p(h,s) in region 1; p* = 100 MPa, h* = 3400 kJ/kg, s* = 7.6 kJ/(kg K)
 constexpr term p_hs_1_terms[] = {
     {1, 0, 0, -0.691997014660582},
     {2, 0, 1, -0.183612548787560e2},
@@ -576,7 +576,8 @@ constexpr coefficient h2ab_n[] = {
     {4, 0.276349063799944e2},
 };
 
-// SR2-01(2014) Table 6, eq. 3: p(h,s) in subregion 2a; p* = 4 MPa, h* = 4200 kJ/kg, s* = 12 kJ/(kg K)
+// SR2-01(2014) Table 6, eq. 3: p(h,s) in subregion 2a;
+// p* = 4 MPa, h* = 4200 kJ/kg, s* = 12 kJ/(kg K)
 constexpr term p_hs_2a_terms[] = {
     {1, 0, 1, -0.182575361923032e-1},
     {2, 0, 3, -0.125229548799536},
@@ -609,7 +610,8 @@ constexpr term p_hs_2a_terms[] = {
     {29, 7, 1, 0.400645798472063e-1},
 };
 
-// SR2-01(2014) Table 7, eq. 4: p(h,s) in subregion 2b; p* = 100 MPa, h* = 4100 kJ/kg, s* = 7.9 kJ/(kg K)
+// SR2-01(2014) Table 7, eq. 4: p(h,s) in subregion 2b;
+// p* = 100 MPa, h* = 4100 kJ/kg, s* = 7.9 kJ/(kg K)
 constexpr term p_hs_2b_terms[] = {
     {1, 0, 0, 0.801496989929495e-1},
     {2, 0, 1, -0.543862807146111},
@@ -646,7 +648,8 @@ constexpr term p_hs_2b_terms[] = {
     {33, 14, 16, -0.123651009018773e15},
 };
 
-// SR2-01(2014) Table 8, eq. 5: p(h,s) in subregion 2c; p* = 100 MPa, h* = 3500 kJ/kg, s* = 5.9 kJ/(kg K)
+// SR2-01(2014) Table 8, eq. 5: p(h,s) in subregion 2c;
+// p* = 100 MPa, h* = 3500 kJ/kg, s* = 5.9 kJ/(kg K)
 constexpr term p_hs_2c_terms[] = {
     {1, 0, 0, 0.112225607199012},
     {2, 0, 1, -0.339005953606712e1},
@@ -698,7 +701,7 @@ constexpr coefficient h3ab_n[] = {
 // The critical entropy, boundary between subregions 3a and 3b in T(p,s), v(p,s) and p(h,s)
 constexpr double s_crit = 4.41202148223476; // kJ/(kg K)
 
-// SR3-03(2014) Table 3, eq. 2: T(p,h) in subregion 3a; T* = 760 K, p* = 100 MPa, h* = 2300 kJ/kg
+// SR3-03(2014) eq. 2: T(p,h) in subregion 3a; T* = 760 K, p* = 100 MPa, h* = 2300 kJ/kg
 constexpr term t_ph_3a_terms[] = {
     {1, -12, 0, -0.133645667811215e-6},
     {2, -12, 1, 0.455912656802978e-5},
@@ -733,7 +736,7 @@ constexpr term t_ph_3a_terms[] = {
     {31, 12, 5, -0.133027883575669e-1},
 };
 
-// SR3-03(2014) Table 4, eq. 3: T(p,h) in subregion 3b; T* = 860 K, p* = 100 MPa, h* = 2800 kJ/kg
+// SR3-03(2014) eq. 3: T(p,h) in subregion 3b; T* = 860 K, p* = 100 MPa, h* = 2800 kJ/kg
 constexpr term t_ph_3b_terms[] = {
     {1, -12, 0, 0.323254573644920e-4},
     {2, -12, 1, -0.127575556587181e-3},
@@ -770,7 +773,7 @@ constexpr term t_ph_3b_terms[] = {
     {33, 8, 1, 0.676682064330275e-2},
 };
 
-// SR3-03(2014) Table 6, eq. 4: v(p,h) in subregion 3a; v* = 0.0028 m3/kg, p* = 100 MPa, h* = 2100 kJ/kg
+// SR3-03(2014) eq. 4: v(p,h) in subregion 3a; v* = 0.0028 m3/kg, p* = 100 MPa, h* = 2100 kJ/kg
 constexpr term v_ph_3a_terms[] = {
     {1, -12, 6, 0.529944062966028e-2},
     {2, -12, 8, -0.170099690234461},
@@ -806,7 +809,7 @@ constexpr term v_ph_3a_terms[] = {
     {32, 8, 2, -0.408757344495612e-1},
 };
 
-// SR3-03(2014) Table 7, eq. 5: v(p,h) in subregion 3b; v* = 0.0088 m3/kg, p* = 100 MPa, h* = 2800 kJ/kg
+// SR3-03(2014) eq. 5: v(p,h) in subregion 3b; v* = 0.0088 m3/kg, p* = 100 MPa, h* = 2800 kJ/kg
 constexpr term v_ph_3b_terms[] = {
     {1, -12, 0, -0.225196934336318e-8},
     {2, -12, 1, 0.140674363313486e-7},
@@ -840,7 +843,7 @@ constexpr term v_ph_3b_terms[] = {
     {30, 2, 6, 0.160697101092520e1},
 };
 
-// SR3-03(2014) Table 10, eq. 6: T(p,s) in subregion 3a; T* = 760 K, p* = 100 MPa, s* = 4.4 kJ/(kg K)
+// SR3-03(2014) eq. 6: T(p,s) in subregion 3a; T* = 760 K, p* = 100 MPa, s* = 4.4 kJ/(kg K)
 constexpr term t_ps_3a_terms[] = {
     {1, -12, 28, 0.150042008263875e10},
     {2, -12, 32, -0.159397258480424e12},
@@ -877,7 +880,7 @@ constexpr term t_ps_3a_terms[] = {
     {33, 10, 2, 0.123220024851555e-2},
 };
 
-// SR3-03(2014) Table 11, eq. 7: T(p,s) in subregion 3b; T* = 860 K, p* = 100 MPa, s* = 5.3 kJ/(kg K)
+// SR3-03(2014) eq. 7: T(p,s) in subregion 3b; T* = 860 K, p* = 100 MPa, s* = 5.3 kJ/(kg K)
 constexpr term t_ps_3b_terms[] = {
     {1, -12, 1, 0.527111701601660},
     {2, -12, 3, -0.401317830052742e2},
@@ -909,7 +912,7 @@ constexpr term t_ps_3b_terms[] = {
     {28, 14, 2, -0.215095749182309e-4},
 };
 
-// SR3-03(2014) Table 13, eq. 8: v(p,s) in subregion 3a; v* = 0.0028 m3/kg, p* = 100 MPa, s* = 4.4 kJ/(kg K)
+// SR3-03(2014) eq. 8: v(p,s) in subregion 3a; v* = 0.0028 m3/kg, p* = 100 MPa, s* = 4.4 kJ/(kg K)
 constexpr term v_ps_3a_terms[] = {
     {1, -12, 10, 0.795544074093975e2},
     {2, -12, 12, -0.238261242984590e4},
@@ -941,7 +944,7 @@ constexpr term v_ps_3a_terms[] = {
     {28, 6, 0, -0.145749861944416e-3},
 };
 
-// SR3-03(2014) Table 14, eq. 9: v(p,s) in subregion 3b; v* = 0.0088 m3/kg, p* = 100 MPa, s* = 5.3 kJ/(kg K)
+// SR3-03(2014) eq. 9: v(p,s) in subregion 3b; v* = 0.0088 m3/kg, p* = 100 MPa, s* = 5.3 kJ/(kg K)
 constexpr term v_ps_3b_terms[] = {
     {1, -12, 0, 0.591599780322238e-4},
     {2, -12, 1, -0.185465997137856e-2},
@@ -976,7 +979,7 @@ constexpr term v_ps_3b_terms[] = {
     {31, 2, 2, -0.327477787188230e1},
 };
 
-// SR3-03(2014) Table 17, eq. 10: psat,3(h); p* = 22 MPa, h* = 2600 kJ/kg
+// SR3-03(2014) eq. 10: psat,3(h); p* = 22 MPa, h* = 2600 kJ/kg
 constexpr term psat3_h_terms[] = {
     {1, 0, 0, 0.600073641753024},
     {2, 1, 1, -0.936203654849857e1},
@@ -994,7 +997,7 @@ constexpr term psat3_h_terms[] = {
     {14, 36, 24, 0.813641294467829e38},
 };
 
-// SR3-03(2014) Table 19, eq. 11: psat,3(s); p* = 22 MPa, s* = 5.2 kJ/(kg K)
+// SR3-03(2014) eq. 11: psat,3(s); p* = 22 MPa, s* = 5.2 kJ/(kg K)
 constexpr term psat3_s_terms[] = {
     {1, 0, 0, 0.639767553612785},
     {2, 1, 1, -0.129727445396014e2},
@@ -1008,7 +1011,7 @@ constexpr term psat3_s_terms[] = {
     {10, 32, 18, 0.110649277244882e37},
 };
 
-// SR4-04(2014) Table 3, eq. 1: p(h,s) in subregion 3a; p* = 99 MPa, h* = 2300 kJ/kg, s* = 4.4 kJ/(kg K)
+// SR4-04(2014) eq. 1: p(h,s) in subregion 3a; p* = 99 MPa, h* = 2300 kJ/kg, s* = 4.4 kJ/(kg K)
 constexpr term p_hs_3a_terms[] = {
     {1, 0, 0, 0.770889828326934e1},
     {2, 0, 1, -0.260835009128688e2},
@@ -1045,7 +1048,7 @@ constexpr term p_hs_3a_terms[] = {
     {33, 32, 28, 0.377121605943324e41},
 };
 
-// SR4-04(2014) Table 4, eq. 2: p(h,s) in subregion 3b; p* = 16.6 MPa, h* = 2800 kJ/kg, s* = 5.3 kJ/(kg K)
+// SR4-04(2014) eq. 2: p(h,s) in subregion 3b; p* = 16.6 MPa, h* = 2800 kJ/kg, s* = 5.3 kJ/(kg K)
 constexpr term p_hs_3b_terms[] = {
     {1, -12, 2, 0.125244360717979e-12},
     {2, -12, 10, -0.126599322553713e-1},
@@ -1084,7 +1087,7 @@ constexpr term p_hs_3b_terms[] = {
     {35, 14, 7, 0.568795808129714e10},
 };
 
-// SR4-04(2014) Table 9, eq. 3: h'1(s); h* = 1700 kJ/kg, s* = 3.8 kJ/(kg K)
+// SR4-04(2014) eq. 3: h'1(s); h* = 1700 kJ/kg, s* = 3.8 kJ/(kg K)
 constexpr term h1_s_terms[] = {
     {1, 0, 14, 0.332171191705237},
     {2, 0, 36, 0.611217706323496e-3},
@@ -1115,7 +1118,7 @@ constexpr term h1_s_terms[] = {
     {27, 32, 8, 0.655444787064505e2},
 };
 
-// SR4-04(2014) Table 10, eq. 4: h'3a(s); h* = 1700 kJ/kg, s* = 3.8 kJ/(kg K)
+// SR4-04(2014) eq. 4: h'3a(s); h* = 1700 kJ/kg, s* = 3.8 kJ/(kg K)
 constexpr term h3a_s_terms[] = {
     {1, 0, 1, 0.822673364673336},
     {2, 0, 4, 0.181977213534479},
@@ -1138,7 +1141,7 @@ constexpr term h3a_s_terms[] = {
     {19, 32, 6, 0.631052532240980},
 };
 
-// SR4-04(2014) Table 16, eq. 5: h''2ab(s); h* = 2800 kJ/kg, s1* = 5.21 kJ/(kg K), s2* = 9.2 kJ/(kg K)
+// SR4-04(2014) eq. 5: h''2ab(s); h* = 2800 kJ/kg, s1* = 5.21 kJ/(kg K), s2* = 9.2 kJ/(kg K)
 constexpr term h2ab_s_terms[] = {
     {1, 1, 8, -0.524581170928788e3},
     {2, 1, 24, -0.926947218142218e7},
@@ -1172,7 +1175,7 @@ constexpr term h2ab_s_terms[] = {
     {30, 36, 28, -0.710971318427851e39},
 };
 
-// SR4-04(2014) Table 17, eq. 6: h''2c3b(s); h* = 2800 kJ/kg, s* = 5.9 kJ/(kg K)
+// SR4-04(2014) eq. 6: h''2c3b(s); h* = 2800 kJ/kg, s* = 5.9 kJ/(kg K)
 constexpr term h2c3b_s_terms[] = {
     {1, 0, 0, 0.104351280732769e1},
     {2, 0, 3, -0.227807912708513e1},

@@ -34,7 +34,8 @@ double t_ps_3(double p, double s);
 double v_ps_3(double p, double s);
 double p_hs_3(double h, double s);
 
-// Region 4: saturation temperature from (h, s) for s >= 5.85 kJ/(kg K), SR4-04 eq. 9
+// Region 4: saturation temperature from (h, s) for s >= s''(623.15 K) = 5.210887825 kJ/(kg K),
+// SR4-04 eq. 9
 double tsat_hs(double h, double s);
 
 // Region 3: v(p, T) with the subregion 3a..3z chosen inside (SR5-05, including the

@@ -146,8 +146,8 @@ constexpr std::array<double, 6> n23{
 // The ideal-gas part ln pi + sum n tau^J added to a residual sum.
 template <const auto& ideal, int order>
 derivatives with_ideal_part(derivatives d, double pi, double tau) {
-    const derivatives o = power_sum::evaluate<ideal, order>(1.0, tau);
     const double r = 1.0 / pi;
+    const derivatives o = power_sum::evaluate<ideal, order>(1.0, tau, 1.0, 1.0 / tau);
     d.f += std::log(pi) + o.f;
     d.f_x += r;
     d.f_y += o.f_y;
@@ -166,8 +166,10 @@ derivatives with_ideal_part(derivatives d, double pi, double tau) {
 
 template <int order> derivatives gamma1(double p, double T) {
     const double pi = p / p1_star;
-    const double tau = T1_star / T;
-    derivatives d = power_sum::evaluate<region1, order>(7.1 - pi, tau - 1.222);
+    // tau - 1.222 and its reciprocal both straight from T, so the two divisions overlap
+    const double y_num = T1_star - 1.222 * T;
+    derivatives d =
+        power_sum::evaluate<region1, order>(7.1 - pi, y_num / T, 1.0 / (7.1 - pi), T / y_num);
     // d/dpi = -d/d(7.1 - pi): odd orders in pi change sign.
     d.f_x = -d.f_x;
     d.f_xy = -d.f_xy;
@@ -179,8 +181,9 @@ template <int order> derivatives gamma1(double p, double T) {
 template <int order> derivatives gamma2(double p, double T) {
     const double pi = p / p2_star;
     const double tau = T2_star / T;
+    const double y_num = T2_star - 0.5 * T; // tau - 0.5 = y_num / T
     return with_ideal_part<region2_ideal, order>(
-        power_sum::evaluate<region2_residual, order>(pi, tau - 0.5), pi, tau);
+        power_sum::evaluate<region2_residual, order>(pi, y_num / T, 1.0 / pi, T / y_num), pi, tau);
 }
 
 template <int order> derivatives gamma5(double p, double T) {

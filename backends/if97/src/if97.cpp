@@ -80,48 +80,77 @@ struct code_list {
 };
 
 std::string_view strip(std::string_view text) {
-    const auto first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return {};
-    const auto last = text.find_last_not_of(' ');
-    return text.substr(first, last - first + 1);
+    std::size_t first = 0, last = text.size();
+    while (first < last && text[first] == ' ') ++first;
+    while (last > first && text[last - 1] == ' ') --last;
+    return text.substr(first, last - first);
 }
 
-bool parse_codes(std::string_view outlist, code_list& list, std::string& errormsg) {
-    const auto end = outlist.find('.');
-    if (end == std::string_view::npos) {
-        errormsg = std::string(prefix) + "output list '" + std::string(strip(outlist)) +
-                   "' not closed by '.'";
-        return false;
-    }
-    std::string_view rest = outlist.substr(0, end);
-    if (strip(rest).empty()) {
-        errormsg = std::string(prefix) + "empty output list";
-        return false;
-    }
-    while (true) {
-        const auto comma = rest.find(',');
-        const std::string_view name = strip(rest.substr(0, comma));
-        const auto it = std::find_if(code_table.begin(), code_table.end(),
-                                     [&](const code_entry& e) { return e.name == name; });
-        if (it == code_table.end()) {
-            errormsg = std::string(prefix) + "unknown output code '" + std::string(name) + "'";
-            return false;
-        }
-        if (list.count == static_cast<int>(list.id.size())) {
-            errormsg = std::string(prefix) + "more than " + std::to_string(list.id.size()) +
-                       " output codes";
-            return false;
-        }
-        list.id[list.count++] = it->id;
-        list.level = std::max(list.level, it->level);
-        if (comma == std::string_view::npos) break;
-        rest = rest.substr(comma + 1);
-    }
+bool same(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t k = 0; k < a.size(); ++k)
+        if (a[k] != b[k]) return false;
     return true;
 }
 
+// The failure of an output list: unknown code, too many codes, or no closing '.'.
+[[gnu::cold, gnu::noinline]] bool code_error(std::string_view outlist, const code_list& list,
+                                             std::string_view name, std::string& errormsg) {
+    name = strip(name);
+    if (outlist.find('.') == std::string_view::npos)
+        errormsg = std::string(prefix) + "output list '" + std::string(strip(outlist)) +
+                   "' not closed by '.'";
+    else if (list.count == static_cast<int>(list.id.size()))
+        errormsg =
+            std::string(prefix) + "more than " + std::to_string(list.id.size()) + " output codes";
+    else if (name.empty() && list.count == 0 && strip(outlist.substr(0, outlist.find('.'))).empty())
+        errormsg = std::string(prefix) + "empty output list";
+    else
+        errormsg = std::string(prefix) + "unknown output code '" + std::string(name) + "'";
+    return false;
+}
+
+// Entries of the one-letter codes by their letter, found without a search.
+constexpr std::array<signed char, 128> one_letter = [] {
+    std::array<signed char, 128> index{};
+    index.fill(-1);
+    for (std::size_t k = 0; k < code_table.size(); ++k)
+        if (code_table[k].name.size() == 1)
+            index[static_cast<unsigned char>(code_table[k].name[0])] = static_cast<signed char>(k);
+    return index;
+}();
+
+const code_entry* find_code(std::string_view name) {
+    if (name.size() == 1) {
+        const auto c = static_cast<unsigned char>(name[0]);
+        return c < 128 && one_letter[c] >= 0 ? &code_table[one_letter[c]] : nullptr;
+    }
+    for (const code_entry& e : code_table)
+        if (same(e.name, name)) return &e;
+    return nullptr;
+}
+
+// One pass over the list: codes separated by ',' up to the closing '.'.
+bool parse_codes(std::string_view outlist, code_list& list, std::string& errormsg) {
+    std::size_t start = 0;
+    for (std::size_t k = 0; k < outlist.size(); ++k) {
+        const char c = outlist[k];
+        if (c != ',' && c != '.') continue;
+        std::string_view name = outlist.substr(start, k - start);
+        if (name.size() != 1) name = strip(name);
+        const code_entry* e = find_code(name);
+        if (e == nullptr || list.count == static_cast<int>(list.id.size()))
+            return code_error(outlist, list, name, errormsg);
+        list.id[list.count++] = e->id;
+        if (e->level > list.level) list.level = e->level;
+        if (c == '.') return true;
+        start = k + 1;
+    }
+    return code_error(outlist, list, {}, errormsg);
+}
+
 bool parse_letter(std::string_view letter, variable& var, std::string& errormsg) {
-    const std::string_view l = strip(letter);
+    const std::string_view l = letter.size() == 1 ? letter : strip(letter);
     if (l.size() == 1) {
         switch (l[0]) {
         case 'P':
@@ -232,7 +261,7 @@ double output_value(code id, last_state& c) {
 
 void if97_main(std::string_view letter1, double value1, std::string_view letter2, double value2,
                std::string_view outlist, std::span<double> output, std::string& errormsg) {
-    errormsg = "No errors";
+    errormsg.assign("No errors", 9);
     std::fill(output.begin(), output.end(), not_set);
 
     variable a{}, b{};
@@ -251,12 +280,11 @@ void if97_main(std::string_view letter1, double value1, std::string_view letter2
                    " values, the output array holds " + std::to_string(output.size());
         return;
     }
-    for (const auto& [letter, value] : {std::pair{letter1, value1}, std::pair{letter2, value2}}) {
-        if (!std::isfinite(value)) {
-            errormsg = std::string(prefix) + "input value of " + std::string(strip(letter)) +
-                       " is not a finite number";
-            return;
-        }
+    if (!std::isfinite(value1) || !std::isfinite(value2)) {
+        const std::string_view letter = std::isfinite(value1) ? letter2 : letter1;
+        errormsg = std::string(prefix) + "input value of " + std::string(strip(letter)) +
+                   " is not a finite number";
+        return;
     }
     if (a > b) std::swap(a, b), std::swap(value1, value2);
 
@@ -266,7 +294,11 @@ void if97_main(std::string_view letter1, double value1, std::string_view letter2
         state st = solve::state_of(a, to_release(a, value1), b, to_release(b, value2), list.level,
                                    errormsg);
         if (st.region == properties::none) return;
-        cache = {true, a, b, value1, value2, st, not_set, not_set, not_set};
+        cache.st = st;
+        cache.a = a, cache.b = b;
+        cache.value_a = value1, cache.value_b = value2;
+        cache.quality = cache.viscosity = cache.conductivity = not_set;
+        cache.valid = true;
     } else if (cache.st.level < list.level) {
         cache.st = properties::raise(cache.st, list.level);
     }

@@ -1,8 +1,8 @@
 #pragma once
 // Sums f(x, y) = sum_k n_k x^I_k y^J_k of the IAPWS-IF97 basic equations, with their partial
 // derivatives up to third order. Everything that makes the evaluation fast is derived from the
-// published coefficient table at compile time: the distinct exponents (so each power is built
-// once, by squaring, from a ladder x, x^2, x^4, ...), and the coefficient columns n I, n J,
+// published coefficient table at compile time: a plan that builds each power the table needs
+// once, with one multiplication from two smaller ones, and the coefficient columns n I, n J,
 // n I (I - 1), ... of the derivatives. A derivative is then a dot product of a coefficient column
 // with the term values x^I y^J, divided by the matching power of x and y.
 #include <array>
@@ -28,91 +28,88 @@ struct derivatives {
 
 namespace detail {
 
-template <std::size_t N> struct exponent_set {
-    std::array<int, N> value{};
-    std::size_t count = 0;
+// How to build every power x^e a table needs with one multiplication each: slot k holds
+// x^exponent[k] = slot[left[k]] * slot[right[k]]. Slots 0, 1 and 2 hold 1, x and 1/x. Each new
+// power is the product of two earlier ones, chosen for the shortest chain of dependent
+// multiplications; where no two earlier powers add up to it, the missing difference is built
+// first.
+template <std::size_t capacity> struct power_plan {
+    std::array<int, capacity> exponent{};
+    std::array<int, capacity> left{};
+    std::array<int, capacity> right{};
+    std::array<int, capacity> depth{};
+    std::size_t count = 3;
+
+    constexpr power_plan() {
+        exponent[0] = 0, exponent[1] = 1, exponent[2] = -1;
+        depth[2] = 1; // the division
+    }
+    constexpr int slot(int e) const {
+        for (std::size_t k = 0; k < count; ++k)
+            if (exponent[k] == e) return static_cast<int>(k);
+        return -1;
+    }
+    constexpr void ensure(int e) {
+        if (slot(e) >= 0) return;
+        int best_a = -1, best_b = -1, best_depth = 1 << 20;
+        for (std::size_t a = 1; a < count; ++a)
+            for (std::size_t b = a; b < count; ++b)
+                if (exponent[a] + exponent[b] == e && exponent[a] * e > 0 && exponent[b] * e > 0) {
+                    const int d = (depth[a] > depth[b] ? depth[a] : depth[b]) + 1;
+                    if (d < best_depth) best_a = int(a), best_b = int(b), best_depth = d;
+                }
+        if (best_a < 0) {
+            // the largest power of the same sign below e, and the difference built first
+            int largest = e > 0 ? 1 : -1;
+            for (std::size_t a = 1; a < count; ++a)
+                if (exponent[a] * e > 0 && (e > 0 ? exponent[a] < e && exponent[a] > largest
+                                                  : exponent[a] > e && exponent[a] < largest))
+                    largest = exponent[a];
+            ensure(e - largest);
+            best_a = slot(largest), best_b = slot(e - largest);
+            best_depth = (depth[best_a] > depth[best_b] ? depth[best_a] : depth[best_b]) + 1;
+        }
+        exponent[count] = e, left[count] = best_a, right[count] = best_b;
+        depth[count] = best_depth;
+        ++count;
+    }
 };
 
-// Distinct values of I (of_x) or J, in ascending order.
-template <std::size_t N>
-constexpr exponent_set<N> distinct(const std::array<term, N>& table, bool of_x) {
-    exponent_set<N> set;
+template <std::size_t N> constexpr auto make_plan(const std::array<term, N>& table, bool of_x) {
+    power_plan<4 * N + 16> plan;
+    // the squares x^2, x^4, ... first, which keep the chains short, then the powers by rising
+    // magnitude, so that small powers are there to build the large ones
+    int high = 0, low = 0;
     for (const term& t : table) {
         const int e = of_x ? t.I : t.J;
-        std::size_t k = 0;
-        while (k < set.count && set.value[k] < e) ++k;
-        if (k < set.count && set.value[k] == e) continue;
-        for (std::size_t m = set.count; m > k; --m) set.value[m] = set.value[m - 1];
-        set.value[k] = e;
-        ++set.count;
+        high = e > high ? e : high;
+        low = e < low ? e : low;
     }
-    return set;
+    for (int m = 2; m <= high; m *= 2) plan.ensure(m);
+    for (int m = 2; m <= -low; m *= 2) plan.ensure(-m);
+    for (int m = 1; m <= 128; ++m)
+        for (const term& t : table)
+            for (const int sign : {1, -1})
+                if ((of_x ? t.I : t.J) == sign * m) plan.ensure(sign * m);
+    return plan;
 }
 
-template <std::size_t N> constexpr std::size_t position(const exponent_set<N>& set, int e) {
-    std::size_t k = 0;
-    while (set.value[k] != e) ++k;
-    return k;
+template <const auto& plan, std::size_t... k>
+inline void powers(double x, double reciprocal, double* slot, std::index_sequence<k...>) {
+    slot[0] = 1.0;
+    slot[1] = x;
+    slot[2] = reciprocal;
+    ((slot[k + 3] = slot[plan.left[k + 3]] * slot[plan.right[k + 3]]), ...);
 }
 
-constexpr int ladder_length(int largest) {
-    int length = 0;
-    while ((1 << length) <= largest) ++length;
-    return length;
-}
-
-// Product of ladder[b] over the set bits b of m: x^m when ladder[b] = x^(2^b).
-template <unsigned m, int b = 0> inline double bit_product(const double* ladder) {
-    if constexpr ((m >> 1) == 0)
-        return ladder[b];
-    else if constexpr ((m & 1u) != 0)
-        return ladder[b] * bit_product<(m >> 1), b + 1>(ladder);
-    else
-        return bit_product<(m >> 1), b + 1>(ladder);
-}
-
-template <int e> inline double power(const double* up, const double* down) {
-    if constexpr (e == 0)
-        return 1.0;
-    else if constexpr (e > 0)
-        return bit_product<static_cast<unsigned>(e)>(up);
-    else
-        return bit_product<static_cast<unsigned>(-e)>(down);
-}
-
-// All powers x^e, e in the set, from one ladder of squares and, for negative exponents, one
-// division.
-template <const auto& set, std::size_t... k>
-inline void powers(double x, double* out, std::index_sequence<k...>) {
-    constexpr int low = set.value[0];
-    constexpr int high = set.value[set.count - 1];
-    constexpr int up_length = ladder_length(high > 0 ? high : 0);
-    constexpr int down_length = ladder_length(low < 0 ? -low : 0);
-    double up[up_length > 0 ? up_length : 1];
-    double down[down_length > 0 ? down_length : 1];
-    if constexpr (up_length > 0) {
-        up[0] = x;
-        for (int b = 1; b < up_length; ++b) up[b] = up[b - 1] * up[b - 1];
-    }
-    if constexpr (down_length > 0) {
-        down[0] = 1.0 / x;
-        for (int b = 1; b < down_length; ++b) down[b] = down[b - 1] * down[b - 1];
-    }
-    ((out[k] = power<set.value[k]>(up, down)), ...);
-}
-
-// Dot product in four independent lanes, so the additions overlap.
+// Dot product in eight independent lanes, so that few additions wait on each other.
 template <std::size_t N> inline double dot(const std::array<double, N>& c, const double* t) {
-    double a0 = 0, a1 = 0, a2 = 0, a3 = 0;
+    double a[8] = {};
     std::size_t k = 0;
-    for (; k + 4 <= N; k += 4) {
-        a0 += c[k] * t[k];
-        a1 += c[k + 1] * t[k + 1];
-        a2 += c[k + 2] * t[k + 2];
-        a3 += c[k + 3] * t[k + 3];
-    }
-    for (; k < N; ++k) a0 += c[k] * t[k];
-    return (a0 + a1) + (a2 + a3);
+    for (; k + 8 <= N; k += 8)
+        for (std::size_t l = 0; l < 8; ++l) a[l] += c[k + l] * t[k + l];
+    for (std::size_t l = 0; k < N; ++k, ++l) a[l] += c[k] * t[k];
+    return ((a[0] + a[1]) + (a[2] + a[3])) + ((a[4] + a[5]) + (a[6] + a[7]));
 }
 
 // Coefficient column n * a(I) * b(J) for the derivative with a x-order and b y-order.
@@ -130,16 +127,16 @@ constexpr std::array<double, N> column(const std::array<term, N>& table, int x_o
 
 template <const auto& table> struct compiled {
     static constexpr std::size_t size = table.size();
-    static constexpr auto xs = distinct(table, true);
-    static constexpr auto ys = distinct(table, false);
-    static constexpr auto x_index = [] {
-        std::array<std::size_t, size> a{};
-        for (std::size_t k = 0; k < size; ++k) a[k] = position(xs, table[k].I);
+    static constexpr auto x_plan = make_plan(table, true);
+    static constexpr auto y_plan = make_plan(table, false);
+    static constexpr auto x_slot = [] {
+        std::array<int, size> a{};
+        for (std::size_t k = 0; k < size; ++k) a[k] = x_plan.slot(table[k].I);
         return a;
     }();
-    static constexpr auto y_index = [] {
-        std::array<std::size_t, size> a{};
-        for (std::size_t k = 0; k < size; ++k) a[k] = position(ys, table[k].J);
+    static constexpr auto y_slot = [] {
+        std::array<int, size> a{};
+        for (std::size_t k = 0; k < size; ++k) a[k] = y_plan.slot(table[k].J);
         return a;
     }();
     static constexpr auto c = column(table, 0, 0);
@@ -157,25 +154,28 @@ template <const auto& table> struct compiled {
 template <const auto& table, std::size_t... k>
 inline void products(const double* X, const double* Y, double* t, std::index_sequence<k...>) {
     using tab = compiled<table>;
-    ((t[k] = X[tab::x_index[k]] * Y[tab::y_index[k]]), ...);
+    ((t[k] = X[tab::x_slot[k]] * Y[tab::y_slot[k]]), ...);
 }
 
 } // namespace detail
 
-// f and its derivatives up to `order` (1 to 3) at (x, y); x and y must not be zero when the
-// table has negative exponents or derivatives are asked for.
-template <const auto& table, int order> inline derivatives evaluate(double x, double y) {
+// f and its derivatives up to `order` (1 to 3) at (x, y), given also 1/x and 1/y (which a caller
+// can often form without waiting for x and y); x and y must not be zero.
+template <const auto& table, int order>
+inline derivatives evaluate(double x, double y, double x_reciprocal, double y_reciprocal) {
     using tab = detail::compiled<table>;
-    double X[tab::xs.count];
-    double Y[tab::ys.count];
+    double X[tab::x_plan.count];
+    double Y[tab::y_plan.count];
     double t[tab::size];
-    detail::powers<tab::xs>(x, X, std::make_index_sequence<tab::xs.count>{});
-    detail::powers<tab::ys>(y, Y, std::make_index_sequence<tab::ys.count>{});
+    detail::powers<tab::x_plan>(x, x_reciprocal, X,
+                                std::make_index_sequence<tab::x_plan.count - 3>{});
+    detail::powers<tab::y_plan>(y, y_reciprocal, Y,
+                                std::make_index_sequence<tab::y_plan.count - 3>{});
     detail::products<table>(X, Y, t, std::make_index_sequence<tab::size>{});
 
     derivatives d;
-    const double rx = 1.0 / x;
-    const double ry = 1.0 / y;
+    const double rx = X[2];
+    const double ry = Y[2];
     d.f = detail::dot(tab::c, t);
     d.f_x = detail::dot(tab::c_x, t) * rx;
     d.f_y = detail::dot(tab::c_y, t) * ry;
@@ -191,6 +191,10 @@ template <const auto& table, int order> inline derivatives evaluate(double x, do
         d.f_yyy = detail::dot(tab::c_yyy, t) * (ry * ry * ry);
     }
     return d;
+}
+
+template <const auto& table, int order> inline derivatives evaluate(double x, double y) {
+    return evaluate<table, order>(x, y, 1.0 / x, 1.0 / y);
 }
 
 } // namespace if97::power_sum

@@ -4,7 +4,10 @@
 #include "forward.hpp"
 #include "roots.hpp"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <utility>
 
 namespace if97::properties {
 
@@ -43,7 +46,7 @@ state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& 
     st.level = lvl;
     st.p = p;
     st.T = T;
-    st.v = RT * pi * g.f_x / (p * 1e3);
+    st.v = RT * g.f_x * 1e-3 / p_star; // (RT/p) pi gamma_pi
     st.h = RT * tau * g.f_y;
     st.u = RT * (tau * g.f_y - pi * g.f_x);
     st.s = R * (tau * g.f_y - g.f);
@@ -157,17 +160,53 @@ double saturated_density(double T, double p, bool liquid) {
         return rho;
     };
     const double start = 1.0 / backward::v_pt_3(liquid ? p * (1.0 + 1e-7) : p * (1.0 - 1e-7), T);
+    auto plausible = [&](double r) {
+        return liquid ? r >= rhoc * 0.999 : (r > 0.0 && r <= rhoc * 1.001);
+    };
     double rho = attempt(start);
-    if (!(liquid ? rho >= rhoc * 0.999 : (rho > 0.0 && rho <= rhoc * 1.001)))
-        rho = attempt(liquid ? 1000.0 : 50.0);
-    return rho;
+    if (!plausible(rho)) rho = attempt(liquid ? 1000.0 : 50.0);
+    return plausible(rho) ? rho : -1.0;
 }
 
-// The saturated state of one phase at (p, T).
-state saturated_phase(double T, double p, bool liquid, int lvl) {
-    if (T <= forward::T13) return gibbs_state(liquid ? r1 : r2, p, T, lvl);
-    if (T >= Tc) return helmholtz_state(rhoc, Tc, lvl);
-    return helmholtz_state(saturated_density(T, p, liquid), T, lvl);
+// Liquid and vapour densities at (p, T) below Tc. Within some 1e-4 K of Tc, eq. 30 passes above
+// the vapour-side maximum (or below the liquid-side minimum) of the region-3 isotherm, so that
+// p3(rho, T) = ps has one root only: both phases then have that density.
+std::pair<double, double> saturated_densities(double T, double p) {
+    double liquid = saturated_density(T, p, true);
+    double vapour = saturated_density(T, p, false);
+    if (!(vapour > 0.0)) vapour = liquid;
+    if (!(liquid > 0.0)) liquid = vapour;
+    return {liquid, vapour};
+}
+
+// The saturated phases at (p, T).
+void saturated_phases(double T, double p, int lvl, saturation& sat) {
+    if (T <= forward::T13) {
+        sat.liquid = gibbs_state(r1, p, T, lvl);
+        sat.vapour = gibbs_state(r2, p, T, lvl);
+    } else if (T >= Tc) {
+        sat.liquid = sat.vapour = helmholtz_state(rhoc, Tc, lvl);
+    } else {
+        const auto [liquid, vapour] = saturated_densities(T, p);
+        sat.liquid = helmholtz_state(liquid, T, lvl);
+        sat.vapour = helmholtz_state(vapour, T, lvl);
+    }
+    sat.liquid.p = sat.vapour.p = p;
+}
+
+// ps(T) at T_min + k K, k = 0..351: bounds that settle the region 1/2 question without eq. 30
+// unless p lies between the values at the neighbouring whole kelvins.
+const std::array<double, 352> psat_grid = [] {
+    std::array<double, 352> grid{};
+    for (std::size_t k = 0; k < grid.size(); ++k) grid[k] = forward::psat(T_min + double(k));
+    return grid;
+}();
+
+bool liquid_side(double p, double T) {
+    const auto k = static_cast<std::size_t>(T - T_min);
+    if (p > psat_grid[k + 1] * (1.0 + 1e-12)) return true;
+    if (p < psat_grid[k] * (1.0 - 1e-12)) return false;
+    return p >= forward::psat(T);
 }
 
 } // namespace
@@ -208,7 +247,7 @@ int region_pt(double p, double T) {
     if (!(p > 0.0 && T >= T_min && T <= T_max)) return none;
     if (T > forward::T25) return p <= p_max5 ? r5 : none;
     if (p > p_max) return none;
-    if (T <= forward::T13) return p >= forward::psat(T) ? r1 : r2;
+    if (T <= forward::T13) return liquid_side(p, T) ? r1 : r2;
     return p > forward::p_b23(T) ? r3 : r2;
 }
 
@@ -242,12 +281,13 @@ double rho3_pt(double p, double T) {
     double lo = 0, hi = 0;
     if (below_critical) {
         const double ps = forward::psat(T);
+        const auto [rho_liquid, rho_vapour] = saturated_densities(T, ps);
         if (liquid) {
-            lo = saturated_density(T, ps, true);
+            lo = rho_liquid;
             hi = lo;
             for (int k = 0; k < 60 && fn(hi).f <= 0.0; ++k) hi *= 1.1;
         } else {
-            hi = saturated_density(T, ps, false);
+            hi = rho_vapour;
             lo = hi;
             for (int k = 0; k < 60 && fn(lo).f >= 0.0; ++k) lo *= 0.8;
         }
@@ -275,9 +315,7 @@ saturation saturation_T(double T, int lvl) {
     saturation sat;
     sat.T = T;
     sat.p = T >= Tc ? forward::pc : forward::psat(T);
-    sat.liquid = saturated_phase(T, sat.p, true, lvl);
-    sat.vapour = saturated_phase(T, sat.p, false, lvl);
-    sat.liquid.p = sat.vapour.p = sat.p;
+    saturated_phases(T, sat.p, lvl, sat);
     return sat;
 }
 
@@ -285,9 +323,7 @@ saturation saturation_p(double p, int lvl) {
     saturation sat;
     sat.p = p;
     sat.T = p >= forward::pc ? Tc : forward::tsat(p);
-    sat.liquid = saturated_phase(sat.T, p, true, lvl);
-    sat.vapour = saturated_phase(sat.T, p, false, lvl);
-    sat.liquid.p = sat.vapour.p = p;
+    saturated_phases(sat.T, p, lvl, sat);
     return sat;
 }
 

@@ -11,7 +11,7 @@ struct value_slope {
     double df;
 };
 
-// x is the last point evaluated: when converged, within tol |x| of the root.
+// x is the last point evaluated: when converged, one Newton step after a step below tol |x|.
 struct result {
     double x;
     bool converged;
@@ -35,7 +35,14 @@ result newton_bracketed(F&& fn, double lo, double hi, double x0, bool increasing
         else
             hi = x, hi_known = true;
         const double step = v.f / v.df;
-        if (std::fabs(step) <= tol * std::fabs(x)) return {x, true};
+        if (std::fabs(step) <= tol * std::fabs(x)) {
+            // one more step unless it is down at the last bits: the function may be steep
+            if (std::fabs(step) > 4e-16 * std::fabs(x) && x - step > lo && x - step < hi) {
+                x -= step;
+                fn(x);
+            }
+            return {x, true};
+        }
         double next = x - step;
         if (!(next > lo)) {
             if (!lo_known) {

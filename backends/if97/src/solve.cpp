@@ -572,9 +572,14 @@ state newton2(int reg, variable A, double ya, variable B, double yb, double a, d
         double da = (ra * jb.dT - rb * ja.dT) / det;
         double dT = (ja.da * rb - jb.da * ra) / det;
         if (!(std::isfinite(da) && std::isfinite(dT))) return {};
-        const bool done = std::fabs(dT) <= tol * T && std::fabs(log_a ? da : da / a) <= tol;
-        if (done) {
-            if (reg == r3) st.region = r3;
+        const double rel_a = std::fabs(log_a ? da : da / a);
+        if (std::fabs(dT) <= tol * T && rel_a <= tol) {
+            if (std::fabs(dT) > 4e-16 * T || rel_a > 4e-16) { // the last step, unless negligible
+                a = log_a ? a * std::exp(-da) : a - da;
+                T -= dT;
+                st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
+                               : properties::gibbs_state(reg, a, T, caloric);
+            }
             return in_region(st, reg) ? finish(st, lvl) : state{};
         }
         // keep the steps moderate: a positive, T within a few hundred kelvin
@@ -685,16 +690,19 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
 }
 
 state from_vx(double vv, double q, int lvl, std::string& errormsg) {
-    // v' + x (v'' - v') falls with T for all but the smallest qualities; scan from the top for
-    // the first sign change, then polish.
+    // v' + x (v'' - v') falls with T except near the critical point at small x, where it passes
+    // a minimum on the way to vc: scan down from the top, on steps that widen geometrically
+    // from 1 µK below Tc, for the first sign change, then polish.
     auto mix_v = [&](double T) {
         const saturation sat = sat_T(T, 1);
         return sat.liquid.v + q * (sat.vapour.v - sat.liquid.v) - vv;
     };
-    constexpr int steps = 48;
-    double T_hi = T_sat_top, f_hi = mix_v(T_hi);
+    constexpr int steps = 64;
+    const double ratio = std::pow((T_sat_top - T_min) / 1e-6, 1.0 / steps);
+    double T_hi = T_sat_top, f_hi = mix_v(T_hi), below = 1e-6;
     for (int k = 1; k <= steps; ++k) {
-        const double T_lo = T_sat_top - (T_sat_top - T_min) * k / steps;
+        below *= ratio;
+        const double T_lo = k == steps ? T_min : T_sat_top - below;
         const double f_lo = mix_v(T_lo);
         if ((f_lo < 0.0) != (f_hi < 0.0) || f_lo == 0.0) {
             // bisection-safeguarded secant on the bracket [T_lo, T_hi]
@@ -770,7 +778,7 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
             return newton2(r5, h, hh, s, ss, p0 > 0.0 ? p0 : 1.0, 1500.0, lvl);
         }
         default: {
-            const double T0 = ss >= s_2c3b ? backward::tsat_hs(hh, ss) : NAN;
+            const double T0 = ss >= 5.210887825 ? backward::tsat_hs(hh, ss) : NAN; // eq. 9 range
             bool found = false;
             const state st = two_phase_pair(s, ss, h, hh, T0, lvl, found);
             return found ? st : state{};
@@ -803,6 +811,29 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
                               quoted(s, ss) + " within the range of IF97");
 }
 
+// The limits that hold for every pair.
+bool within_limits(variable var, double value, std::string& errormsg) {
+    switch (var) {
+    case P:
+        if (!(value > 0.0)) return out_of_range(errormsg, P, value, false, 0.0), false;
+        if (value > p_max) return out_of_range(errormsg, P, value, true, p_max), false;
+        return true;
+    case T:
+        if (value < T_min) return out_of_range(errormsg, T, value, false, T_min), false;
+        if (value > T_max) return out_of_range(errormsg, T, value, true, T_max), false;
+        return true;
+    case v:
+        if (!(value > 0.0)) return out_of_range(errormsg, v, value, false, 0.0), false;
+        return true;
+    case x:
+        if (value < 0.0 || value > 1.0)
+            return fail(errormsg, "quality " + number(value) + " outside 0 to 1"), false;
+        return true;
+    default:
+        return true;
+    }
+}
+
 } // namespace
 
 bool supported(variable a, variable b) {
@@ -824,28 +855,10 @@ bool supported(variable a, variable b) {
 state state_of(variable a, double value_a, variable b, double value_b, int lvl,
                std::string& errormsg) {
     if (a > b) std::swap(a, b), std::swap(value_a, value_b);
-    // Checks that hold for every pair.
-    for (const auto& [var, value] : {std::pair{a, value_a}, std::pair{b, value_b}}) {
-        switch (var) {
-        case P:
-            if (!(value > 0.0)) return out_of_range(errormsg, P, value, false, 0.0);
-            if (value > p_max) return out_of_range(errormsg, P, value, true, p_max);
-            break;
-        case T:
-            if (value < T_min) return out_of_range(errormsg, T, value, false, T_min);
-            if (value > T_max) return out_of_range(errormsg, T, value, true, T_max);
-            break;
-        case v:
-            if (!(value > 0.0)) return out_of_range(errormsg, v, value, false, 0.0);
-            break;
-        case x:
-            if (value < 0.0 || value > 1.0)
-                return fail(errormsg, "quality " + number(value) + " outside 0 to 1");
-            break;
-        default:
-            break;
-        }
-    }
+    if (a == P && b == T && value_a > 0.0 && value_a <= p_max && value_b >= T_min &&
+        value_b <= T_max) // the commonest pair, within the limits
+        return from_pt(value_a, value_b, lvl, errormsg);
+    if (!within_limits(a, value_a, errormsg) || !within_limits(b, value_b, errormsg)) return {};
     switch (a) {
     case P:
         if (b == T) return from_pt(value_a, value_b, lvl, errormsg);
