@@ -17,7 +17,7 @@ namespace {
 using properties::state;
 using solve::variable;
 
-constexpr const char* prefix = "Error in IF97: ";
+using solve::error_prefix;
 
 // Output codes and the state level each one needs.
 enum class code : unsigned char {
@@ -98,15 +98,15 @@ bool same(std::string_view a, std::string_view b) {
                                              std::string_view name, std::string& errormsg) {
     name = strip(name);
     if (outlist.find('.') == std::string_view::npos)
-        errormsg = std::string(prefix) + "output list '" + std::string(strip(outlist)) +
+        errormsg = std::string(error_prefix) + "output list '" + std::string(strip(outlist)) +
                    "' not closed by '.'";
     else if (list.count == static_cast<int>(list.id.size()))
-        errormsg =
-            std::string(prefix) + "more than " + std::to_string(list.id.size()) + " output codes";
+        errormsg = std::string(error_prefix) + "more than " + std::to_string(list.id.size()) +
+                   " output codes";
     else if (name.empty() && list.count == 0 && strip(outlist.substr(0, outlist.find('.'))).empty())
-        errormsg = std::string(prefix) + "empty output list";
+        errormsg = std::string(error_prefix) + "empty output list";
     else
-        errormsg = std::string(prefix) + "unknown output code '" + std::string(name) + "'";
+        errormsg = std::string(error_prefix) + "unknown output code '" + std::string(name) + "'";
     return false;
 }
 
@@ -178,7 +178,7 @@ int letter_of(std::string_view letter) {
 // A failure: its text, and every output back to -8888.8.
 [[gnu::cold, gnu::noinline]] void fail(std::string_view text, std::span<double> output,
                                        std::string& errormsg) {
-    errormsg = std::string(prefix);
+    errormsg = std::string(error_prefix);
     errormsg += text;
     std::fill(output.begin(), output.end(), not_set);
 }

@@ -70,10 +70,8 @@ std::string quoted(variable var, double value) {
     return text;
 }
 
-constexpr const char* prefix = "Error in IF97: ";
-
 state fail(std::string& errormsg, std::string text) {
-    errormsg = prefix + std::move(text);
+    errormsg = std::string(error_prefix) + std::move(text);
     return {};
 }
 
@@ -606,7 +604,6 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
     } else {
         pieces.add(r5, p_low, p_max5);
     }
-    const bool falling = true; // v and s fall with pressure
 
     auto end_state = [&](const piece& pk, int level) -> state {
         if (pk.reg != r3) return properties::gibbs_state(pk.reg, pk.b, T, level);
@@ -639,7 +636,7 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
         }
         const state end = end_state(pk, 1);
         const double y_end = value_of(end, Y);
-        if (falling ? y < y_end : y > y_end) {
+        if (y < y_end) { // v and s fall with pressure: y lies beyond this piece
             if (last_piece) {
                 out.outside = -1;
                 out.limit = y_end;
