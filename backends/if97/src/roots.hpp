@@ -44,14 +44,14 @@ result newton_bracketed(F&& fn, double lo, double hi, double x0, bool increasing
             return {x, true};
         }
         double next = x - step;
-        if (!(next > lo)) {
+        if (!(next > lo && next < hi)) {
+            // Bisection, once an end not yet known to bracket the root is known to do so
+            // (one end at most: the other is a point already evaluated).
             if (!lo_known) {
                 const value_slope e = fn(lo);
                 if (!below_root(e.f) || e.f == 0.0) return {lo, e.f == 0.0};
                 lo_known = true;
             }
-            next = 0.5 * (lo + hi);
-        } else if (!(next < hi)) {
             if (!hi_known) {
                 const value_slope e = fn(hi);
                 if (below_root(e.f) || e.f == 0.0) return {hi, e.f == 0.0};
