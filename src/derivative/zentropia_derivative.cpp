@@ -45,8 +45,8 @@ double theta_of(double v, double dpdt, double dpdv) {
 double kappa_of(double v, double dpdv) {
     return -(pa_per_bar / v) / dpdv;
 }
-// Fundamental derivative v³/(2c²) (∂²P/∂v²)_s, the isentropic curvature written with the
-// derivatives along an isotherm and an isochore.
+// Fundamental derivative v³/(2c²) (∂²P/∂v²)_s (P. A. Thompson, Phys. Fluids 14 (1971) 1843), the
+// isentropic curvature written with the derivatives along an isotherm and an isochore.
 double gamma_of(double T, double v, double c, double cv, double dpdt, double d2pdt2, double d2pdv2,
                 double d2pdtdv, double dcvdt) {
     const double a = T / cv / j_per_kj;

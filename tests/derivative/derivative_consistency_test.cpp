@@ -45,7 +45,7 @@ struct expected_derivatives {
 expected_derivatives by_differences(std::string_view spec, double in1, double in2) {
     const double v = at(spec, in1, in2, "v"), u = at(spec, in1, in2, "u");
     const double s = at(spec, in1, in2, "s"), t = at(spec, in1, in2, "T");
-    const double dv = 1e-6 * v, du = 1e-6 * std::fabs(u) + 1e-4;
+    const double dv = 1e-5 * v, du = 1e-5 * std::fabs(u) + 1e-3;
     expected_derivatives e;
     e.alpha = -v * v * diff1("vu", v, u, "P", dv) * 1e5;
     e.beta = diff2("vu", v, u, "P", du) * 1e5 / 1000.0;

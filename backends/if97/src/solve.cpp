@@ -70,10 +70,8 @@ std::string quoted(variable var, double value) {
     return text;
 }
 
-constexpr const char* prefix = "Error in IF97: ";
-
 state fail(std::string& errormsg, std::string text) {
-    errormsg = prefix + std::move(text);
+    errormsg = std::string(error_prefix) + std::move(text);
     return {};
 }
 
@@ -278,6 +276,46 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
 }
 
 // ---------------------------------------------------------------------------------------------
+// Two unknowns: Newton steps in the natural variables of one region, then a check that the
+// solution lies in that region.
+
+// reg r1, r2, r5: a is p (iterated as ln p in the gas regions); reg r3: a is rho.
+state newton2(int reg, variable A, double ya, variable B, double yb, double a, double T, int lvl,
+              int max_iter = 16) {
+    const bool log_a = reg == r2 || reg == r5;
+    for (int it = 0; it < max_iter; ++it) {
+        if (!(a > 0.0 && T > 200.0 && T < 2500.0)) return {};
+        state st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
+                             : properties::gibbs_state(reg, a, T, caloric);
+        const double ra = value_of(st, A) - ya, rb = value_of(st, B) - yb;
+        slope2 ja = slope_of(st, A), jb = slope_of(st, B);
+        if (log_a) ja.da *= a, jb.da *= a;
+        const double det = ja.da * jb.dT - ja.dT * jb.da;
+        double da = (ra * jb.dT - rb * ja.dT) / det;
+        double dT = (ja.da * rb - jb.da * ra) / det;
+        if (!(std::isfinite(da) && std::isfinite(dT))) return {};
+        const double rel_a = std::fabs(log_a ? da : da / a);
+        if (std::fabs(dT) <= tol * T && rel_a <= tol) {
+            if (std::fabs(dT) > 4e-16 * T || rel_a > 4e-16) { // the last step, unless negligible
+                a = log_a ? a * std::exp(-da) : a - da;
+                T -= dT;
+                st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
+                               : properties::gibbs_state(reg, a, T, caloric);
+            }
+            return in_region(st, reg) ? finish(st, lvl) : state{};
+        }
+        // keep the steps moderate: a positive, T within a few hundred kelvin
+        double damp = 1.0;
+        if (log_a && std::fabs(da) > 1.0) damp = std::fmin(damp, 1.0 / std::fabs(da));
+        if (!log_a && da > 0.5 * a) damp = std::fmin(damp, 0.5 * a / da);
+        if (std::fabs(dT) > 150.0) damp = std::fmin(damp, 150.0 / std::fabs(dT));
+        a = log_a ? a * std::exp(-damp * da) : a - damp * da;
+        T -= damp * dT;
+    }
+    return {};
+}
+
+// ---------------------------------------------------------------------------------------------
 // Along an isobar: pieces of one region (or the dome) in order of rising temperature; h, s, u
 // (and v above the density maximum) rise with T along it.
 
@@ -332,7 +370,18 @@ bool isobar_by_backward(double p, variable Y, double y, int lvl, search_result& 
     const double lo = vapour ? (Ts > 0.0 ? Ts : forward::t_b23(p)) : T_min;
     const double hi = vapour ? T25 : (Ts > 0.0 ? Ts : T13);
     const double T0 = isobar_start(reg, p, Y, y);
-    if (!(T0 > lo + 0.5 && T0 < hi - 0.5)) return false;
+    if (!(T0 > lo + 0.5 && T0 < hi - 0.5)) {
+        // region 3, between 623.15 K and the B23 line, from SR3-03 T and v: both at once
+        if (Ts > 0.0 || p > p_max) return false;
+        const double T3 = Y == h ? backward::t_ph_3(p, y) : backward::t_ps_3(p, y);
+        const double v3 = Y == h ? backward::v_ph_3(p, y) : backward::v_ps_3(p, y);
+        if (!(T3 > T13 + 0.5 && T3 < forward::t_b23(p) - 0.5 && v3 > 0.0)) return false;
+        state st = newton2(r3, P, p, Y, y, 1.0 / v3, T3, lvl, 12);
+        if (st.region == none) return false;
+        st.p = p;
+        out.st = st;
+        return true;
+    }
     state found;
     auto fn = [&](double T) -> roots::value_slope {
         found = properties::gibbs_state(reg, p, T, caloric);
@@ -486,6 +535,15 @@ search_result isobar(double p, variable Y, double y, int lvl) {
             double T0 = NAN, rho = NAN;
             if (Y == h) T0 = backward::t_ph_3(p, y), rho = 1.0 / backward::v_ph_3(p, y);
             if (Y == s) T0 = backward::t_ps_3(p, y), rho = 1.0 / backward::v_ps_3(p, y);
+            if (T0 > pk.a && T0 < pk.b && rho > 0.0) {
+                // both unknowns at once from the backward start, checked
+                state st = newton2(r3, P, p, Y, y, rho, T0, lvl, 12);
+                if (st.region != none && st.T >= pk.a - 1e-7 && st.T <= pk.b + 1e-7) {
+                    st.p = p;
+                    out.st = st;
+                    return out;
+                }
+            }
             if (!(T0 > pk.a && T0 < pk.b)) T0 = interpolated;
             if (!(rho > 0.0)) rho = properties::rho3_pt(p, T0);
             double T_prev = T0;
@@ -546,7 +604,6 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
     } else {
         pieces.add(r5, p_low, p_max5);
     }
-    const bool falling = true; // v and s fall with pressure
 
     auto end_state = [&](const piece& pk, int level) -> state {
         if (pk.reg != r3) return properties::gibbs_state(pk.reg, pk.b, T, level);
@@ -579,7 +636,7 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
         }
         const state end = end_state(pk, 1);
         const double y_end = value_of(end, Y);
-        if (falling ? y < y_end : y > y_end) {
+        if (y < y_end) { // v and s fall with pressure: y lies beyond this piece
             if (last_piece) {
                 out.outside = -1;
                 out.limit = y_end;
@@ -658,46 +715,6 @@ state isotherm_state(double T, variable Y, double y, int lvl, std::string& error
 }
 
 // ---------------------------------------------------------------------------------------------
-// Two unknowns: Newton steps in the natural variables of one region, then a check that the
-// solution lies in that region.
-
-// reg r1, r2, r5: a is p (iterated as ln p in the gas regions); reg r3: a is rho.
-state newton2(int reg, variable A, double ya, variable B, double yb, double a, double T, int lvl,
-              int max_iter = 16) {
-    const bool log_a = reg == r2 || reg == r5;
-    for (int it = 0; it < max_iter; ++it) {
-        if (!(a > 0.0 && T > 200.0 && T < 2500.0)) return {};
-        state st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
-                             : properties::gibbs_state(reg, a, T, caloric);
-        const double ra = value_of(st, A) - ya, rb = value_of(st, B) - yb;
-        slope2 ja = slope_of(st, A), jb = slope_of(st, B);
-        if (log_a) ja.da *= a, jb.da *= a;
-        const double det = ja.da * jb.dT - ja.dT * jb.da;
-        double da = (ra * jb.dT - rb * ja.dT) / det;
-        double dT = (ja.da * rb - jb.da * ra) / det;
-        if (!(std::isfinite(da) && std::isfinite(dT))) return {};
-        const double rel_a = std::fabs(log_a ? da : da / a);
-        if (std::fabs(dT) <= tol * T && rel_a <= tol) {
-            if (std::fabs(dT) > 4e-16 * T || rel_a > 4e-16) { // the last step, unless negligible
-                a = log_a ? a * std::exp(-da) : a - da;
-                T -= dT;
-                st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
-                               : properties::gibbs_state(reg, a, T, caloric);
-            }
-            return in_region(st, reg) ? finish(st, lvl) : state{};
-        }
-        // keep the steps moderate: a positive, T within a few hundred kelvin
-        double damp = 1.0;
-        if (log_a && std::fabs(da) > 1.0) damp = std::fmin(damp, 1.0 / std::fabs(da));
-        if (!log_a && da > 0.5 * a) damp = std::fmin(damp, 0.5 * a / da);
-        if (std::fabs(dT) > 150.0) damp = std::fmin(damp, 150.0 / std::fabs(dT));
-        a = log_a ? a * std::exp(-damp * da) : a - damp * da;
-        T -= damp * dT;
-    }
-    return {};
-}
-
-// ---------------------------------------------------------------------------------------------
 // The pairs.
 
 state from_pt(double p, double T, int lvl, std::string& errormsg) {
@@ -709,6 +726,15 @@ state from_pt(double p, double T, int lvl, std::string& errormsg) {
     return st;
 }
 
+// A point of the saturation line with its quality and nothing else.
+state saturation_point(double p, double T, double q) {
+    state st;
+    st.region = two_phase;
+    st.level = properties::bare;
+    st.p = p, st.T = T, st.x = q;
+    return st;
+}
+
 state from_px(double p, double q, int lvl, std::string& errormsg) {
     if (p > pc)
         return fail(errormsg, "quality given at " + quoted(P, p) +
@@ -716,6 +742,7 @@ state from_px(double p, double q, int lvl, std::string& errormsg) {
     if (p < properties::p_sat_min())
         return out_of_range(errormsg, P, p, false, properties::p_sat_min(),
                             "saturation (the lowest saturation pressure)");
+    if (lvl == properties::bare) return saturation_point(p, forward::tsat(p), q);
     return properties::mixture(properties::saturation_p(p, std::max(lvl, 1)), q, lvl);
 }
 
@@ -723,6 +750,7 @@ state from_tx(double T, double q, int lvl, std::string& errormsg) {
     if (T > Tc)
         return fail(errormsg, "quality given at " + quoted(solve::T, T) +
                                   ", above the critical temperature of " + quoted(solve::T, Tc));
+    if (lvl == properties::bare) return saturation_point(T < Tc ? forward::psat(T) : pc, T, q);
     return properties::mixture(sat_T(T, lvl), q, lvl);
 }
 
@@ -1025,6 +1053,7 @@ bool supported(variable a, variable b) {
 state state_of(variable a, double value_a, variable b, double value_b, int lvl,
                std::string& errormsg) {
     if (a > b) std::swap(a, b), std::swap(value_a, value_b);
+    if (b != x) lvl = std::max(lvl, int(properties::basic)); // only (P, x), (T, x) stop short
     if (a == P && b == T && value_a > 0.0 && value_a <= p_max && value_b >= T_min &&
         value_b <= T_max) // the commonest pair, within the limits
         return from_pt(value_a, value_b, lvl, errormsg);

@@ -37,9 +37,9 @@ namespace if97 {
 
 // Evaluates the state given by two inputs (letters P/p, T/t, v, h, s, u, x in either order) and
 // writes one value per output code of `outlist` ("h,s,cp." - comma separated, closed by ".";
-// blanks around a code are ignored) into `output`. Failures: errormsg begins "Error in IF97: "
-// and says what is wrong and by how much; outputs keep -8888.8. Repeated questions about the
-// same inputs are answered from the remembered last state.
+// blanks around a code are ignored) into the first entries of `output`. Failures: errormsg
+// begins "Error in IF97: " and says what is wrong and by how much; every entry of `output` is
+// -8888.8. Repeated questions about the same inputs are answered from the remembered last state.
 void if97_main(std::string_view letter1, double value1, std::string_view letter2, double value2,
                std::string_view outlist, std::span<double> output, std::string& errormsg);
 // Proves the library is linked.
