@@ -1,12 +1,11 @@
 // Fluid selection and what reaches the back-ends. A recording adapter stands in for the back-ends
 // that are not shipped, so the arguments they would receive can be observed.
+#include "base/fluids_table_file.hpp"
 #include "base/zentropia_base.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
-#include <limits>
 
 namespace zb = zentropia_base;
 using zp_common::composition;
@@ -17,25 +16,22 @@ namespace {
 // What the recording adapter received and answers.
 struct recording {
     int setfluid_calls = 0, uninit_calls = 0;
-    std::string sublibrary, inputspec, outputspec, property;
+    std::string inputspec, outputspec, property;
     std::vector<std::string> comp;
     std::vector<double> conc;
     double value1 = 0, value2 = 0;
     std::string setfluid_answer = "No errors";
 } rec;
 
-void fake_setfluid(std::string_view sublibrary, int ncomp, std::span<const std::string> comp,
+void fake_setfluid(std::string_view, int ncomp, std::span<const std::string> comp,
                    std::span<const double> conc, std::string& errormsg) {
     ++rec.setfluid_calls;
-    rec.sublibrary = sublibrary;
     rec.comp.assign(comp.begin(), comp.begin() + ncomp);
     rec.conc.assign(conc.begin(), conc.begin() + ncomp);
     errormsg = rec.setfluid_answer;
 }
 void fake_getfluid(int& ncomp, zp_adapter::component_names& comp, composition& conc) {
-    ncomp = 1;
-    comp[0] = "fake fluid";
-    conc[0] = 1.0;
+    ncomp = 1, comp[0] = "fake fluid", conc[0] = 1.0;
 }
 double fake_getinfo(std::string_view property, std::string& errormsg) {
     rec.property = property;
@@ -47,8 +43,7 @@ double fake_getinfo(std::string_view property, std::string& errormsg) {
 }
 double fake_prop(std::string_view inputspec, double value1, double value2,
                  std::string_view outputspec, std::string& errormsg) {
-    rec.inputspec = inputspec;
-    rec.outputspec = outputspec;
+    rec.inputspec = inputspec, rec.outputspec = outputspec;
     errormsg = "No errors";
     return value1 + value2;
 }
@@ -57,14 +52,9 @@ void fake_allprops(std::string_view inputspec, double value1, double value2, dou
                    double&, double&, double&, double&, double&, double&, composition& x,
                    composition& y, composition&, double&, double&, double&, double&, double&,
                    double&, double&, double&, double&, double&, std::string& errormsg) {
-    rec.inputspec = inputspec;
-    rec.value1 = value1;
-    rec.value2 = value2;
+    rec.inputspec = inputspec, rec.value1 = value1, rec.value2 = value2;
     p = value1;
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        x[i] = 0.1 * double(i + 1);
-        y[i] = 0.5 + 0.1 * double(i + 1);
-    }
+    for (std::size_t i = 0; i < x.size(); ++i) x[i] = 0.1 * double(i + 1), y[i] = 0.5 + x[i];
     errormsg = "No errors";
 }
 void fake_zflow(double& p, double&, double v, double&, double&, double u, double&, double&, double&,
@@ -72,61 +62,34 @@ void fake_zflow(double& p, double&, double v, double&, double&, double u, double
     p = v * u;
     errormsg = "No errors";
 }
-void fake_uninit() {
-    ++rec.uninit_calls;
-}
 
-constexpr zp_adapter::operations fake{.model = "Fake",
-                                      .installed = true,
-                                      .zp_sub = [] {},
-                                      .getversion =
-                                          [](zp_adapter::version_numbers& v) {
-                                              v = {7, 0, 1, 2};
-                                          },
-                                      .uninit = &fake_uninit,
-                                      .setfluid = &fake_setfluid,
-                                      .getfluid = &fake_getfluid,
-                                      .getcompset = nullptr,
-                                      .getinfo = &fake_getinfo,
-                                      .prop = &fake_prop,
-                                      .allprops = &fake_allprops,
-                                      .liquidcmp = nullptr,
-                                      .vaporcmp = nullptr,
-                                      .fugacoef = nullptr,
-                                      .zflow_vu = &fake_zflow,
-                                      .psat_k1 = nullptr,
-                                      .phaseenvelope = nullptr};
+constexpr zp_adapter::operations fake = [] {
+    zp_adapter::operations o{};
+    o.model = "Fake", o.installed = true, o.zp_sub = [] {};
+    o.getversion = [](zp_adapter::version_numbers& v) { v = {7, 0, 1, 2}; };
+    o.uninit = [] { ++rec.uninit_calls; };
+    o.setfluid = &fake_setfluid, o.getfluid = &fake_getfluid, o.getinfo = &fake_getinfo;
+    o.prop = &fake_prop, o.allprops = &fake_allprops, o.zflow_vu = &fake_zflow;
+    return o;
+}();
 // A fake that offers only the full state, for models that reach it through allthermophys.
 constexpr zp_adapter::operations fake_allprops_only = [] {
-    auto ops = fake;
-    ops.getfluid = nullptr, ops.getinfo = nullptr, ops.prop = nullptr, ops.zflow_vu = nullptr;
-    return ops;
+    auto o = fake;
+    o.getfluid = nullptr, o.getinfo = nullptr, o.prop = nullptr, o.zflow_vu = nullptr;
+    return o;
 }();
-
-std::string pad(std::string_view s) {
-    std::string out(s);
-    out.resize(32, ' ');
-    return out;
-}
 
 // A name table in which the recording back-ends know water, ethanol and methanol under their
 // own names; RefProp lacks propane.
 void load_test_table() {
-    const auto path = testing::TempDir() + "setfluid_table.txt";
-    std::ofstream out(path);
-    out << "header\n";
-    const std::vector<std::array<const char*, 9>> rows{
-        {"water", "H2O", "7732-18-5", "-", "VM_water", "-", "RP_water", "-", "PC_water"},
-        {"ethanol", "EtOH", "64-17-5", "-", "VM_ethanol", "-", "RP_ethanol", "-", "PC_ethanol"},
-        {"methanol", "MeOH", "67-56-1", "-", "VM_methanol", "-", "RP_methanol", "-", "-"},
-        {"propane", "C3", "74-98-6", "-", "VM_propane", "-", "-", "-", "PC_propane"}};
-    for (const auto& r : rows) {
-        for (const char* cell : r) out << pad(cell);
-        out << '\n';
-    }
-    out.close();
     std::string e;
-    fluidstable::readfluidstable_file(path, e);
+    fluidstable::readfluidstable_file(
+        write_fluids_table("setfluid_table.txt",
+                           {"water H2O 7732-18-5 - VM_water - RP_water - PC_water",
+                            "ethanol EtOH 64-17-5 - VM_ethanol - RP_ethanol - PC_ethanol",
+                            "methanol MeOH 67-56-1 - VM_methanol - RP_methanol - -",
+                            "propane C3 74-98-6 - VM_propane - - - PC_propane"}),
+        e);
     ASSERT_EQ(e, "No errors");
 }
 
@@ -142,17 +105,17 @@ std::string select(std::string_view model, const names& cmp, const concs& cnc,
 class Setfluid : public testing::Test {
 protected:
     static constexpr model_id faked[] = {model_id::refprop, model_id::varimol, model_id::pcp_saft,
-                                         model_id::spcp_saft};
+                                         model_id::spcp_saft, model_id::critova};
     void SetUp() override {
         load_test_table();
         rec = recording{};
-        for (auto id : faked) previous.push_back(zp_models::replace_adapter(id, &fake));
-        previous.push_back(zp_models::replace_adapter(model_id::critova, &fake_allprops_only));
+        for (auto id : faked)
+            previous.push_back(zp_models::replace_adapter(
+                id, id == model_id::critova ? &fake_allprops_only : &fake));
     }
     void TearDown() override {
         for (std::size_t i = 0; i < std::size(faked); ++i)
             zp_models::replace_adapter(faked[i], previous[i]);
-        zp_models::replace_adapter(model_id::critova, previous.back());
     }
     std::vector<const zp_adapter::operations*> previous;
 };
@@ -160,47 +123,39 @@ protected:
 } // namespace
 
 TEST_F(Setfluid, ModelTextsInAnyCaseAndTableModels) {
+    const std::string not_installed = "Error in Mesheq: back-end library not installed.";
     struct {
-        const char* text;
-        const char* modelname;
-        const char* sublibrary;
-        const char* alias;
+        const char *text, *modelname, *sublibrary, *alias;
         bool islut;
-        const char* errormsg;
+        std::string errormsg;
     } const cases[] = {
-        {"refprop", "RefProp", "RefProp", "RefProp", false, "No errors"},
         {"REFPROP", "RefProp", "RefProp", "RefProp", false, "No errors"},
-        {"RefProp", "RefProp", "RefProp", "RefProp", false, "No errors"},
         {"refprop                        ", "RefProp", "RefProp", "RefProp", false, "No errors"},
         {"spcp-saft", "sPCP-SAFT", "sPCP-SAFT", "sPCP-SAFT", false, "No errors"},
-        {"MSH_refprop", "Msh_RefProp", "RefProp", "Mesheq", true,
-         "Error in Mesheq: back-end library not installed."},
-        {"Msh_sPCP-SAFT", "Msh_sPCP-SAFT", "sPCP-SAFT", "Mesheq", true,
-         "Error in Mesheq: back-end library not installed."},
+        {"MSH_refprop", "Msh_RefProp", "RefProp", "Mesheq", true, not_installed},
         {"NH3-H2O", "NH3-H2O", "NH3-H2O", "NH3-H2O", false, "No errors"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(select(c.text, {"water"}, {1.0}), c.errormsg) << c.text;
-        EXPECT_EQ(zb::selection().modelname, c.modelname) << c.text;
-        EXPECT_EQ(zb::selection().sublibrary, c.sublibrary) << c.text;
-        EXPECT_EQ(zb::selection().modelalias, c.alias) << c.text;
-        EXPECT_EQ(zb::selection().islut, c.islut) << c.text;
+        const auto& s = zb::selection();
+        EXPECT_EQ(s.modelname + s.sublibrary + s.modelalias,
+                  std::string(c.modelname) + c.sublibrary + c.alias)
+            << c.text;
+        EXPECT_EQ(s.islut, c.islut) << c.text;
     }
 }
 
 // A text that names no model is refused; the model selected before stays as the dispatch key
 // and the components become the placeholder.
 TEST_F(Setfluid, UnknownModelTexts) {
-    const std::string long_text(300, 'x');
+    const std::string invalid = "Error in Zentropia: invalid model name";
     struct {
-        std::string text;
-        std::string errormsg;
+        std::string text, errormsg;
     } const cases[] = {
-        {"foo", "Error in Zentropia: invalid model name foo"},
-        {"ref prop", "Error in Zentropia: invalid model name ref prop"},
-        {long_text, "Error in Zentropia: invalid model name " + std::string(20, 'x')},
-        {"", "Error in Zentropia: invalid model name"},
-        {"Zentropia", "Error in Zentropia: invalid model name Zentropia"},
+        {"ref prop", invalid + " ref prop"},
+        {std::string(300, 'x'), invalid + " " + std::string(20, 'x')},
+        {"", invalid},
+        {"Zentropia", invalid + " Zentropia"},
     };
     for (const auto& c : cases) {
         ASSERT_EQ(select("RefProp", {"water", "ethanol"}, {0.5, 0.5}), "No errors");
@@ -211,26 +166,24 @@ TEST_F(Setfluid, UnknownModelTexts) {
         EXPECT_EQ(zb::selection().usr_cnc[19], 1.0);
     }
     // a table prefix with nothing after it still makes a (failed) table selection
-    EXPECT_EQ(select("msh_", {"water"}, {1.0}), "Error in Zentropia: invalid model name");
+    EXPECT_EQ(select("msh_", {"water"}, {1.0}), invalid);
     EXPECT_EQ(zb::selection().modelname, "Msh_");
     EXPECT_EQ(zb::selection().modelalias, "Mesheq");
 }
 
 TEST_F(Setfluid, SameFluidOnlyWhenTheCallerPassesItsSuccessText) {
-    EXPECT_EQ(select("RefProp", {"water", "ethanol"}, {0.3, 0.7}), "No errors");
-    EXPECT_EQ(select("RefProp", {"water", "ethanol"}, {0.3, 0.7}, "No errors"), "Same fluid");
+    const names we{"water", "ethanol"}, wm{"water", "methanol"};
+    EXPECT_EQ(select("RefProp", we, {0.3, 0.7}), "No errors");
+    EXPECT_EQ(select("RefProp", we, {0.3, 0.7}, "No errors"), "Same fluid");
     EXPECT_EQ(rec.setfluid_calls, 1);
-    EXPECT_EQ(select("RefProp", {"water", "ethanol"}, {0.3, 0.7}, ""), "No errors");
-    EXPECT_EQ(select("RefProp", {"water", "ethanol"}, {0.3, 0.7}, "Same fluid"), "No errors");
-    EXPECT_EQ(select("RefProp", {"water", "ethanol"}, {0.3, 0.70000001}, "No errors"), "No errors");
-    EXPECT_EQ(select("RefProp", {"water", "methanol"}, {0.3, 0.70000001}, "No errors"),
-              "No errors");
-    EXPECT_EQ(select("refprop", {"water", "methanol"}, {0.3, 0.70000001}, "No errors"),
-              "No errors"); // the model text differs from the stored canonical name
-    EXPECT_EQ(rec.setfluid_calls, 6);
+    EXPECT_EQ(select("RefProp", we, {0.3, 0.7}, "Same fluid"), "No errors");
+    EXPECT_EQ(select("RefProp", we, {0.3, 0.70000001}, "No errors"), "No errors");
+    EXPECT_EQ(select("RefProp", wm, {0.3, 0.70000001}, "No errors"), "No errors");
+    // the model text differs from the stored canonical name
+    EXPECT_EQ(select("refprop", wm, {0.3, 0.70000001}, "No errors"), "No errors");
+    EXPECT_EQ(rec.setfluid_calls, 5);
     // IF97 always describes water
     EXPECT_EQ(select("IF97", {"anything"}, {1.0}), "Same fluid");
-    EXPECT_EQ(select("if97", {"water"}, {1.0}, "whatever"), "Same fluid");
 }
 
 // What reaches a back-end: components of zero concentration stay away except for the Varimol
@@ -242,31 +195,23 @@ TEST_F(Setfluid, ComponentsHandedToTheBackEnd) {
         concs cnc;
         names received;
         concs received_conc;
-        int ncmps;
     } const cases[] = {
-        {"RefProp",
-         {"Water", "ethanol", "64-17-5"},
-         {0.5, 0.0, 0.5},
-         {"RP_water", "RP_ethanol"},
-         {0.5, 0.5},
-         2},
-        {"RefProp", {"water", "ethanol"}, {1e-12, 1.0}, {"RP_ethanol"}, {1.0}, 1},
-        {"Varimol",
-         {"water", "ETHANOL", "methanol"},
-         {0.5, 0.0, 0.5},
-         {"VM_water", "VM_ethanol", "VM_methanol"},
-         {0.5, 0.0, 0.5},
-         3},
-        {"PCP-SAFT", {"H2O", "propane"}, {0.5, 0.5}, {"H2O", "propane"}, {0.5, 0.5}, 2},
-        {"sPCP-SAFT", {"water"}, {1.0}, {"water"}, {112.0}, 1},
-        {"sPCP-SAFT", {"water", "propane"}, {0.25, 0.75}, {"water", "propane"}, {111.25, 0.75}, 2},
-        {"RefProp", {"water"}, {0.0}, {"RP_water"}, {0.0}, 1}, // a lone component always passes
+        // clang-format off
+        {"RefProp", {"Water", "ethanol", "64-17-5"}, {0.5, 0, 0.5},
+                    {"RP_water", "RP_ethanol"}, {0.5, 0.5}},
+        {"RefProp", {"water", "ethanol"}, {1e-12, 1.0}, {"RP_ethanol"}, {1.0}},
+        {"Varimol", {"water", "ETHANOL", "methanol"}, {0.5, 0.0, 0.5},
+                    {"VM_water", "VM_ethanol", "VM_methanol"}, {0.5, 0.0, 0.5}},
+        {"PCP-SAFT", {"H2O", "propane"}, {0.5, 0.5}, {"H2O", "propane"}, {0.5, 0.5}},
+        {"sPCP-SAFT", {"water", "propane"}, {0.25, 0.75}, {"water", "propane"}, {111.25, 0.75}},
+        {"RefProp", {"water"}, {0.0}, {"RP_water"}, {0.0}}, // a lone component always passes
+        // clang-format on
     };
     for (const auto& c : cases) {
         EXPECT_EQ(select(c.model, c.cmp, c.cnc), "No errors") << c.model;
         EXPECT_EQ(rec.comp, c.received) << c.model;
         EXPECT_EQ(rec.conc, c.received_conc) << c.model;
-        EXPECT_EQ(zb::selection().ncmps, c.ncmps) << c.model;
+        EXPECT_EQ(zb::selection().ncmps, static_cast<int>(c.received.size())) << c.model;
         EXPECT_EQ(zb::selection().usr_ncmp, static_cast<int>(c.cmp.size())) << c.model;
     }
 }
@@ -276,21 +221,16 @@ TEST_F(Setfluid, FailedSelectionsLeaveThePlaceholder) {
         const char* model;
         names cmp;
         concs cnc;
-        const char* answer;
-        const char* errormsg;
+        const char *answer, *errormsg;
     } const cases[] = {
+        // clang-format off
         {"RefProp", {"water"}, {1.0}, "Error in RefProp: boom", "Error in RefProp: boom"},
-        {"RefProp",
-         {"propane", "water", "unobtainium"},
-         {0.2, 0.3, 0.5},
-         "No errors",
-         "Component(s), propane, unobtainium not found..."},
+        {"RefProp", {"propane", "water", "unobtainium"}, {0.2, 0.3, 0.5}, "No errors",
+                    "Component(s), propane, unobtainium not found..."},
         {"PCP-SAFT", {"methanol"}, {1.0}, "No errors", "Component(s), methanol not found..."},
-        {"RefProp",
-         {"water", "ethanol"},
-         {0.0, 1e-13},
-         "No errors",
-         "Error in Zentropia: every concentration is zero"},
+        {"RefProp", {"water", "ethanol"}, {0.0, 1e-13}, "No errors",
+                    "Error in Zentropia: every concentration is zero"},
+        // clang-format on
     };
     for (const auto& c : cases) {
         rec.setfluid_answer = c.answer;
@@ -299,10 +239,7 @@ TEST_F(Setfluid, FailedSelectionsLeaveThePlaceholder) {
         EXPECT_EQ(s.modelname, c.model); // the new model stays selected
         EXPECT_EQ(s.usr_ncmp, 1);
         EXPECT_EQ(s.ncmps, 1);
-        for (int i = 0; i < 20; ++i) {
-            EXPECT_EQ(s.usr_cmp[i], "xxx");
-            EXPECT_EQ(s.usr_cnc[i], 1.0);
-        }
+        for (int i = 0; i < 20; ++i) EXPECT_TRUE(s.usr_cmp[i] == "xxx" && s.usr_cnc[i] == 1.0);
     }
     rec.setfluid_answer = "No errors";
     EXPECT_EQ(select("RefProp", {"water"}, {1.0}), "No errors");
@@ -310,50 +247,28 @@ TEST_F(Setfluid, FailedSelectionsLeaveThePlaceholder) {
 }
 
 TEST_F(Setfluid, BadInputIsRefusedAndTheNextCallWorks) {
-    const std::string name256(256, 'a'), name257(257, 'a');
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const double inf = std::numeric_limits<double>::infinity();
+    const std::string name256(256, 'a');
+    const names two{"water", "ethanol"};
     struct {
         int ncmp;
         names cmp;
         concs cnc;
-        std::string errormsg;
+        std::string errormsg; // after "Error in Zentropia: "
     } const cases[] = {
-        {0, {"water"}, {1.0}, "Error in Zentropia: number of components 0 outside 1 to 20"},
-        {-1, {"water"}, {1.0}, "Error in Zentropia: number of components -1 outside 1 to 20"},
-        {21, names(21, "water"), concs(21, 0.05),
-         "Error in Zentropia: number of components 21 outside 1 to 20"},
-        {3,
-         {"water", "ethanol"},
-         {0.2, 0.3, 0.5},
-         "Error in Zentropia: 3 components announced but 2 names and 3 concentrations given"},
-        {2,
-         {"water", "ethanol"},
-         {1.0},
-         "Error in Zentropia: 2 components announced but 2 names and 1 concentrations given"},
-        {2,
-         {"water", name257},
-         {0.5, 0.5},
-         "Error in Zentropia: name of component 2 longer than 256 characters"},
-        {1,
-         {"water"},
-         {nan},
-         "Error in Zentropia: concentration of component 1 is not a finite number"},
-        {2,
-         {"water", "ethanol"},
-         {0.5, inf},
-         "Error in Zentropia: concentration of component 2 is not a finite number"},
-        {2,
-         {"water", "ethanol"},
-         {1.5, -0.5},
-         "Error in Zentropia: concentration of component 2 is negative"},
+        {0, {"water"}, {1.0}, "number of components 0 outside 1 to 20"},
+        {21, names(21, "water"), concs(21, 0.05), "number of components 21 outside 1 to 20"},
+        {3, two, {0.2, 0.3, 0.5}, "3 components announced but 2 names and 3 concentrations given"},
+        {2, two, {1.0}, "2 components announced but 2 names and 1 concentrations given"},
+        {2, {"water", name256 + "a"}, {0.5, 0.5}, "name of component 2 longer than 256 characters"},
+        {2, two, {0.5, std::nan("")}, "concentration of component 2 is not a finite number"},
+        {2, two, {1.5, -0.5}, "concentration of component 2 is negative"},
     };
     for (const auto& c : cases) {
         std::string errormsg = "No errors";
         zb::setfluid("RefProp", c.ncmp, c.cmp, c.cnc, errormsg);
-        EXPECT_EQ(errormsg, c.errormsg) << c.ncmp;
+        EXPECT_EQ(errormsg, "Error in Zentropia: " + c.errormsg) << c.ncmp;
         EXPECT_EQ(zb::selection().usr_cmp[0], "xxx");
-        EXPECT_EQ(select("RefProp", {"water", "ethanol"}, {0.5, 0.5}), "No errors");
+        EXPECT_EQ(select("RefProp", two, {0.5, 0.5}), "No errors");
     }
     // 20 components and names of 256 characters are accepted
     EXPECT_EQ(select("IF97", names(20, name256), concs(20, 0.05)), "Same fluid");
@@ -365,29 +280,20 @@ TEST_F(Setfluid, GetfluidAsTheBackEndOrTheCallerHoldsIt) {
     int ncomp = 0;
     std::array<std::string, 20> comp;
     composition conc{};
-
     select("RefProp", {"water", "ethanol"}, {0.4, 0.6});
     zb::getfluid(model, ncomp, comp, conc);
-    EXPECT_EQ(model, "RefProp");
+    EXPECT_EQ(model + " " + comp[0], "RefProp fake fluid");
     EXPECT_EQ(ncomp, 1);
-    EXPECT_EQ(comp[0], "fake fluid");
-
     // PCP-SAFT describes the fluid by its parameters: the caller's selection is reported
     select("PCP-SAFT", {"water", "propane"}, {0.4, 0.6});
     zb::getfluid(model, ncomp, comp, conc);
-    EXPECT_EQ(model, "PCP-SAFT");
+    EXPECT_EQ(model + " " + comp[1] + "|" + comp[2], "PCP-SAFT propane|");
     EXPECT_EQ(ncomp, 2);
-    EXPECT_EQ(comp[1], "propane");
     EXPECT_EQ(conc[1], 0.6);
-    EXPECT_EQ(comp[2], "");
-
     select("IF97", {"water"}, {1.0});
     zb::getfluid(model, ncomp, comp, conc);
-    EXPECT_EQ(model, "IF97");
+    EXPECT_EQ(model + " " + comp[0] + comp[1] + comp[19], "IF97 H2O??");
     EXPECT_EQ(ncomp, 1);
-    EXPECT_EQ(comp[0], "H2O");
-    EXPECT_EQ(comp[1], "?");
-    EXPECT_EQ(comp[19], "?");
     EXPECT_EQ(conc[0], 1.0);
     EXPECT_EQ(conc[19], 0.0);
 }
@@ -399,19 +305,16 @@ TEST_F(Setfluid, CompositionsAreSpreadOverTheCallersComponents) {
         concs cnc;
         std::array<double, 4> x;
     } const cases[] = {
-        {"RefProp", {0.5, 0.0, 0.5, 0.0}, {0.1, 0.0, 0.2, 0.0}},
         {"RefProp", {0.0, 0.5, 0.5, 0.0}, {0.0, 0.1, 0.2, 0.0}},
         {"Varimol", {0.5, 0.0, 0.5, 0.0}, {0.1, 0.2, 0.3, 0.4}},
         {"PCP-SAFT", {0.2, 0.2, 0.6, 0.0}, {0.1, 0.2, 0.3, 0.0}},
     };
     for (const auto& c : cases) {
-        ASSERT_EQ(select(c.model, {"water", "ethanol", "water", "ethanol"}, c.cnc), "No errors")
-            << c.model;
+        ASSERT_EQ(select(c.model, {"water", "ethanol", "water", "ethanol"}, c.cnc), "No errors");
         for (auto* evaluate : {&zb::allthermophys, &zb::allthermophyssu2}) {
             double a = 0, sigma = 1.0;
             composition x{}, y{};
             x.fill(9.0);
-            y.fill(9.0);
             std::string e;
             evaluate("PT", 2.0, 30.0, a, a, a, a, a, a, a, a, x, y, a, a, a, a, a, a, a, a, a,
                      sigma, e);
@@ -430,12 +333,10 @@ TEST_F(Setfluid, EvaluationsReachTheAdapterWithTheCallersArguments) {
     ASSERT_EQ(select("RefProp", {"water"}, {1.0}), "No errors");
     std::string e;
     EXPECT_EQ(zb::calculate("Ph", 2.5, 100.0, "cp", e), 102.5);
-    EXPECT_EQ(rec.inputspec, "Ph");
-    EXPECT_EQ(rec.outputspec, "cp");
+    EXPECT_EQ(rec.inputspec + rec.outputspec, "Phcp");
     EXPECT_EQ(zb::zp_tcrit(e), 0.0);
     EXPECT_EQ(e, "Error in Fake: no T_crit");
     const std::pair<double (*)(std::string&), const char*> keywords[] = {{&zb::zp_mmol, "M_mol"},
-                                                                         {&zb::zp_tcrit, "T_crit"},
                                                                          {&zb::zp_pcrit, "P_crit"},
                                                                          {&zb::zp_tmin, "T_min"},
                                                                          {&zb::zp_tmax, "T_max"}};
@@ -443,37 +344,34 @@ TEST_F(Setfluid, EvaluationsReachTheAdapterWithTheCallersArguments) {
         info(e);
         EXPECT_EQ(rec.property, keyword);
     }
-
     // a back-end with its own (v, u) state, and one reached through the full state with "vu"
-    double p = 0, t = 0, v = 0.5, h = 0, s = 0, u = 300.0, a = 0;
-    zb::zflow_tmd_vu(p, t, v, h, s, u, a, a, a, a, a, a, a, e);
+    double p = 0, v = 0.5, u = 300.0, a = 0;
+    zb::zflow_tmd_vu(p, a, v, a, a, u, a, a, a, a, a, a, a, e);
     EXPECT_EQ(e, "No errors");
     EXPECT_EQ(p, 150.0);
     ASSERT_EQ(select("Critova", {"water"}, {1.0}), "No errors");
-    zb::zflow_tmd_vu(p, t, v, h, s, u, a, a, a, a, a, a, a, e);
+    zb::zflow_tmd_vu(p, a, v, a, a, u, a, a, a, a, a, a, a, e);
     EXPECT_EQ(e, "No errors");
     EXPECT_EQ(rec.inputspec, "vu");
-    EXPECT_EQ(rec.value1, 0.5);
-    EXPECT_EQ(rec.value2, 300.0);
+    EXPECT_EQ(std::pair(rec.value1, rec.value2), std::pair(0.5, 300.0));
     EXPECT_EQ(p, 0.5);
 }
 
 TEST_F(Setfluid, NonFiniteStatesAreRefused) {
     ASSERT_EQ(select("RefProp", {"water"}, {1.0}), "No errors");
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const double inf = std::numeric_limits<double>::infinity();
+    const std::string refused = "Error in Zentropia: input values must be finite numbers, got ";
     std::string e;
-    EXPECT_EQ(zb::calculate("PT", nan, 20.0, "h", e), -8888.8);
-    EXPECT_EQ(e, "Error in Zentropia: input values must be finite numbers, got nan and 20");
+    EXPECT_EQ(zb::calculate("PT", std::nan(""), 20.0, "h", e), -8888.8);
+    EXPECT_EQ(e, refused + "nan and 20");
     double p = 7, a = 0, sigma = 0;
     composition x{}, y{};
-    zb::allthermophys("PT", 1.0, -inf, p, a, a, a, a, a, a, a, x, y, a, a, a, a, a, a, a, a, a,
+    zb::allthermophys("PT", 1.0, -INFINITY, p, a, a, a, a, a, a, a, x, y, a, a, a, a, a, a, a, a, a,
                       sigma, e);
-    EXPECT_EQ(e, "Error in Zentropia: input values must be finite numbers, got 1 and -inf");
+    EXPECT_EQ(e, refused + "1 and -inf");
     EXPECT_EQ(p, 7);
-    double v = inf, u = 1;
+    double v = INFINITY, u = 1;
     zb::zflow_tmd_vu(p, a, v, a, a, u, a, a, a, a, a, a, a, e);
-    EXPECT_EQ(e, "Error in Zentropia: input values must be finite numbers, got inf and 1");
+    EXPECT_EQ(e, refused + "inf and 1");
     EXPECT_EQ(zb::calculate("PT", 1.0, 20.0, "h", e), 21.0);
     EXPECT_EQ(e, "No errors");
 }
