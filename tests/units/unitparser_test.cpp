@@ -10,7 +10,7 @@ namespace {
 
 namespace up = unitparser;
 
-const std::string deg = "\xB0";
+const std::string deg = "\xB0", utf8_deg = "\xC2\xB0";
 
 TEST(UnitParser, CharacterClasses) {
     struct case_ {
@@ -18,11 +18,10 @@ TEST(UnitParser, CharacterClasses) {
         bool alfa, digit, valid;
     };
     const std::vector<case_> cases{
-        {'a', true, false, true},    {'Z', true, false, true},      {' ', true, false, true},
-        {'\xB0', true, false, true}, {'0', false, true, true},      {'9', false, true, true},
-        {'-', false, false, true},   {'+', false, false, true},     {'^', false, false, true},
-        {'.', false, false, true},   {'/', false, false, true},     {',', false, false, false},
-        {'_', false, false, false},  {'\xC2', false, false, false}, {'\0', false, false, false},
+        {'a', true, false, true},   {' ', true, false, true},      {'\xB0', true, false, true},
+        {'0', false, true, true},   {'-', false, false, true},     {'^', false, false, true},
+        {'.', false, false, true},  {'/', false, false, true},     {',', false, false, false},
+        {'_', false, false, false}, {'\xC2', false, false, false}, {'\0', false, false, false},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(up::isalfa(c.c), c.alfa) << int(c.c);
@@ -52,15 +51,11 @@ TEST(UnitParser, SplitsLists) {
         {"P,", {"P", ""}, true}, // the final comma counts an empty entry
         {"", {}, true},
         {"    ", {}, true},
-        {"P,,T", {}, false}, // no letter after the comma
-        {"1P", {}, false},   // no letter first
-        {"P,1", {}, false},
-        {"b\xE9r", {}, false}, // a non-ASCII byte inside
-        {"\xC2\xB0"
-         "C",
-         {},
-         false},                // the UTF-8 degree sign is two bytes the lists do not take
-        {"deta_dT", {}, false}, // "_" is not a list character
+        {"P,,T", {}, false},         // no letter after the comma
+        {"1P", {}, false},           // no letter first
+        {"b\xE9r", {}, false},       // a non-ASCII byte inside
+        {utf8_deg + "C", {}, false}, // the UTF-8 degree sign is two bytes the lists do not take
+        {"deta_dT", {}, false},      // "_" is not a list character
     };
     for (const auto& c : cases) {
         std::array<std::string, up::max_entries> array;
@@ -112,10 +107,8 @@ TEST(UnitParser, ReadsIntegers) {
         {"1a", true, 59}, // later characters add their code difference to "0"
         {"2147483648", false, 0},
         {"-2147483648", false, 0},
-        {"99999999999", false, 0},
         {"1aaaaaaaaa", false, 0}, // beyond the integer range even so
         {"", false, 0},
-        {"   ", false, 0},
         {"x1", false, 0},
         {"-", false, 0},
         {"+-1", false, 0},
@@ -149,16 +142,12 @@ TEST(UnitParser, SplitsUnitTexts) {
         {"m^+2/s^-2", {{"m", 2}, {"s", 2}}},
         {"/K", {{"K", -1}}},
         {"F", {{deg + "F", 1}}},
-        {"kJ/kg/C", {{"kJ", 1}, {"kg", -1}, {deg + "C", -1}}},
-        {"R^-1", {{deg + "R", -1}}},
         {"m/s", {{"m/s", 1}}}, // whole unit symbols holding "/" or a blank
-        {"Btu/h", {{"Btu/h", 1}}},
         {"Btu/h/ft/" + deg + "F", {{"Btu/h", 1}, {"ft", -1}, {deg + "F", -1}}},
         {"Btu/h.ft^2/lb/" + deg + "F", {{"Btu/h", 1}, {"ft", 2}, {"lb", -1}, {deg + "F", -1}}},
         {"kg/m/s", {{"kg", 1}, {"m", -1}, {"s", -1}}}, // not kg per (m/s)
         {"ft/s^2", {{"ft", 1}, {"s", -2}}},            // not (ft/s)^2
         {"lb/cu ft", {{"lb", 1}, {"cu ft", -1}}},
-        {"lb/cuft", {{"lb", 1}, {"cuft", -1}}},
         {"m^1a", {{"m", 59}}}, // the power is read as integers are
     };
     for (const auto& c : cases) {
@@ -184,18 +173,11 @@ TEST(UnitParser, RefusesMalformedUnitTexts) {
 }
 
 TEST(UnitParser, TurnsUtf8DegreesIntoLatin1) {
-    EXPECT_EQ(up::latin1_degrees("\xC2\xB0"
-                                 "C"),
-              deg + "C");
-    EXPECT_EQ(up::latin1_degrees("kJ/kg/\xC2\xB0"
-                                 "F,\xC2\xB0"
-                                 "R"),
+    EXPECT_EQ(up::latin1_degrees("kJ/kg/" + utf8_deg + "F," + utf8_deg + "R"),
               "kJ/kg/" + deg + "F," + deg + "R");
     EXPECT_EQ(up::latin1_degrees(deg + "C"), deg + "C");
-    EXPECT_EQ(up::latin1_degrees("\xC2"
-                                 "C"),
-              "\xC2"
-              "C");
+    const std::string lone_lead_byte = std::string("\xC2") + "C";
+    EXPECT_EQ(up::latin1_degrees(lone_lead_byte), lone_lead_byte);
 }
 
 } // namespace
