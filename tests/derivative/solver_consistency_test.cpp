@@ -27,21 +27,19 @@ struct verification_state {
 std::vector<verification_state> verification_states() {
     std::map<std::string, verification_state> states;
     for (const auto& row : read_csv("if97/verification_tables.csv")) {
-        const std::string& table = row[0];
+        const std::string& table = row["table"];
         const bool pt = table == "R7-97(2012) Table 5" || table == "R7-97(2012) Table 15" ||
                         table == "R7-97(2012) Table 42";
-        const bool rho_t = table == "R7-97(2012) Table 33";
-        if (!pt && !rho_t) continue;
-        auto& s = states[table + ", " + row[2]];
-        s.where = table + ", " + row[2];
-        s.T = std::stod(rho_t ? row[9] : row[7]);
-        if (pt) s.p = std::stod(row[9]), s.p_text = row[9];
-        const std::string& name = row[3];
-        const double value = std::stod(row[4]);
-        if (name == "p") s.p = value, s.p_text = row[4];
-        if (name == "h") s.h = value, s.h_text = row[4];
-        if (name == "w") s.w = value, s.w_text = row[4];
-        if (name == "cp") s.cp = value;
+        if (!pt && table != "R7-97(2012) Table 33") continue;
+        auto& s = states[table + ", " + row["inputs"]];
+        s.where = table + ", " + row["inputs"];
+        s.T = row.number(pt ? "in1" : "in2");
+        if (pt) s.p = row.number("in2"), s.p_text = row["in2"];
+        const std::string &name = row["output"], &text = row["value"];
+        if (name == "p") s.p = row.number("value"), s.p_text = text;
+        if (name == "h") s.h = row.number("value"), s.h_text = text;
+        if (name == "w") s.w = row.number("value"), s.w_text = text;
+        if (name == "cp") s.cp = row.number("value");
     }
     std::vector<verification_state> out;
     for (auto& [key, s] : states) out.push_back(s);

@@ -19,54 +19,59 @@ struct property_map {
     kind k;
     double to_si;
 };
-const std::map<std::string, property_map> properties{{"p", {"P", kind::P, 1e6}},
-                                                     {"T", {"T", kind::T, 1.0}},
-                                                     {"v", {"v", kind::v, 1.0}},
-                                                     {"d", {"d", kind::d, 1.0}},
-                                                     {"h", {"h", kind::energy, 1e3}},
-                                                     {"u", {"u", kind::energy, 1e3}},
-                                                     {"s", {"s", kind::entropy, 1e3}},
-                                                     {"cp", {"cp", kind::entropy, 1e3}},
-                                                     {"cv", {"cv", kind::entropy, 1e3}},
-                                                     {"w", {"c", kind::c, 1.0}},
-                                                     {"c", {"c", kind::c, 1.0}},
-                                                     {"eta", {"eta", kind::eta, 1e-6}},
-                                                     {"lambda", {"lambda", kind::lambda, 1e-3}}};
+// clang-format off
+const std::map<std::string, property_map> properties{
+    {"p", {"P", kind::P, 1e6}},          {"T", {"T", kind::T, 1.0}},
+    {"v", {"v", kind::v, 1.0}},          {"d", {"d", kind::d, 1.0}},
+    {"h", {"h", kind::energy, 1e3}},     {"u", {"u", kind::energy, 1e3}},
+    {"s", {"s", kind::entropy, 1e3}},    {"cp", {"cp", kind::entropy, 1e3}},
+    {"cv", {"cv", kind::entropy, 1e3}},  {"w", {"c", kind::c, 1.0}},
+    {"c", {"c", kind::c, 1.0}},          {"eta", {"eta", kind::eta, 1e-6}},
+    {"lambda", {"lambda", kind::lambda, 1e-3}}};
+// clang-format on
 
 TEST(PropsReference, VerificationTablesInEveryUnitSet) {
-    // R7-97 Tables 5, 15 and 42 give (T, p), Table 33 (rho, T); viscosity (R12-08 Table 4) is a
-    // function of (T, rho) alone and applies where that state lies in IF97's range; R15-11 Tables
-    // 7 to 9 are the industrial conductivity with IF97.
+    // R7-97 Tables 5, 15 and 42 give (T, p), Table 33 (rho, T), Tables 35 and 36 the saturation
+    // pressure of T and temperature of p; viscosity (R12-08 Table 4) is a function of (T, rho)
+    // alone and applies where that state lies in IF97's range; R15-11 Tables 7 to 9 are the
+    // industrial conductivity with IF97.
     const std::map<std::string, bool> tables{
         {"R7-97(2012) Table 5", true},  {"R7-97(2012) Table 15", true},
         {"R7-97(2012) Table 42", true}, {"R7-97(2012) Table 33", true},
+        {"R7-97(2012) Table 35", true}, {"R7-97(2012) Table 36", true},
         {"R12-08 Table 4", false},      {"R15-11 Table 7", true},
         {"R15-11 Table 8", true},       {"R15-11 Table 9", true}};
     for (const unit_set& set : all_unit_sets) {
         select_water(set.name, set.basis);
         int checked = 0;
         for (const auto& row : read_csv("if97/verification_tables.csv")) {
-            if (!tables.contains(row[0]) || !properties.contains(row[3])) continue;
-            const std::map<std::string, double> in{{row[6], std::stod(row[7])},
-                                                   {row[8], std::stod(row[9])}};
-            const bool rho_input = in.contains("rho");
-            const std::string spec = rho_input ? "Td" : "PT";
-            const double i1 = rho_input ? to_set(set, kind::T, in.at("T"))
-                                        : to_set(set, kind::P, in.at("p") * 1e6);
-            const double i2 =
-                rho_input ? to_set(set, kind::d, in.at("rho")) : to_set(set, kind::T, in.at("T"));
-            const property_map& prop = properties.at(row[3]);
+            if (!tables.contains(row["table"]) || !properties.contains(row["output"])) continue;
+            // inputs (T, p), (T, rho), or T or p alone on the saturation line (q = 0)
+            std::map<std::string, double> in{{row["in1_name"], row.number("in1")}};
+            if (row.has("in2_name")) in[row["in2_name"]] = row.number("in2");
+            const bool by_p = in.contains("p"), one = in.size() == 1, rho = in.contains("rho");
+            const std::string spec = one ? (by_p ? "Pq" : "Tq") : rho ? "Td" : "PT";
+            const double i1 =
+                by_p ? to_set(set, kind::P, in["p"] * 1e6) : to_set(set, kind::T, in["T"]);
+            const double i2 = one   ? 0.0
+                              : rho ? to_set(set, kind::d, in["rho"])
+                                    : to_set(set, kind::T, in["T"]);
+            const property_map& prop = properties.at(row["output"]);
             std::string errormsg;
             const double value = zm::calcprop(prop.keyword, spec, i1, i2, errormsg);
-            if (!tables.at(row[0]) && errormsg != "No errors") continue; // outside IF97's range
-            ASSERT_EQ(errormsg, "No errors") << row[0] << " " << row[2];
-            const double expected = to_set(set, prop.k, std::stod(row[4]) * prop.to_si);
-            EXPECT_NEAR(value, expected, (printed_precision(row[4]) + 1e-12) * std::fabs(expected))
-                << set.name << " " << set.basis << " " << row[0] << " " << row[2] << " " << row[3];
+            if (!tables.at(row["table"]) && errormsg != "No errors")
+                continue; // outside IF97's range
+            ASSERT_EQ(errormsg, "No errors") << row["table"] << " " << row["inputs"];
+            const double expected = to_set(set, prop.k, row.number("value") * prop.to_si);
+            EXPECT_NEAR(value, expected,
+                        (printed_precision(row["value"]) + 1e-12) * std::fabs(expected))
+                << set.name << " " << set.basis << " " << row["table"] << " " << row["inputs"]
+                << " " << row["output"];
             ++checked;
         }
-        // 72 thermodynamic values; five R12-08 states lie in IF97's range; six conductivities.
-        EXPECT_EQ(checked, 72 + 5 + 6) << set.name << " " << set.basis;
+        // 72 thermodynamic values, six on the saturation line; five R12-08 states lie in IF97's
+        // range; six conductivities.
+        EXPECT_EQ(checked, 72 + 6 + 5 + 6) << set.name << " " << set.basis;
     }
 }
 
@@ -81,11 +86,11 @@ struct iapws_state {
 std::vector<iapws_state> iapws_states(const std::string& pair) {
     std::vector<iapws_state> states;
     for (const auto& row : read_csv("props/iapws_water.csv")) {
-        if (row[0] != pair) continue;
-        const double in1 = std::stod(row[1]), in2 = row[2].empty() ? 0.0 : std::stod(row[2]);
+        if (row["pair"] != pair) continue;
+        const double in1 = row.number("in1"), in2 = row.number("in2");
         if (states.empty() || states.back().in1 != in1 || states.back().in2 != in2)
-            states.push_back({row[0], in1, in2, std::stoi(row[5]), {}});
-        states.back().values[row[3]] = std::stod(row[4]);
+            states.push_back({pair, in1, in2, static_cast<int>(row.number("region")), {}});
+        states.back().values[row["property"]] = row.number("value");
     }
     return states;
 }

@@ -4,6 +4,7 @@
 // 1 lb = 0.45359237 kg, 1 ft = 0.3048 m, °F = K·9/5 - 459.67) rather than from the library's
 // conversion pairs, and a test back-end that carries the pressure derivatives.
 #include "Import/if97_zp.hpp"
+#include "backends/if97/reference_csv.hpp"
 #include "base/zentropia_base.hpp"
 #include "base/zp_models.hpp"
 #include "units/zentropia_units.hpp"
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -81,27 +81,10 @@ inline double to_set(const unit_set& set, kind k, double si, double mmol = molar
     return si;
 }
 
-// The rows of a CSV file under data/ (double-quoted fields may hold commas), without its
-// comment lines and header.
-inline std::vector<std::vector<std::string>> read_csv(const std::string& relative) {
-    std::ifstream in(std::string(ZP_DATA_DIR) + "/" + relative);
-    EXPECT_TRUE(in.good()) << relative;
-    std::vector<std::vector<std::string>> rows;
-    std::string line;
-    for (bool header = true; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#' || std::exchange(header, false)) continue;
-        std::vector<std::string> fields(1);
-        bool quoted = false;
-        for (char c : line) {
-            if (c == '"')
-                quoted = !quoted;
-            else if (c == ',' && !quoted)
-                fields.emplace_back();
-            else
-                fields.back() += c;
-        }
-        rows.push_back(fields);
-    }
+// The rows of a CSV file under data/, by column name.
+inline std::vector<reference_csv::row> read_csv(const std::string& relative) {
+    auto rows = reference_csv::read(std::string(ZP_DATA_DIR) + "/" + relative);
+    EXPECT_FALSE(rows.empty()) << relative;
     return rows;
 }
 

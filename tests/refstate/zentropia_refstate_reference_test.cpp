@@ -19,8 +19,9 @@ const std::string ok = "No errors";
 // v of water at the reference state, m3/kg
 double reference_volume() {
     for (const auto& row : read_csv("props/iapws_water.csv"))
-        if (row[0] == "PT" && row[1] == "0.1" && row[2] == "300" && row[3] == "v")
-            return std::stod(row[4]);
+        if (row["pair"] == "PT" && row["in1"] == "0.1" && row["in2"] == "300" &&
+            row["property"] == "v")
+            return row.number("value");
     ADD_FAILURE() << "no reference row";
     return 1.0;
 }
@@ -70,17 +71,17 @@ TEST(RefstateWater, ReducedPropertiesMatchIapwsAndRoundTripThroughPh) {
                                                  {"c", std::sqrt(p_ref * v)}};
     int compared = 0;
     for (const auto& row : read_csv("props/iapws_water.csv")) {
-        if (row[0] != "PT" || !scale.contains(row[3])) continue;
-        const double p = std::stod(row[1]) * 1e6 / p_ref, t = std::stod(row[2]) / t_ref;
-        const double expected = std::stod(row[4]) / scale.at(row[3]);
-        const double tol = (row[5] == "3" ? 1e-8 : 1e-9) * std::fabs(expected);
+        if (row["pair"] != "PT" || !scale.contains(row["property"])) continue;
+        const double p = row.number("in1") * 1e6 / p_ref, t = row.number("in2") / t_ref;
+        const double expected = row.number("value") / scale.at(row["property"]);
+        const double tol = (row["region"] == "3" ? 1e-8 : 1e-9) * std::fabs(expected);
         std::string err;
-        EXPECT_NEAR(zentropia_main::calcprop(row[3], "PT", p, t, err), expected, tol)
-            << row[3] << " at " << row[1] << " MPa, " << row[2] << " K";
+        EXPECT_NEAR(zentropia_main::calcprop(row["property"], "PT", p, t, err), expected, tol)
+            << row["property"] << " at " << row["in1"] << " MPa, " << row["in2"] << " K";
         EXPECT_EQ(err, ok);
-        if (row[3] == "h") {
+        if (row["property"] == "h") {
             EXPECT_NEAR(zentropia_main::calcprop("T", "Ph", p, expected, err), t, 1e-8 * t)
-                << row[1] << " MPa, " << row[2] << " K: " << err;
+                << row["in1"] << " MPa, " << row["in2"] << " K: " << err;
         }
         ++compared;
     }
