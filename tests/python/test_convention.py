@@ -48,21 +48,6 @@ def test_every_procedure_is_called_by_the_tests():
     assert sorted(set(ALL) - called) == []
 
 
-def test_the_examples_of_the_convention(water_si):
-    assert zp.setunits("SI", "PerMass", "", "") == "No errors"
-    assert zp.setfluid("IF97", 1, ["water"], [1.0]) == "Same fluid"
-    h, errormsg = zp.calcprop("h", "PT", 1e5, 300.0)
-    assert errormsg == "No errors"
-    assert h == pytest.approx(112663.823, rel=1e-8)
-    assert zp.zpgetindex("IF97", 4) == 3
-    assert zp.zpgetversion("LiBr-H2O") == [-9, -9, -9, -9]
-    assert zp.isinit(-8888.8) is True
-    factor, offset = zp.getunitconvfact("P")
-    assert (factor, offset) == pytest.approx((1e-5, 0.0))  # Pa to the internal bar
-    result = zp.allprops("PT", 1e5, 300.0)
-    assert len(result) == 26 and result[-1] == "No errors"
-
-
 @pytest.mark.parametrize("call, shape", [
     (lambda: zp.releaseobjects(), None),                       # writes nothing
     (lambda: zp.zp_mmol(), (float, str)),                      # a result and errormsg
@@ -84,10 +69,9 @@ def test_the_shape_of_what_comes_back(water_si, call, shape):
 
 def test_composition_vectors_have_their_full_length(water_si):
     model, ncomp, comp, conc = zp.getfluid()
-    assert (model, ncomp) == ("IF97", 1)
-    assert len(comp) == 20 and len(conc) == 20 and conc[0] == 1.0
+    assert len(comp) == len(conc) == 20 and conc[0] == 1.0
     usr_x, usr_y = zp.allthermophys("PT", 1.0, 26.85)[8:10]
-    assert len(usr_x) == 20 and len(usr_y) == 20
+    assert len(usr_x) == len(usr_y) == 20
 
 
 def test_texts_come_back_without_trailing_blanks(water_si):
@@ -97,8 +81,7 @@ def test_texts_come_back_without_trailing_blanks(water_si):
 
 def test_array_inputs_accept_lists_and_numpy_arrays(water_si):
     as_list = zp.zp_mmol_cnc([1.0])
-    as_array = zp.zp_mmol_cnc(np.array([1.0]))
-    assert as_list == as_array
+    assert as_list == zp.zp_mmol_cnc(np.array([1.0]))
     assert as_list[0] == pytest.approx(0.018015257, rel=1e-9)
     assert zp.setfluid("IF97", 1, np.array(["water"]).tolist(), np.ones(1)) == "Same fluid"
 
@@ -132,9 +115,7 @@ def test_bad_selections_give_texts_and_the_library_stays_usable(water_si, args, 
     assert errormsg == "No errors" and h == pytest.approx(112663.823, rel=1e-8)
 
 
-@pytest.mark.parametrize("state", [
-    (math.nan, 300.0), (1e5, math.inf), (-1e5, 300.0), (1e5, -5.0), (1e12, 300.0),
-])
+@pytest.mark.parametrize("state", [(math.nan, 300.0), (1e5, math.inf), (-1e5, 300.0)])
 def test_bad_states_give_texts(water_si, state):
     value, errormsg = zp.calcprop("h", "PT", *state)
     assert errormsg.startswith("Error in ")
