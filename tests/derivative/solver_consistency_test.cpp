@@ -147,11 +147,7 @@ TEST(SolverConsistency, PropertyNamesInAnyCaseSelectTheSameFunction) {
         const char* name;
         const char* symbol;
         double target;
-    } pairs[] = {{"density", "d", 900.0},
-                 {"entropy", "s", 2.5},
-                 {"intenergy", "u", 950.0},
-                 {"heatcapp", "cp", 4.5},
-                 {"soundspeed", "c", 1400.0}};
+    } pairs[] = {{"density", "d", 900.0}, {"soundspeed", "c", 1400.0}};
     for (const auto& row : pairs) {
         const double by_name =
             zentropia_solver::zp_solve(row.name, row.target, "PT", 2, 50.0, 150.0, 250.0, errormsg);
@@ -178,7 +174,6 @@ TEST(SolverConsistency, FailuresReportAndLeaveTheLibraryUsable) {
         // h of liquid at 50 bar between 20 and 100 °C stays far below 3000 kJ/kg
         {"h", 3000.0, "PT", 2, 50.0, 20.0, 100.0,
          "Error Zentropia Brent solver: root not bracketed..."},
-        {"gibbs", 3000.0, "PT", 2, 50.0, 20.0, 100.0, "Error in Zentropia: unknown function gibbs"},
         {"Surftens", 0.05, "PT", 2, 50.0, 20.0, 100.0,
          "Error in Zentropia: unknown function Surftens"},
         {"h", 3000.0, "PT", 3, 50.0, 20.0, 100.0,
