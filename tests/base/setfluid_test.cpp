@@ -66,7 +66,7 @@ void fake_zflow(double& p, double&, double v, double&, double&, double u, double
 constexpr zp_adapter::operations fake = [] {
     zp_adapter::operations o{};
     o.model = "Fake", o.installed = true, o.zp_sub = [] {};
-    o.getversion = [](zp_adapter::version_numbers& v) { v = {7, 0, 1, 2}; };
+    o.getversion = [](zp_adapter::version_numbers&) {};
     o.uninit = [] { ++rec.uninit_calls; };
     o.setfluid = &fake_setfluid, o.getfluid = &fake_getfluid, o.getinfo = &fake_getinfo;
     o.prop = &fake_prop, o.allprops = &fake_allprops, o.zflow_vu = &fake_zflow;
@@ -395,15 +395,10 @@ TEST_F(Setfluid, MolarMassesOfTheComponentsAndOfAMixture) {
     EXPECT_EQ(e, "Error in Zentropia: composition without a positive amount");
 }
 
-TEST_F(Setfluid, ReleaseAndVersionsReachTheBackEnds) {
+TEST_F(Setfluid, ReleaseReachesTheBackEnds) {
     ASSERT_EQ(select("RefProp", {"water"}, {1.0}), "No errors");
     zb::releaseobjects();
     // PCP-SAFT, RefProp, Critova and Varimol are served by the recording adapters; sPCP-SAFT
     // shares the PCP-SAFT back-end and is released with it
     EXPECT_EQ(rec.uninit_calls, 4);
-    std::array<int, 4> version{};
-    zb::zpgetversion("RefProp", version);
-    EXPECT_EQ(version, (std::array<int, 4>{7, 0, 1, 2}));
-    zb::zpgetversion("sPCP-SAFT", version);
-    EXPECT_EQ(version, (std::array<int, 4>{-8, -8, -8, -8}));
 }

@@ -139,23 +139,14 @@ inline double getinfo(std::string_view property, std::string& errormsg) {
         return water_fraction * molar_mass + (1 - water_fraction) * other_molar_mass;
     return if97_zp::if97_getinfo(property, errormsg);
 }
-inline constexpr zp_adapter::operations row{.model = "Critova",
-                                            .installed = true,
-                                            .zp_sub = &if97_zp::if97_zp_sub,
-                                            .getversion = &if97_zp::if97_getversion,
-                                            .uninit = &if97_zp::if97_uninit,
-                                            .setfluid = &setfluid,
-                                            .getfluid = &if97_zp::if97_getfluid,
-                                            .getcompset = nullptr,
-                                            .getinfo = &getinfo,
-                                            .prop = &if97_zp::if97_prop,
-                                            .allprops = &allprops,
-                                            .liquidcmp = nullptr,
-                                            .vaporcmp = nullptr,
-                                            .fugacoef = nullptr,
-                                            .zflow_vu = nullptr,
-                                            .psat_k1 = nullptr,
-                                            .phaseenvelope = nullptr};
+inline constexpr zp_adapter::operations row = [] {
+    zp_adapter::operations o{};
+    o.model = "Critova", o.installed = true, o.zp_sub = &if97_zp::if97_zp_sub;
+    o.getversion = &if97_zp::if97_getversion, o.uninit = &if97_zp::if97_uninit;
+    o.setfluid = &setfluid, o.getfluid = &if97_zp::if97_getfluid, o.getinfo = &getinfo;
+    o.prop = &if97_zp::if97_prop, o.allprops = &allprops;
+    return o;
+}();
 
 } // namespace double_adapter
 
