@@ -1,20 +1,7 @@
-"""Shared set-up of the Python tests: the package comes from the build tree (PYTHONPATH), the
-published IAPWS verification values from the source tree."""
-
-import csv
-import pathlib
+"""Shared set-up of the Python tests: the package comes from the build tree (PYTHONPATH)."""
 
 import pytest
 import zentropia
-
-SOURCE_DIR = pathlib.Path(__file__).resolve().parents[2]
-VERIFICATION_TABLE = SOURCE_DIR / "data" / "if97" / "verification_tables.csv"
-
-
-def verification_rows(predicate):
-    """The rows of the IAPWS verification tables for which predicate(row) holds."""
-    with open(VERIFICATION_TABLE, newline="") as f:
-        return [row for row in csv.DictReader(f) if predicate(row)]
 
 
 @pytest.fixture
