@@ -66,87 +66,50 @@ constexpr double t_sat_10bar = 453.035632 - 273.15;
 constexpr double p_sat_500K = 26.3889776;
 constexpr double t_500K = 500.0 - 273.15;
 
-TEST_F(Isoline, TemperatureRunThroughTheDomeGetsBothSaturationPoints) {
-    // 10 points from 100 to 300 °C plus saturated liquid and vapour at 179.89 °C
-    const line l = internal_isoline("P", 10.0, "T", "h", 100.0, 300.0, 12);
-    ASSERT_EQ(l.errormsg, "No errors");
-    ASSERT_EQ(l.filled, 12);
-    for (std::size_t i = 1; i < l.run.size(); ++i) EXPECT_LT(l.run[i - 1], l.run[i]) << i;
-
-    // grid: 100, 122.2, 144.4, 166.7 | 188.9 ... so the saturation points are at 4 and 5
-    EXPECT_NEAR(l.run[4], t_sat_10bar - 1e-6, 5e-7);
-    EXPECT_NEAR(l.run[5], t_sat_10bar + 1e-6, 5e-7);
-    EXPECT_NEAR(l.run[5] - l.run[4], 2e-6, 1e-9);
-    std::string errormsg;
-    const double h_liq = thermo::zp_enthalpy("Pq", 10.0, 0.0, errormsg);
-    const double h_vap = thermo::zp_enthalpy("Pq", 10.0, 1.0, errormsg);
-    ASSERT_EQ(errormsg, "No errors");
-    // liquid side just below, vapour side just above the boundary (cp times 1e-6 K away)
-    EXPECT_NEAR(l.calc[4], h_liq, 1e-4);
-    EXPECT_NEAR(l.calc[5], h_vap, 1e-4);
-    EXPECT_LT(l.calc[4], h_liq);
-    EXPECT_GT(l.calc[5], h_vap);
-
-    // the other ten evenly spaced, both bounds included
-    for (int i = 0; i < 10; ++i)
-        EXPECT_NEAR(l.run[i < 4 ? i : i + 2], 100.0 + 200.0 * i / 9.0, 1e-12) << i;
-    EXPECT_EQ(l.run.back(), 300.0);
-    for (std::size_t i = 0; i < l.run.size(); ++i)
-        EXPECT_EQ(l.calc[i], thermo::zp_enthalpy("PT", 10.0, l.run[i], errormsg)) << i;
-}
-
-TEST_F(Isoline, PressureRunThroughTheDomeHasVapourBeforeLiquid) {
-    // 5 points from 10 to 50 bar at 226.85 °C; the vapour lies below the saturation pressure
-    const line l = internal_isoline("T", t_500K, "P", "d", 10.0, 50.0, 7);
-    ASSERT_EQ(l.errormsg, "No errors");
-    for (std::size_t i = 1; i < l.run.size(); ++i) EXPECT_LT(l.run[i - 1], l.run[i]) << i;
-    // grid 10, 20, 30, 40, 50: the saturation points sit between 20 and 30
-    EXPECT_EQ(l.run[1], 20.0);
-    EXPECT_NEAR(l.run[2], p_sat_500K - 1e-6, 2e-6);
-    EXPECT_NEAR(l.run[3], p_sat_500K + 1e-6, 2e-6);
-    EXPECT_NEAR(l.run[3] - l.run[2], 2e-6, 1e-9);
-    EXPECT_EQ(l.run[4], 30.0);
-    std::string errormsg;
-    const double d_vap = thermo::zp_density("Tq", t_500K, 1.0, errormsg);
-    const double d_liq = thermo::zp_density("Tq", t_500K, 0.0, errormsg);
-    EXPECT_NEAR(l.calc[2], d_vap, 1e-6 * d_vap);
-    EXPECT_NEAR(l.calc[3], d_liq, 1e-6 * d_liq);
-}
-
-TEST_F(Isoline, DescendingRunKeepsItsOrderAroundTheSaturationPoints) {
-    const line l = internal_isoline("P", 10.0, "T", "h", 300.0, 100.0, 12);
-    ASSERT_EQ(l.errormsg, "No errors");
-    for (std::size_t i = 1; i < l.run.size(); ++i) EXPECT_GT(l.run[i - 1], l.run[i]) << i;
-    EXPECT_EQ(l.run.front(), 300.0);
-    EXPECT_EQ(l.run.back(), 100.0);
-    // 300, 277.8, 255.6, 233.3, 211.1, 188.9 | vapour, liquid | 166.7 ...
-    EXPECT_NEAR(l.run[6], t_sat_10bar + 1e-6, 5e-7);
-    EXPECT_NEAR(l.run[7], t_sat_10bar - 1e-6, 5e-7);
-    EXPECT_GT(l.calc[6], l.calc[7] + 1000.0); // the latent heat between the two sides
-}
-
-TEST_F(Isoline, RunsThatMeetNoSaturationPointAreEvenlySpaced) {
+// Evenly spaced points from minval to maxval, both included; where the run crosses the
+// saturation line, two more points 1e-6 either side of it, each on its own phase's side and in
+// the run's order.
+TEST_F(Isoline, EvenlySpacedPointsAndTheSaturationPoints) {
     const struct {
-        const char* where;
-        double p, t_min, t_max;
-        int npnts;
+        const char *where, *propspec, *runspec, *calcspec;
+        double propval, minval, maxval;
+        int npnts, at;       // index of the first saturation point, -1 for none
+        double sat, q_first; // saturation value of the run variable, quality on the first side
     } cases[] = {
-        {"supercritical pressure", 300.0, 300.0, 500.0, 5},
-        {"vapour only: saturation at 99.6 °C lies below the run", 1.0, 200.0, 300.0, 4},
-        {"liquid only: saturation at 179.9 °C lies above the run", 10.0, 20.0, 80.0, 2},
+        {"T through the dome", "P", "T", "h", 10.0, 100.0, 300.0, 12, 4, t_sat_10bar, 0.0},
+        {"descending T", "P", "T", "h", 10.0, 300.0, 100.0, 12, 6, t_sat_10bar, 1.0},
+        {"P through the dome", "T", "P", "d", t_500K, 10.0, 50.0, 7, 2, p_sat_500K, 1.0},
+        {"supercritical pressure", "P", "T", "h", 300.0, 300.0, 500.0, 5, -1, 0.0, 0.0},
+        {"vapour only: saturation at 99.6 °C", "P", "T", "h", 1.0, 200.0, 300.0, 4, -1, 0.0, 0.0},
+        {"liquid only: saturation at 179.9 °C", "P", "T", "h", 10.0, 20.0, 80.0, 2, -1, 0.0, 0.0},
     };
     for (const auto& c : cases) {
-        const line l = internal_isoline("P", c.p, "T", "h", c.t_min, c.t_max, c.npnts);
-        EXPECT_EQ(l.errormsg, "No errors") << c.where;
-        ASSERT_EQ(l.filled, c.npnts) << c.where;
-        std::string errormsg;
-        for (int i = 0; i < c.npnts; ++i) {
-            EXPECT_NEAR(l.run[i], c.t_min + (c.t_max - c.t_min) * i / (c.npnts - 1), 1e-12)
-                << c.where << " " << i;
-            EXPECT_EQ(l.calc[i], thermo::zp_enthalpy("PT", c.p, l.run[i], errormsg));
+        SCOPED_TRACE(c.where);
+        const line l = internal_isoline(c.propspec, c.propval, c.runspec, c.calcspec, c.minval,
+                                        c.maxval, c.npnts);
+        ASSERT_EQ(l.errormsg, "No errors");
+        ASSERT_EQ(l.filled, c.npnts);
+        const double step = (c.maxval - c.minval) / (c.npnts - (c.at < 0 ? 1 : 3));
+        const double dir = step > 0 ? 1.0 : -1.0;
+        std::string e;
+        for (int i = 0, k = 0; i < c.npnts; ++i) {
+            const int side = i - c.at; // 0 and 1 at the saturation points
+            if (c.at >= 0 && (side == 0 || side == 1)) {
+                EXPECT_NEAR(l.run[i], c.sat + dir * (side == 0 ? -1e-6 : 1e-6), 5e-7) << i;
+                const double q = side == 0 ? c.q_first : 1.0 - c.q_first;
+                const double saturated = zentropia_base::calculate(std::string(c.propspec) + "q",
+                                                                   c.propval, q, c.calcspec, e);
+                EXPECT_NEAR(l.calc[i], saturated, 1e-6 * std::fabs(saturated)) << i;
+            } else {
+                EXPECT_NEAR(l.run[i], c.minval + step * k++, 1e-12) << i;
+            }
+            EXPECT_EQ(l.calc[i], zentropia_base::calculate(std::string(c.propspec) + c.runspec,
+                                                           c.propval, l.run[i], c.calcspec, e));
         }
-        EXPECT_EQ(l.run.front(), c.t_min);
-        EXPECT_EQ(l.run.back(), c.t_max);
+        if (c.at >= 0) {
+            EXPECT_NEAR(l.run[c.at + 1] - l.run[c.at], dir * 2e-6, 1e-9);
+        }
+        EXPECT_EQ(l.run.back(), c.maxval);
     }
 }
 
