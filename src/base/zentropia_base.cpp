@@ -199,6 +199,22 @@ void evaluate_all(std::string_view inputspec, double input1, double input2, doub
     spread(work_y, usr_y, named->keeps_zero_components);
 }
 
+// A bundle that only the PCP-SAFT back-ends offer, run on the back-end's work compositions; any
+// other model computes nothing here and leaves errormsg as it was.
+template <typename Evaluate>
+void pcp_saft_bundle(double input1, double input2, composition& usr_x, composition& usr_y,
+                     std::string& errormsg, Evaluate evaluate) {
+    copy_in(usr_x, usr_y);
+    if (is_pcp_saft(*alias)) {
+        if (finite_inputs(input1, input2, errormsg)) evaluate();
+    } else if (alias->id == model_id::none) {
+        errormsg = model_name_unknown;
+    }
+    const bool keeps_zero = named->id == model_id::varimol;
+    spread(work_x, usr_x, keeps_zero);
+    spread(work_y, usr_y, keeps_zero);
+}
+
 } // namespace
 
 const selection_state& selection() {
@@ -446,18 +462,11 @@ void zp_allpropsallphases(std::string_view inputspec, double input1, double inpu
                           phase_values& cv, phase_values& dpdt, phase_values& dpdv,
                           phase_values& d2pdt2, phase_values& d2pdv2, phase_values& d2pdtdv,
                           phase_values& dcvdt, double& eta, double& lambda, std::string& errormsg) {
-    copy_in(usr_x, usr_y);
-    if (is_pcp_saft(*alias)) {
-        if (finite_inputs(input1, input2, errormsg))
-            pcp_saft_zp::pcp_saft_allpropsallphases(inputspec, input1, input2, p, t, v, d, h, s, u,
-                                                    q, work_x, work_y, cv, dpdt, dpdv, d2pdt2,
-                                                    d2pdv2, d2pdtdv, dcvdt, eta, lambda, errormsg);
-    } else if (alias->id == model_id::none) {
-        errormsg = model_name_unknown;
-    } // any other model computes nothing here and leaves errormsg as it was
-    const bool keeps_zero = named->id == model_id::varimol;
-    spread(work_x, usr_x, keeps_zero);
-    spread(work_y, usr_y, keeps_zero);
+    pcp_saft_bundle(input1, input2, usr_x, usr_y, errormsg, [&] {
+        pcp_saft_zp::pcp_saft_allpropsallphases(inputspec, input1, input2, p, t, v, d, h, s, u, q,
+                                                work_x, work_y, cv, dpdt, dpdv, d2pdt2, d2pdv2,
+                                                d2pdtdv, dcvdt, eta, lambda, errormsg);
+    });
 }
 
 void zp_allpropssatext(std::string_view inputspec, double input1, double input2, double& p,
@@ -466,18 +475,11 @@ void zp_allpropssatext(std::string_view inputspec, double input1, double input2,
                        double& d_liq, double& h_liq, double& s_liq, double& u_liq, double& v_vap,
                        double& d_vap, double& h_vap, double& s_vap, double& u_vap,
                        std::string& errormsg) {
-    copy_in(usr_x, usr_y);
-    if (is_pcp_saft(*alias)) {
-        if (finite_inputs(input1, input2, errormsg))
-            pcp_saft_zp::pcp_saft_allpropssatext(inputspec, input1, input2, p, t, v, d, h, s, u, q,
-                                                 work_x, work_y, v_liq, d_liq, h_liq, s_liq, u_liq,
-                                                 v_vap, d_vap, h_vap, s_vap, u_vap, errormsg);
-    } else if (alias->id == model_id::none) {
-        errormsg = model_name_unknown;
-    } // any other model computes nothing here and leaves errormsg as it was
-    const bool keeps_zero = named->id == model_id::varimol;
-    spread(work_x, usr_x, keeps_zero);
-    spread(work_y, usr_y, keeps_zero);
+    pcp_saft_bundle(input1, input2, usr_x, usr_y, errormsg, [&] {
+        pcp_saft_zp::pcp_saft_allpropssatext(inputspec, input1, input2, p, t, v, d, h, s, u, q,
+                                             work_x, work_y, v_liq, d_liq, h_liq, s_liq, u_liq,
+                                             v_vap, d_vap, h_vap, s_vap, u_vap, errormsg);
+    });
 }
 
 void alltransprops_zp(double t, double d, double& eta, double& eta_t, double& eta_d, double& lambda,
