@@ -6,7 +6,9 @@
 // pascal).
 #include "base/common.hpp"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -63,11 +65,23 @@ struct operations {
     phaseenvelope_op phaseenvelope;
 };
 
-// The operations an adapter offers; the rest stay null in its row.
-struct offers {
-    bool setfluid = false, getfluid = false, getcompset = false, getinfo = false, prop = false,
-         allprops = false, liquidcmp = false, vaporcmp = false, fugacoef = false, zflow_vu = false,
-         psat_k1 = false, phaseenvelope = false;
+// The operations an adapter offers, as a set of flags; the rest stay null in its row.
+namespace offer {
+inline constexpr unsigned setfluid = 1u << 0, getfluid = 1u << 1, getcompset = 1u << 2,
+                          getinfo = 1u << 3, prop = 1u << 4, allprops = 1u << 5,
+                          liquidcmp = 1u << 6, vaporcmp = 1u << 7, fugacoef = 1u << 8,
+                          zflow_vu = 1u << 9, psat_k1 = 1u << 10, phaseenvelope = 1u << 11;
+// a back-end of fluids: their selection, their constants and their states
+inline constexpr unsigned fluid = setfluid | getfluid | getinfo | prop | allprops;
+// the compositions of the coexisting phases of a mixture
+inline constexpr unsigned phase_compositions = liquidcmp | vaporcmp;
+} // namespace offer
+
+// A model name as a template argument: absent<"RefProp">.
+template <std::size_t N> struct model_name {
+    char text[N];
+    constexpr model_name(const char (&name)[N]) { std::copy_n(name, N, text); }
+    constexpr std::string_view view() const { return {text, N - 1}; }
 };
 
 // writes "Error in <model>: back-end library not installed."
@@ -75,8 +89,9 @@ void not_installed(std::string_view model, std::string& errormsg);
 
 // The answers of an adapter whose back-end library is not shipped: every operation with an error
 // text reports the missing library, numeric results are -8888.8, outputs stay untouched.
-template <const std::string_view& Model> struct absent {
-    static void fail(std::string& errormsg) { not_installed(Model, errormsg); }
+template <model_name Name> struct absent {
+    static constexpr std::string_view model = Name.view();
+    static void fail(std::string& errormsg) { not_installed(model, errormsg); }
     static void nothing() {}
     static void version(version_numbers&) {}
     static void setfluid(std::string_view, int, std::span<const std::string>,
@@ -116,24 +131,25 @@ template <const std::string_view& Model> struct absent {
     }
 
     // the row of such an adapter: the offered operations answer as above
-    static constexpr operations row(offers o) {
-        return {Model,
+    static constexpr operations row(unsigned offered) {
+        const auto has = [offered](unsigned op) { return (offered & op) != 0; };
+        return {model,
                 false,
                 &nothing,
                 &version,
                 &nothing,
-                o.setfluid ? &setfluid : nullptr,
-                o.getfluid ? &getfluid : nullptr,
-                o.getcompset ? &getcompset : nullptr,
-                o.getinfo ? &getinfo : nullptr,
-                o.prop ? &prop : nullptr,
-                o.allprops ? &allprops : nullptr,
-                o.liquidcmp ? &composition_vector : nullptr,
-                o.vaporcmp ? &composition_vector : nullptr,
-                o.fugacoef ? &composition_vector : nullptr,
-                o.zflow_vu ? &zflow_vu : nullptr,
-                o.psat_k1 ? &psat_k1 : nullptr,
-                o.phaseenvelope ? &phaseenvelope : nullptr};
+                has(offer::setfluid) ? &setfluid : nullptr,
+                has(offer::getfluid) ? &getfluid : nullptr,
+                has(offer::getcompset) ? &getcompset : nullptr,
+                has(offer::getinfo) ? &getinfo : nullptr,
+                has(offer::prop) ? &prop : nullptr,
+                has(offer::allprops) ? &allprops : nullptr,
+                has(offer::liquidcmp) ? &composition_vector : nullptr,
+                has(offer::vaporcmp) ? &composition_vector : nullptr,
+                has(offer::fugacoef) ? &composition_vector : nullptr,
+                has(offer::zflow_vu) ? &zflow_vu : nullptr,
+                has(offer::psat_k1) ? &psat_k1 : nullptr,
+                has(offer::phaseenvelope) ? &phaseenvelope : nullptr};
     }
 };
 

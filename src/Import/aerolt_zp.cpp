@@ -1,18 +1,10 @@
 #include "Import/aerolt_zp.hpp"
 
 namespace aerolt_zp {
-namespace {
-constexpr std::string_view model = "Aerolt";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"Aerolt">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row({.setfluid = true,
-                                                                  .getfluid = true,
-                                                                  .getcompset = true,
-                                                                  .getinfo = true,
-                                                                  .prop = true,
-                                                                  .allprops = true,
-                                                                  .liquidcmp = true,
-                                                                  .vaporcmp = true});
+constinit const zp_adapter::operations operations =
+    backend::row(fluid | getcompset | phase_compositions);
 
 } // namespace aerolt_zp

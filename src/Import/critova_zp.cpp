@@ -1,12 +1,9 @@
 #include "Import/critova_zp.hpp"
 
 namespace critova_zp {
-namespace {
-constexpr std::string_view model = "Critova";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"Critova">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row(
-    {.setfluid = true, .getfluid = true, .getinfo = true, .prop = true, .allprops = true});
+constinit const zp_adapter::operations operations = backend::row(fluid);
 
 } // namespace critova_zp

@@ -1,12 +1,9 @@
 #include "Import/kelvora_zp.hpp"
 
 namespace kelvora_zp {
-namespace {
-constexpr std::string_view model = "Kelvora";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"Kelvora">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row(
-    {.setfluid = true, .getfluid = true, .getinfo = true, .prop = true, .allprops = true});
+constinit const zp_adapter::operations operations = backend::row(fluid);
 
 } // namespace kelvora_zp

@@ -1,11 +1,8 @@
 #include "Import/libr_h2o_zp.hpp"
 
 namespace libr_h2o_zp {
-namespace {
-constexpr std::string_view model = "LiBr-H2O";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"LiBr-H2O">;
 
-constinit const zp_adapter::operations operations = backend::row({});
+constinit const zp_adapter::operations operations = backend::row(0);
 
 } // namespace libr_h2o_zp

@@ -1,21 +1,10 @@
 #include "Import/litevarimol_zp.hpp"
 
 namespace litevarimol_zp {
-namespace {
-constexpr std::string_view model = "liteVarimol";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"liteVarimol">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row({.setfluid = true,
-                                                                  .getfluid = true,
-                                                                  .getcompset = true,
-                                                                  .getinfo = true,
-                                                                  .prop = true,
-                                                                  .allprops = true,
-                                                                  .liquidcmp = true,
-                                                                  .vaporcmp = true,
-                                                                  .fugacoef = true,
-                                                                  .zflow_vu = true,
-                                                                  .psat_k1 = true});
+constinit const zp_adapter::operations operations =
+    backend::row(fluid | getcompset | phase_compositions | fugacoef | zflow_vu | psat_k1);
 
 } // namespace litevarimol_zp

@@ -1,13 +1,10 @@
 #include "Import/mesheq_zp.hpp"
 
 namespace mesheq_zp {
-namespace {
-constexpr std::string_view model = "Mesheq";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"Mesheq">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row(
-    {.setfluid = true, .getfluid = true, .getinfo = true, .prop = true, .allprops = true});
+constinit const zp_adapter::operations operations = backend::row(fluid);
 
 void mesheq_settable(std::string_view, std::string_view, std::string_view, std::string_view,
                      std::string_view, int, std::string& errormsg) {

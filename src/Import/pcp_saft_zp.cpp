@@ -1,20 +1,11 @@
 #include "Import/pcp_saft_zp.hpp"
 
 namespace pcp_saft_zp {
-namespace {
-constexpr std::string_view model = "PCP-SAFT";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"PCP-SAFT">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row({.setfluid = true,
-                                                                  .getfluid = true,
-                                                                  .getinfo = true,
-                                                                  .prop = true,
-                                                                  .allprops = true,
-                                                                  .liquidcmp = true,
-                                                                  .vaporcmp = true,
-                                                                  .fugacoef = true,
-                                                                  .phaseenvelope = true});
+constinit const zp_adapter::operations operations =
+    backend::row(fluid | phase_compositions | fugacoef | phaseenvelope);
 
 void pcp_saft_allpropsallphases(
     std::string_view, double, double, zp_adapter::phase_values&, zp_adapter::phase_values&,

@@ -1,21 +1,11 @@
 #include "Import/refprop_zp.hpp"
 
 namespace refprop_zp {
-namespace {
-constexpr std::string_view model = "RefProp";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"RefProp">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row({.setfluid = true,
-                                                                  .getfluid = true,
-                                                                  .getcompset = true,
-                                                                  .getinfo = true,
-                                                                  .prop = true,
-                                                                  .allprops = true,
-                                                                  .liquidcmp = true,
-                                                                  .vaporcmp = true,
-                                                                  .fugacoef = true,
-                                                                  .zflow_vu = true});
+constinit const zp_adapter::operations operations =
+    backend::row(fluid | getcompset | phase_compositions | fugacoef | zflow_vu);
 
 void refprop_alltransprops(double, double, double&, double&, double&, double&, double&, double&,
                            std::string& errormsg) {

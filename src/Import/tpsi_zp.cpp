@@ -1,16 +1,9 @@
 #include "Import/tpsi_zp.hpp"
 
 namespace tpsi_zp {
-namespace {
-constexpr std::string_view model = "TPSI";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"TPSI">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row({.setfluid = true,
-                                                                  .getfluid = true,
-                                                                  .getcompset = true,
-                                                                  .getinfo = true,
-                                                                  .prop = true,
-                                                                  .allprops = true});
+constinit const zp_adapter::operations operations = backend::row(fluid | getcompset);
 
 } // namespace tpsi_zp

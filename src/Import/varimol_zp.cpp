@@ -1,23 +1,11 @@
 #include "Import/varimol_zp.hpp"
 
 namespace varimol_zp {
-namespace {
-constexpr std::string_view model = "Varimol";
-using backend = zp_adapter::absent<model>;
-} // namespace
+using backend = zp_adapter::absent<"Varimol">;
+using namespace zp_adapter::offer;
 
-constinit const zp_adapter::operations operations = backend::row({.setfluid = true,
-                                                                  .getfluid = true,
-                                                                  .getcompset = true,
-                                                                  .getinfo = true,
-                                                                  .prop = true,
-                                                                  .allprops = true,
-                                                                  .liquidcmp = true,
-                                                                  .vaporcmp = true,
-                                                                  .fugacoef = true,
-                                                                  .zflow_vu = true,
-                                                                  .psat_k1 = true,
-                                                                  .phaseenvelope = true});
+constinit const zp_adapter::operations operations = backend::row(
+    fluid | getcompset | phase_compositions | fugacoef | zflow_vu | psat_k1 | phaseenvelope);
 
 void varimol_xy_a_alfa(double, double, double, double, double, std::array<double, 2>&,
                        std::array<double, 2>&, std::string& errormsg) {

@@ -1,12 +1,6 @@
 #include "base/common.hpp"
 
-#include <cmath>
-
 namespace zp_common {
-
-bool isinit(double value) { return std::fabs(value - not_set) < 0.1; }
-
-bool isnotinit(double value) { return !isinit(value); }
 
 std::string_view trim(std::string_view text) {
     const auto end = text.find_last_not_of(' ');
@@ -25,11 +19,17 @@ std::string lower(std::string_view text) {
     return out;
 }
 
-std::string_view fit(std::string_view text, std::size_t n) { return text.substr(0, n); }
+std::string_view fit(std::string_view text, std::size_t n) {
+    return text.substr(0, n);
+}
 
-bool same_text(std::string_view a, std::string_view b) { return trim(a) == trim(b); }
+bool same_text(std::string_view a, std::string_view b) {
+    return trim(a) == trim(b);
+}
 
-bool is_ok(std::string_view errormsg) { return trim(errormsg) == no_errors; }
+bool is_ok(std::string_view errormsg) {
+    return trim(errormsg) == no_errors;
+}
 
 bool is_success(std::string_view errormsg) {
     return is_ok(errormsg) || trim(errormsg) == same_fluid;

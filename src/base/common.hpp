@@ -1,6 +1,7 @@
 #pragma once
 // Shared constants and text helpers of the library: each concept lives here once.
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -22,10 +23,14 @@ inline constexpr std::string_view same_fluid = "Same fluid";
 // Prefix of the failures the library detects itself.
 inline constexpr std::string_view error_prefix = "Error in Zentropia: ";
 
-// true when value still holds the not-computed sentinel
-bool isinit(double value);
+// true when value still holds the not-computed sentinel (within 0.1 of it; NaN is not)
+inline bool isinit(double value) {
+    return std::fabs(value - not_set) < 0.1;
+}
 // true when value was computed
-bool isnotinit(double value);
+inline bool isnotinit(double value) {
+    return !isinit(value);
+}
 
 // text without trailing blanks
 std::string_view trim(std::string_view text);

@@ -182,21 +182,20 @@ void configure_transport(int ncmp, std::span<const std::string> cmp, std::span<c
 #endif
 }
 
-void evaluate_all(std::string_view inputspec, double input1, double input2, double& p, double& t,
-                  double& v, double& d, double& h, double& s, double& u, double& q,
-                  composition& usr_x, composition& usr_y, double& cv, double& dpdt, double& dpdv,
-                  double& d2pdt2, double& d2pdv2, double& d2pdtdv, double& dcvdt, double& eta,
-                  double& lambda, double& sigma, std::string& errormsg) {
-    sigma = not_set; // stays when the back-end has no surface tension
+// A bundle that only the PCP-SAFT back-ends offer, run on the back-end's work compositions; any
+// other model computes nothing here and leaves errormsg as it was.
+template <typename Evaluate>
+void pcp_saft_bundle(double input1, double input2, composition& usr_x, composition& usr_y,
+                     std::string& errormsg, Evaluate evaluate) {
     copy_in(usr_x, usr_y);
-    if (alias_ops == nullptr || alias_ops->allprops == nullptr)
+    if (is_pcp_saft(*alias)) {
+        if (finite_inputs(input1, input2, errormsg)) evaluate();
+    } else if (alias->id == model_id::none) {
         errormsg = model_name_unknown;
-    else if (finite_inputs(input1, input2, errormsg))
-        alias_ops->allprops(inputspec, input1, input2, p, t, v, d, h, s, u, q, work_x, work_y,
-                            work_lnphi, cv, dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda,
-                            sigma, errormsg);
-    spread(work_x, usr_x, named->keeps_zero_components);
-    spread(work_y, usr_y, named->keeps_zero_components);
+    }
+    const bool keeps_zero = named->id == model_id::varimol;
+    spread(work_x, usr_x, keeps_zero);
+    spread(work_y, usr_y, keeps_zero);
 }
 
 } // namespace
@@ -339,8 +338,16 @@ void allthermophys(std::string_view inputspec, double input1, double input2, dou
                    double& dpdt, double& dpdv, double& d2pdt2, double& d2pdv2, double& d2pdtdv,
                    double& dcvdt, double& eta, double& lambda, double& sigma,
                    std::string& errormsg) {
-    evaluate_all(inputspec, input1, input2, p, t, v, d, h, s, u, q, usr_x, usr_y, cv, dpdt, dpdv,
-                 d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, sigma, errormsg);
+    sigma = not_set; // stays when the back-end has no surface tension
+    copy_in(usr_x, usr_y);
+    if (alias_ops == nullptr || alias_ops->allprops == nullptr)
+        errormsg = model_name_unknown;
+    else if (finite_inputs(input1, input2, errormsg))
+        alias_ops->allprops(inputspec, input1, input2, p, t, v, d, h, s, u, q, work_x, work_y,
+                            work_lnphi, cv, dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda,
+                            sigma, errormsg);
+    spread(work_x, usr_x, named->keeps_zero_components);
+    spread(work_y, usr_y, named->keeps_zero_components);
 }
 
 void allthermophyssu2(std::string_view inputspec, double input1, double input2, double& p,
@@ -349,8 +356,8 @@ void allthermophyssu2(std::string_view inputspec, double input1, double input2, 
                       double& dpdt, double& dpdv, double& d2pdt2, double& d2pdv2, double& d2pdtdv,
                       double& dcvdt, double& eta, double& lambda, double& sigma,
                       std::string& errormsg) {
-    evaluate_all(inputspec, input1, input2, p, t, v, d, h, s, u, q, usr_x, usr_y, cv, dpdt, dpdv,
-                 d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, sigma, errormsg);
+    allthermophys(inputspec, input1, input2, p, t, v, d, h, s, u, q, usr_x, usr_y, cv, dpdt, dpdv,
+                  d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, sigma, errormsg);
 }
 
 double calculate(std::string_view inputspec, double input1, double input2,
@@ -432,8 +439,8 @@ void zflow_tmd_vu(double& p, double& t, double& v, double& h, double& s, double&
     } else if (alias->id != model_id::none) {
         double d = not_set, q = not_set, eta = not_set, lambda = not_set, sigma = not_set;
         composition x{}, y{};
-        evaluate_all("vu", v, u, p, t, v, d, h, s, u, q, x, y, cv, dpdt, dpdv, d2pdt2, d2pdv2,
-                     d2pdtdv, dcvdt, eta, lambda, sigma, errormsg);
+        allthermophys("vu", v, u, p, t, v, d, h, s, u, q, x, y, cv, dpdt, dpdv, d2pdt2, d2pdv2,
+                      d2pdtdv, dcvdt, eta, lambda, sigma, errormsg);
     } else {
         errormsg = model_name_unknown;
     }
@@ -446,18 +453,11 @@ void zp_allpropsallphases(std::string_view inputspec, double input1, double inpu
                           phase_values& cv, phase_values& dpdt, phase_values& dpdv,
                           phase_values& d2pdt2, phase_values& d2pdv2, phase_values& d2pdtdv,
                           phase_values& dcvdt, double& eta, double& lambda, std::string& errormsg) {
-    copy_in(usr_x, usr_y);
-    if (is_pcp_saft(*alias)) {
-        if (finite_inputs(input1, input2, errormsg))
-            pcp_saft_zp::pcp_saft_allpropsallphases(inputspec, input1, input2, p, t, v, d, h, s, u,
-                                                    q, work_x, work_y, cv, dpdt, dpdv, d2pdt2,
-                                                    d2pdv2, d2pdtdv, dcvdt, eta, lambda, errormsg);
-    } else if (alias->id == model_id::none) {
-        errormsg = model_name_unknown;
-    } // any other model computes nothing here and leaves errormsg as it was
-    const bool keeps_zero = named->id == model_id::varimol;
-    spread(work_x, usr_x, keeps_zero);
-    spread(work_y, usr_y, keeps_zero);
+    pcp_saft_bundle(input1, input2, usr_x, usr_y, errormsg, [&] {
+        pcp_saft_zp::pcp_saft_allpropsallphases(inputspec, input1, input2, p, t, v, d, h, s, u, q,
+                                                work_x, work_y, cv, dpdt, dpdv, d2pdt2, d2pdv2,
+                                                d2pdtdv, dcvdt, eta, lambda, errormsg);
+    });
 }
 
 void zp_allpropssatext(std::string_view inputspec, double input1, double input2, double& p,
@@ -466,18 +466,11 @@ void zp_allpropssatext(std::string_view inputspec, double input1, double input2,
                        double& d_liq, double& h_liq, double& s_liq, double& u_liq, double& v_vap,
                        double& d_vap, double& h_vap, double& s_vap, double& u_vap,
                        std::string& errormsg) {
-    copy_in(usr_x, usr_y);
-    if (is_pcp_saft(*alias)) {
-        if (finite_inputs(input1, input2, errormsg))
-            pcp_saft_zp::pcp_saft_allpropssatext(inputspec, input1, input2, p, t, v, d, h, s, u, q,
-                                                 work_x, work_y, v_liq, d_liq, h_liq, s_liq, u_liq,
-                                                 v_vap, d_vap, h_vap, s_vap, u_vap, errormsg);
-    } else if (alias->id == model_id::none) {
-        errormsg = model_name_unknown;
-    } // any other model computes nothing here and leaves errormsg as it was
-    const bool keeps_zero = named->id == model_id::varimol;
-    spread(work_x, usr_x, keeps_zero);
-    spread(work_y, usr_y, keeps_zero);
+    pcp_saft_bundle(input1, input2, usr_x, usr_y, errormsg, [&] {
+        pcp_saft_zp::pcp_saft_allpropssatext(inputspec, input1, input2, p, t, v, d, h, s, u, q,
+                                             work_x, work_y, v_liq, d_liq, h_liq, s_liq, u_liq,
+                                             v_vap, d_vap, h_vap, s_vap, u_vap, errormsg);
+    });
 }
 
 void alltransprops_zp(double t, double d, double& eta, double& eta_t, double& eta_d, double& lambda,

@@ -214,59 +214,6 @@ bool two_phase_by_query(const state_query& s, double q, bool second_order, two_p
            two_phase(t, p, q, v, liq, vap, second_order, out, errormsg);
 }
 
-// ---- Routing of the single-property operations -------------------------------------------------
-
-enum class if97_rule { as_others, backend, missing };
-
-// How the models that answer a property themselves are asked: a table model always by key; IF97
-// by key (backend), not at all (missing: a text naming the property) or like any other model.
-struct property_rule {
-    std::string_view key;
-    if97_rule if97;
-    std::string_view if97_name{};
-};
-
-// Models that answer the property themselves; true with the answer in value.
-bool routed(const property_rule& rule, const state_query& s, double& value, std::string& errormsg) {
-    if (alias_is(model_id::mesheq) ||
-        (alias_is(model_id::if97) && rule.if97 == if97_rule::backend)) {
-        value = zentropia_base::calculate(s.inputspec, s.input1, s.input2, rule.key, errormsg);
-        return true;
-    }
-    if (alias_is(model_id::if97) && rule.if97 == if97_rule::missing) {
-        errormsg = zp_common::trim(zentropia_base::selection().modelname);
-        errormsg += ": calculation of ";
-        errormsg += rule.if97_name;
-        errormsg += " not available.";
-        value = not_set;
-        return true;
-    }
-    return false;
-}
-
-enum class phase_kind { failed, single, two };
-
-phase_kind phase_of(const state_query& s, double& q, std::string& errormsg) {
-    q = zentropia_thermo::zp_vaporqual(s.inputspec, s.input1, s.input2, errormsg);
-    if (!is_ok(errormsg)) return phase_kind::failed;
-    return is_single_phase(s.inputspec, q) ? phase_kind::single : phase_kind::two;
-}
-
-// The value of an operation after its evaluations: the sentinel when one of them failed.
-double checked(double value, const std::string& errormsg) {
-    return is_ok(errormsg) ? value : not_set;
-}
-
-// A two-phase property of a pure fluid; the sentinel for mixtures and failures.
-template <typename Pick>
-double two_phase_property(const state_query& s, double q, bool second_order, Pick pick,
-                          std::string& errormsg) {
-    if (is_mixture()) return not_set;
-    two_phase_values tp;
-    if (!two_phase_by_query(s, q, second_order, tp, errormsg)) return not_set;
-    return pick(tp);
-}
-
 // First-order state of the single-phase branch, asked one property at a time.
 struct first_order_state {
     double T, P, v, cv, dpdt, dpdv;
@@ -284,6 +231,148 @@ first_order_state first_order(const state_query& s, std::string& errormsg) {
 }
 double sound_speed_of(const first_order_state& st) {
     return c_of(st.v, st.cv, cp_of(st.T, st.cv, st.dpdt, st.dpdv), st.dpdv);
+}
+
+// ---- Rules of the single-property operations --------------------------------------------------
+
+// The single-phase formulas, each asking for its own inputs in this order.
+using single_formula = double (*)(const state_query& s, std::string& errormsg);
+
+double cv_asked(const state_query& s, std::string& errormsg) {
+    return ask(s, "cv", errormsg);
+}
+double c_asked(const state_query& s, std::string& errormsg) {
+    return sound_speed_of(first_order(s, errormsg));
+}
+double alpha_asked(const state_query& s, std::string& errormsg) {
+    const first_order_state st = first_order(s, errormsg);
+    return alpha_of(st.P, st.v, sound_speed_of(st), beta_of(st.cv, st.dpdt));
+}
+double beta_asked(const state_query& s, std::string& errormsg) {
+    const double cv = ask(s, "cv", errormsg);
+    const double dpdt = ask(s, zentropia_thermo::dp_dt, errormsg);
+    return beta_of(cv, dpdt);
+}
+double zeta_asked(const state_query& s, std::string& errormsg) {
+    using namespace zentropia_thermo;
+    const double T = ask(s, zp_temperature, errormsg) + kelvin_offset;
+    const double P = ask(s, zp_pressure, errormsg) * pa_per_bar;
+    const double cv = ask(s, "cv", errormsg);
+    const double dpdt = ask(s, dp_dt, errormsg);
+    return zeta_of(T, P, cv, dpdt);
+}
+double chi_asked(const state_query& s, std::string& errormsg) {
+    using namespace zentropia_thermo;
+    const double T = ask(s, zp_temperature, errormsg) + kelvin_offset;
+    const double P = ask(s, zp_pressure, errormsg) * pa_per_bar;
+    const double v = ask(s, zp_specvolume, errormsg);
+    return chi_of(T, P, v);
+}
+double fi_asked(const state_query& s, std::string& errormsg) {
+    return fi_of(ask(s, zentropia_thermo::zp_temperature, errormsg) + kelvin_offset);
+}
+double theta_asked(const state_query& s, std::string& errormsg) {
+    using namespace zentropia_thermo;
+    const double v = ask(s, zp_specvolume, errormsg);
+    const double dpdt = ask(s, dp_dt, errormsg);
+    const double dpdv = ask(s, dp_dv, errormsg);
+    return theta_of(v, dpdt, dpdv);
+}
+double kappa_asked(const state_query& s, std::string& errormsg) {
+    using namespace zentropia_thermo;
+    const double v = ask(s, zp_specvolume, errormsg);
+    const double dpdv = ask(s, dp_dv, errormsg);
+    return kappa_of(v, dpdv);
+}
+double gamma_asked(const state_query& s, std::string& errormsg) {
+    using namespace zentropia_thermo;
+    const first_order_state st = first_order(s, errormsg);
+    const double d2pdt2 = ask(s, d2p_dt2, errormsg);
+    const double d2pdv2 = ask(s, d2p_dv2, errormsg);
+    const double d2pdtdv = ask(s, d2p_dtdv, errormsg);
+    const double dcvdt = ask(s, dcv_dt, errormsg);
+    return gamma_of(st.T, st.v, sound_speed_of(st), st.cv, st.dpdt, d2pdt2, d2pdv2, d2pdtdv, dcvdt);
+}
+
+enum class if97_rule { as_others, backend, missing };
+
+// How a single-property operation is answered. The models that answer the property themselves
+// are asked by key: a table model always, IF97 by key (backend), not at all (missing: a text
+// naming the property) or like any other model. Any other model: in the two-phase region of a
+// pure fluid the value of the saturated mixture (null: the sentinel), or the single-phase formula
+// where it holds in both regions (in_both_regions); in the single-phase region the formula.
+struct property_rule {
+    std::string_view key;
+    if97_rule if97;
+    std::string_view if97_name = {};
+    double two_phase_values::*mixture = nullptr;
+    single_formula formula = nullptr;
+    bool in_both_regions = false;
+};
+
+using enum if97_rule;
+using mix = two_phase_values;
+// clang-format off
+//                                  key      IF97       IF97's name  mixture      formula
+constexpr property_rule cv_rule    {"cv",    backend,   "",          &mix::cv,    cv_asked};
+constexpr property_rule c_rule     {"c",     backend,   "",          &mix::c,     c_asked};
+constexpr property_rule alpha_rule {"alpha", as_others, "",          &mix::alpha, alpha_asked};
+constexpr property_rule beta_rule  {"beta",  as_others, "",          &mix::beta,  beta_asked};
+constexpr property_rule zeta_rule  {"zeta",  as_others, "",          &mix::zeta,  zeta_asked};
+constexpr property_rule chi_rule   {"chi",   as_others, "",          nullptr,     chi_asked, true};
+constexpr property_rule fi_rule    {"phi",   as_others, "",          nullptr,     fi_asked,  true};
+constexpr property_rule theta_rule {"theta", missing,   "Theta",     nullptr,     theta_asked};
+constexpr property_rule kappa_rule {"kappa", missing,   "Kappa",     nullptr,     kappa_asked};
+constexpr property_rule gamma_rule {"gamma", as_others, "",          &mix::gamma, gamma_asked};
+// Operations of their own shape, routed alike.
+constexpr property_rule cp_rule    {"cp",    backend};
+constexpr property_rule ksi_rule   {"ksi",   missing,   "Ksi"};
+constexpr property_rule psi_rule   {"psi",   missing,   "Psi"};
+// clang-format on
+
+// Models that answer the property themselves; true with the answer in value.
+bool routed(const property_rule& rule, const state_query& s, double& value, std::string& errormsg) {
+    if (alias_is(model_id::mesheq) || (alias_is(model_id::if97) && rule.if97 == backend)) {
+        value = zentropia_base::calculate(s.inputspec, s.input1, s.input2, rule.key, errormsg);
+        return true;
+    }
+    if (alias_is(model_id::if97) && rule.if97 == missing) {
+        errormsg = zp_common::trim(zentropia_base::selection().modelname);
+        errormsg += ": calculation of ";
+        errormsg += rule.if97_name;
+        errormsg += " not available.";
+        value = not_set;
+        return true;
+    }
+    return false;
+}
+
+// The value of an operation after its evaluations: the sentinel when one of them failed.
+double checked(double value, const std::string& errormsg) {
+    return is_ok(errormsg) ? value : not_set;
+}
+
+// A two-phase value of a pure fluid; the sentinel for mixtures and failures. gamma is the one
+// value that needs the second-order terms.
+double two_phase_property(const state_query& s, double q, double two_phase_values::*value,
+                          std::string& errormsg) {
+    if (is_mixture()) return not_set;
+    two_phase_values tp;
+    if (!two_phase_by_query(s, q, value == &two_phase_values::gamma, tp, errormsg)) return not_set;
+    return tp.*value;
+}
+
+// One single-property operation by its rule; a failed phase test answers 0.
+double one_property(const property_rule& rule, std::string_view inputspec, double input1,
+                    double input2, std::string& errormsg) {
+    const state_query s{inputspec, input1, input2};
+    double value;
+    if (routed(rule, s, value, errormsg)) return value;
+    const double q = zentropia_thermo::zp_vaporqual(inputspec, input1, input2, errormsg);
+    if (!is_ok(errormsg)) return 0.0;
+    if (!rule.in_both_regions && !is_single_phase(inputspec, q))
+        return rule.mixture == nullptr ? not_set : two_phase_property(s, q, rule.mixture, errormsg);
+    return checked(rule.formula(s, errormsg), errormsg);
 }
 
 } // namespace
@@ -432,13 +521,13 @@ void allderivativetarn(std::string_view inputspec, double input1, double input2,
     alpha = alpha_of(P, v, c, beta);
 }
 
-// ---- Single-property operations -----------------------------------------------------------------
+// ---- Single-property operations: cp from one bundle evaluation, the others by their rules ------
 
 double zp_heatcapp(std::string_view inputspec, double input1, double input2,
                    std::string& errormsg) {
     const state_query s{inputspec, input1, input2};
     double value;
-    if (routed({"cp", if97_rule::backend}, s, value, errormsg)) return value;
+    if (routed(cp_rule, s, value, errormsg)) return value;
     double p = not_set, t = not_set, v = not_set, d = not_set, h = not_set, entropy = not_set;
     double u = not_set, q = not_set, cv = not_set, dpdt = not_set, dpdv = not_set;
     double d2pdt2 = not_set, d2pdv2 = not_set, d2pdtdv = not_set, dcvdt = not_set;
@@ -454,119 +543,38 @@ double zp_heatcapp(std::string_view inputspec, double input1, double input2,
 
 double zp_heatcapv(std::string_view inputspec, double input1, double input2,
                    std::string& errormsg) {
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"cv", if97_rule::backend}, s, value, errormsg)) return value;
-    switch (phase_of(s, q, errormsg)) {
-    case phase_kind::failed:
-        return 0.0;
-    case phase_kind::two:
-        return two_phase_property(
-            s, q, false, [](const two_phase_values& tp) { return tp.cv; }, errormsg);
-    case phase_kind::single:
-        break;
-    }
-    return checked(ask(s, "cv", errormsg), errormsg);
+    return one_property(cv_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_soundspeed(std::string_view inputspec, double input1, double input2,
                      std::string& errormsg) {
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"c", if97_rule::backend}, s, value, errormsg)) return value;
-    switch (phase_of(s, q, errormsg)) {
-    case phase_kind::failed:
-        return 0.0;
-    case phase_kind::two:
-        return two_phase_property(
-            s, q, false, [](const two_phase_values& tp) { return tp.c; }, errormsg);
-    case phase_kind::single:
-        break;
-    }
-    return checked(sound_speed_of(first_order(s, errormsg)), errormsg);
+    return one_property(c_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_alpha(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"alpha", if97_rule::as_others}, s, value, errormsg)) return value;
-    switch (phase_of(s, q, errormsg)) {
-    case phase_kind::failed:
-        return 0.0;
-    case phase_kind::two:
-        return two_phase_property(
-            s, q, false, [](const two_phase_values& tp) { return tp.alpha; }, errormsg);
-    case phase_kind::single:
-        break;
-    }
-    const first_order_state st = first_order(s, errormsg);
-    return checked(alpha_of(st.P, st.v, sound_speed_of(st), beta_of(st.cv, st.dpdt)), errormsg);
+    return one_property(alpha_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_beta(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"beta", if97_rule::as_others}, s, value, errormsg)) return value;
-    switch (phase_of(s, q, errormsg)) {
-    case phase_kind::failed:
-        return 0.0;
-    case phase_kind::two:
-        return two_phase_property(
-            s, q, false, [](const two_phase_values& tp) { return tp.beta; }, errormsg);
-    case phase_kind::single:
-        break;
-    }
-    const double cv = ask(s, "cv", errormsg);
-    const double dpdt = ask(s, zentropia_thermo::dp_dt, errormsg);
-    return checked(beta_of(cv, dpdt), errormsg);
+    return one_property(beta_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_zeta(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
-    using namespace zentropia_thermo;
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"zeta", if97_rule::as_others}, s, value, errormsg)) return value;
-    switch (phase_of(s, q, errormsg)) {
-    case phase_kind::failed:
-        return 0.0;
-    case phase_kind::two:
-        return two_phase_property(
-            s, q, false, [](const two_phase_values& tp) { return tp.zeta; }, errormsg);
-    case phase_kind::single:
-        break;
-    }
-    const double T = ask(s, zp_temperature, errormsg) + kelvin_offset;
-    const double P = ask(s, zp_pressure, errormsg) * pa_per_bar;
-    const double cv = ask(s, "cv", errormsg);
-    const double dpdt = ask(s, dp_dt, errormsg);
-    return checked(zeta_of(T, P, cv, dpdt), errormsg);
+    return one_property(zeta_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_chi(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
-    using namespace zentropia_thermo;
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"chi", if97_rule::as_others}, s, value, errormsg)) return value;
-    if (phase_of(s, q, errormsg) == phase_kind::failed) return 0.0;
-    const double T = ask(s, zp_temperature, errormsg) + kelvin_offset;
-    const double P = ask(s, zp_pressure, errormsg) * pa_per_bar;
-    const double v = ask(s, zp_specvolume, errormsg);
-    return checked(chi_of(T, P, v), errormsg);
+    return one_property(chi_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_fi(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"phi", if97_rule::as_others}, s, value, errormsg)) return value;
-    if (phase_of(s, q, errormsg) == phase_kind::failed) return 0.0;
-    const double T = ask(s, zentropia_thermo::zp_temperature, errormsg) + kelvin_offset;
-    return checked(fi_of(T), errormsg);
+    return one_property(fi_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_ksi(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
     const state_query s{inputspec, input1, input2};
     double value;
-    if (routed({"ksi", if97_rule::missing, "Ksi"}, s, value, errormsg)) return value;
+    if (routed(ksi_rule, s, value, errormsg)) return value;
     const double alpha = zp_alpha(inputspec, input1, input2, errormsg);
     const double beta = ask(s, zp_beta, errormsg);
     const double d = ask(s, zentropia_thermo::zp_density, errormsg);
@@ -581,7 +589,7 @@ double zp_ksi(std::string_view inputspec, double input1, double input2, std::str
 double zp_psi(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
     const state_query s{inputspec, input1, input2};
     double value;
-    if (routed({"psi", if97_rule::missing, "Psi"}, s, value, errormsg)) return value;
+    if (routed(psi_rule, s, value, errormsg)) return value;
     const double ksi = zp_ksi(inputspec, input1, input2, errormsg);
     if (zp_common::isinit(ksi)) return not_set;
     const double beta = ask(s, zp_beta, errormsg);
@@ -590,64 +598,15 @@ double zp_psi(std::string_view inputspec, double input1, double input2, std::str
 }
 
 double zp_theta(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
-    using namespace zentropia_thermo;
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"theta", if97_rule::missing, "Theta"}, s, value, errormsg)) return value;
-    switch (phase_of(s, q, errormsg)) {
-    case phase_kind::failed:
-        return 0.0;
-    case phase_kind::two:
-        return not_set;
-    case phase_kind::single:
-        break;
-    }
-    const double v = ask(s, zp_specvolume, errormsg);
-    const double dpdt = ask(s, dp_dt, errormsg);
-    const double dpdv = ask(s, dp_dv, errormsg);
-    return checked(theta_of(v, dpdt, dpdv), errormsg);
+    return one_property(theta_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_kappa(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
-    using namespace zentropia_thermo;
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"kappa", if97_rule::missing, "Kappa"}, s, value, errormsg)) return value;
-    switch (phase_of(s, q, errormsg)) {
-    case phase_kind::failed:
-        return 0.0;
-    case phase_kind::two:
-        return not_set;
-    case phase_kind::single:
-        break;
-    }
-    const double v = ask(s, zp_specvolume, errormsg);
-    const double dpdv = ask(s, dp_dv, errormsg);
-    return checked(kappa_of(v, dpdv), errormsg);
+    return one_property(kappa_rule, inputspec, input1, input2, errormsg);
 }
 
 double zp_gamma(std::string_view inputspec, double input1, double input2, std::string& errormsg) {
-    using namespace zentropia_thermo;
-    const state_query s{inputspec, input1, input2};
-    double value, q;
-    if (routed({"gamma", if97_rule::as_others}, s, value, errormsg)) return value;
-    switch (phase_of(s, q, errormsg)) {
-    case phase_kind::failed:
-        return 0.0;
-    case phase_kind::two:
-        return two_phase_property(
-            s, q, true, [](const two_phase_values& tp) { return tp.gamma; }, errormsg);
-    case phase_kind::single:
-        break;
-    }
-    const first_order_state st = first_order(s, errormsg);
-    const double d2pdt2 = ask(s, d2p_dt2, errormsg);
-    const double d2pdv2 = ask(s, d2p_dv2, errormsg);
-    const double d2pdtdv = ask(s, d2p_dtdv, errormsg);
-    const double dcvdt = ask(s, dcv_dt, errormsg);
-    return checked(
-        gamma_of(st.T, st.v, sound_speed_of(st), st.cv, st.dpdt, d2pdt2, d2pdv2, d2pdtdv, dcvdt),
-        errormsg);
+    return one_property(gamma_rule, inputspec, input1, input2, errormsg);
 }
 
 // ---- Saturation line --------------------------------------------------------------------------

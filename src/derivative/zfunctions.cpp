@@ -51,6 +51,28 @@ bool is_fatal(int ierr) {
     return ierr != status_ok && ierr != status_warning;
 }
 
+// The residual z - f(x, y) (order 1) or z - f(y, x) (order 2) of the stored search state.
+template <typename State, typename Function>
+double residual(const State& state, double x, std::string_view invalid_order_text, int& ierr,
+                std::string& errormsg, Function f) {
+    ierr = status_ok;
+    if (state.func == nullptr) {
+        errormsg = no_function_text;
+        ierr = status_invalid_order;
+        return 0.0;
+    }
+    switch (state.order) {
+    case 1:
+        return state.z - f(x, state.y);
+    case 2:
+        return state.z - f(state.y, x);
+    default:
+        errormsg = invalid_order_text;
+        ierr = status_invalid_order;
+        return 0.0;
+    }
+}
+
 } // namespace
 
 double zsolve(property_function func, double z_, std::string_view inputspec_, double y_, int order_,
@@ -70,23 +92,10 @@ void setzfunction_zp(property_function func, std::string_view inputspec_, double
 }
 
 double zfunction_zp(double x, int& ierr, std::string& errormsg) {
-    ierr = status_ok;
-    if (zp.func == nullptr) {
-        errormsg = no_function_text;
-        ierr = status_invalid_order;
-        return 0.0;
-    }
     // A failing evaluation keeps its text in errormsg; the search goes on with its value.
-    switch (zp.order) {
-    case 1:
-        return zp.z - zp.func(zp.inputspec, x, zp.y, errormsg);
-    case 2:
-        return zp.z - zp.func(zp.inputspec, zp.y, x, errormsg);
-    default:
-        errormsg = invalid_order_zp_text;
-        ierr = status_invalid_order;
-        return 0.0;
-    }
+    return residual(zp, x, invalid_order_zp_text, ierr, errormsg, [&errormsg](double a, double b) {
+        return zp.func(zp.inputspec, a, b, errormsg);
+    });
 }
 
 void setzfunction_xy(xy_function func, double y_, double z_, int order_) {
@@ -97,22 +106,8 @@ void setzfunction_xy(xy_function func, double y_, double z_, int order_) {
 }
 
 double zfunction_xy(double x, int& ierr, std::string& errormsg) {
-    ierr = status_ok;
-    if (xy.func == nullptr) {
-        errormsg = no_function_text;
-        ierr = status_invalid_order;
-        return 0.0;
-    }
-    switch (xy.order) {
-    case 1:
-        return xy.z - xy.func(x, xy.y);
-    case 2:
-        return xy.z - xy.func(xy.y, x);
-    default:
-        errormsg = invalid_order_xy_text;
-        ierr = status_invalid_order;
-        return 0.0;
-    }
+    return residual(xy, x, invalid_order_xy_text, ierr, errormsg,
+                    [](double a, double b) { return xy.func(a, b); });
 }
 
 // Brent's method: inverse quadratic interpolation or the secant through the last points while

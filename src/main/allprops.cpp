@@ -23,9 +23,8 @@ composition scratch_x{}, scratch_y{};
 
 void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
                     composition& x, composition& y, std::string& errormsg) {
-    zentropia_base::allthermophys(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.h, r.s,
-                                  r.u, r.q, x, y, r.cv, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2,
-                                  r.d2pdtdv, r.dcvdt, r.eta, r.lambda, r.sigma, errormsg);
+    evaluate_record(zentropia_base::allthermophys, inputspec, zp_input1, zp_input2, r, x, y,
+                    errormsg);
     if (is_refprop_partial(errormsg)) {
         // The state stands; of its derivatives only those of p, v and T alone are computed.
         errormsg = zp_common::no_errors;
@@ -99,10 +98,8 @@ void allpropssu2(std::string_view inputspec, double input1, double input2, doubl
     double zp_input1, zp_input2;
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
     state_record r;
-    zentropia_base::allthermophyssu2(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.h, r.s,
-                                     r.u, r.q, scratch_x, scratch_y, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
-                                     r.d2pdv2, r.d2pdtdv, r.dcvdt, r.eta, r.lambda, r.sigma,
-                                     errormsg);
+    evaluate_record(zentropia_base::allthermophyssu2, inputspec, zp_input1, zp_input2, r, scratch_x,
+                    scratch_y, errormsg);
     double c_squared = not_set;
     if (is_refprop_partial(errormsg)) {
         // Unlike allprops, the caller sees RefProp's text.
@@ -129,9 +126,8 @@ void allpropstarn(std::string_view inputspec, double input1, double input2, doub
     double zp_input1, zp_input2;
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
     state_record r;
-    zentropia_base::allthermophys(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.h, r.s,
-                                  r.u, r.q, scratch_x, scratch_y, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
-                                  r.d2pdv2, r.d2pdtdv, r.dcvdt, r.eta, r.lambda, r.sigma, errormsg);
+    evaluate_record(zentropia_base::allthermophys, inputspec, zp_input1, zp_input2, r, scratch_x,
+                    scratch_y, errormsg);
     if (is_refprop_partial(errormsg))
         errormsg = zp_common::no_errors;
     else
@@ -201,15 +197,15 @@ void zflow_vu(double& p, double& t, double v, double& h, double& s, double u, do
         chi = dp.chi, fi = dp.fi;
         if (is_ok(scratch)) alpha = dp.alpha, beta = dp.beta, zeta = dp.zeta, gamma = dp.gamma;
     }
-    to_caller(cf, unit_row::P, p);
-    to_caller(cf, unit_row::T, t);
-    to_caller(cf, unit_row::h, h);
-    to_caller(cf, unit_row::s, s);
-    to_caller(cf, unit_row::alpha, alpha);
-    to_caller(cf, unit_row::beta, beta);
-    to_caller(cf, unit_row::chi, chi);
-    to_caller(cf, unit_row::fi, fi);
-    to_caller(cf, unit_row::zeta, zeta);
+    to_caller(cf, {{unit_row::P, p},
+                   {unit_row::T, t},
+                   {unit_row::h, h},
+                   {unit_row::s, s},
+                   {unit_row::alpha, alpha},
+                   {unit_row::beta, beta},
+                   {unit_row::chi, chi},
+                   {unit_row::fi, fi},
+                   {unit_row::zeta, zeta}});
 }
 
 void alloutputconv(double& p, double& t, double& v, double& d, double& h, double& s, double& u,
@@ -217,65 +213,40 @@ void alloutputconv(double& p, double& t, double& v, double& d, double& h, double
                    double& fi, double& ksi, double& psi, double& zeta, double& theta, double& kappa,
                    double& eta, double& lambda) {
     const auto& cf = zentropia_units::convfact();
-    to_caller(cf, unit_row::P, p);
-    to_caller(cf, unit_row::T, t);
-    to_caller(cf, unit_row::v, v);
-    to_caller(cf, unit_row::d, d);
-    to_caller(cf, unit_row::h, h);
-    to_caller(cf, unit_row::s, s);
-    to_caller(cf, unit_row::u, u);
-    to_caller(cf, unit_row::cp, cp);
-    to_caller(cf, unit_row::cv, cv);
-    to_caller(cf, unit_row::c, c);
-    to_caller(cf, unit_row::alpha, alpha);
-    to_caller(cf, unit_row::beta, beta);
-    to_caller(cf, unit_row::chi, chi);
-    to_caller(cf, unit_row::fi, fi);
-    to_caller(cf, unit_row::ksi, ksi);
-    to_caller(cf, unit_row::psi, psi);
-    to_caller(cf, unit_row::zeta, zeta);
-    to_caller(cf, unit_row::theta, theta);
-    to_caller(cf, unit_row::kappa, kappa);
-    to_caller(cf, unit_row::eta, eta);
-    to_caller(cf, unit_row::lambda, lambda);
+    to_caller(cf, {{unit_row::P, p},         {unit_row::T, t},         {unit_row::v, v},
+                   {unit_row::d, d},         {unit_row::h, h},         {unit_row::s, s},
+                   {unit_row::u, u},         {unit_row::cp, cp},       {unit_row::cv, cv},
+                   {unit_row::c, c},         {unit_row::alpha, alpha}, {unit_row::beta, beta},
+                   {unit_row::chi, chi},     {unit_row::fi, fi},       {unit_row::ksi, ksi},
+                   {unit_row::psi, psi},     {unit_row::zeta, zeta},   {unit_row::theta, theta},
+                   {unit_row::kappa, kappa}, {unit_row::eta, eta},     {unit_row::lambda, lambda}});
 }
 
 void alloutputconvsu2(double& p, double& t, double& d, double& s, double& u, double& cv, double& c2,
                       double& alpha, double& beta) {
     const auto& cf = zentropia_units::convfact();
-    to_caller(cf, unit_row::P, p);
-    to_caller(cf, unit_row::T, t);
-    to_caller(cf, unit_row::d, d);
-    to_caller(cf, unit_row::s, s);
-    to_caller(cf, unit_row::u, u);
-    to_caller(cf, unit_row::cv, cv);
+    to_caller(cf, {{unit_row::P, p},
+                   {unit_row::T, t},
+                   {unit_row::d, d},
+                   {unit_row::s, s},
+                   {unit_row::u, u},
+                   {unit_row::cv, cv},
+                   {unit_row::alpha, alpha},
+                   {unit_row::beta, beta}});
     if (zp_common::isnotinit(c2)) {
         const double f_c = factor_of(cf, unit_row::c);
         c2 = c2 / f_c / f_c;
     }
-    to_caller(cf, unit_row::alpha, alpha);
-    to_caller(cf, unit_row::beta, beta);
 }
 
 void alloutputconvtarn(double& p, double& t, double& v, double& d, double& h, double& s, double& u,
                        double& cv, double& cp, double& c, double& alpha, double& beta, double& zeta,
                        double& eta, double& lambda) {
-    const auto& cf = zentropia_units::convfact();
-    to_caller(cf, unit_row::P, p);
-    to_caller(cf, unit_row::T, t);
-    to_caller(cf, unit_row::v, v);
-    to_caller(cf, unit_row::d, d);
-    to_caller(cf, unit_row::h, h);
-    to_caller(cf, unit_row::s, s);
-    to_caller(cf, unit_row::u, u);
-    to_caller(cf, unit_row::cv, cv);
-    to_caller(cf, unit_row::cp, cp);
-    to_caller(cf, unit_row::c, c);
-    to_caller(cf, unit_row::alpha, alpha);
-    to_caller(cf, unit_row::beta, beta);
-    to_caller(cf, unit_row::zeta, zeta);
-    to_caller(cf, unit_row::eta, eta);
-    to_caller(cf, unit_row::lambda, lambda);
+    // The bundle's outputs are a part of allprops' outputs.
+    double chi = not_set, fi = not_set, ksi = not_set, psi = not_set, theta = not_set;
+    double kappa = not_set;
+    alloutputconv(p, t, v, d, h, s, u, cv, cp, c, alpha, beta, chi, fi, ksi, psi, zeta, theta,
+                  kappa, eta, lambda);
 }
 
 void alloutputconvext(double& p, double& t, double& v, double& d, double& h, double& s, double& u,

@@ -34,9 +34,8 @@ state_record evaluate_marked(std::string_view inputspec, double zp_input1, doubl
                              phase_marker marker, composition& cnc, std::string& errormsg) {
     state_record r;
     composition x{}, y{};
-    zentropia_base::allthermophys(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.h, r.s,
-                                  r.u, r.q, x, y, r.cv, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2,
-                                  r.d2pdtdv, r.dcvdt, r.eta, r.lambda, r.sigma, errormsg);
+    evaluate_record(zentropia_base::allthermophys, inputspec, zp_input1, zp_input2, r, x, y,
+                    errormsg);
     if (marker == phase_marker::liquid) cnc = x;
     if (marker == phase_marker::vapour) cnc = y;
     return r;

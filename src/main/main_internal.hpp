@@ -2,9 +2,11 @@
 // Shared by the property interface's source files: the record of one evaluated state and the
 // conversion of single values by their row of the current unit set.
 #include "base/common.hpp"
+#include "base/zentropia_base.hpp"
 #include "units/zentropia_units.hpp"
 
 #include <array>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -24,6 +26,17 @@ struct state_record {
     double ksi = zp_common::not_set, psi = zp_common::not_set, zeta = zp_common::not_set;
     double theta = zp_common::not_set, kappa = zp_common::not_set, gamma = zp_common::not_set;
 };
+
+// One evaluation of the state (internal inputs) by a dispatcher bundle (allthermophys or
+// allthermophyssu2) into r; x and y receive the phase compositions.
+using dispatcher = decltype(&zentropia_base::allthermophys);
+inline void evaluate_record(dispatcher evaluate, std::string_view inputspec, double zp_input1,
+                            double zp_input2, state_record& r, zp_common::composition& x,
+                            zp_common::composition& y, std::string& errormsg) {
+    evaluate(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.h, r.s, r.u, r.q, x, y, r.cv,
+             r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2, r.d2pdtdv, r.dcvdt, r.eta, r.lambda, r.sigma,
+             errormsg);
+}
 
 // Evaluates the state (internal inputs) and completes its derivative properties, in internal
 // units; x and y receive the phase compositions.
@@ -51,6 +64,15 @@ inline double caller_value(const conversion_table& cf, zentropia_units::unit_row
 // The same in place; the not-computed sentinel stays as it is.
 inline void to_caller(const conversion_table& cf, zentropia_units::unit_row row, double& value) {
     if (zp_common::isnotinit(value)) value = caller_value(cf, row, value);
+}
+// A value and the unit row it is converted by.
+struct row_value {
+    zentropia_units::unit_row row;
+    double& value;
+};
+// Several values in place, each by its row.
+inline void to_caller(const conversion_table& cf, std::initializer_list<row_value> values) {
+    for (const row_value& v : values) to_caller(cf, v.row, v.value);
 }
 // The factor of one row.
 inline double factor_of(const conversion_table& cf, zentropia_units::unit_row row) {

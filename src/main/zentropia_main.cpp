@@ -134,23 +134,14 @@ std::array<double, 2> conversion_pair_of(std::string_view symbol) {
 composition work_x{}, work_y{};
 
 // One saturated phase at internal pressure p (bar): quality 0 or 1.
-struct saturated_state {
-    double t = not_set, v = not_set, d = not_set, h = not_set, s = not_set, cv = not_set;
-    double dpdt = not_set, dpdv = not_set;
-};
-
-saturated_state saturated_at_pressure(double p, double quality, std::string& errormsg) {
-    saturated_state st;
-    double pp = not_set, u = not_set, q = not_set, d2pdt2 = not_set, d2pdv2 = not_set;
-    double d2pdtdv = not_set, dcvdt = not_set, eta = not_set, lambda = not_set, sigma = not_set;
+state_record saturated_at_pressure(double p, double quality, std::string& errormsg) {
+    state_record st;
     composition x{}, y{};
-    zentropia_base::allthermophys("Pq", p, quality, pp, st.t, st.v, st.d, st.h, st.s, u, q, x, y,
-                                  st.cv, st.dpdt, st.dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta,
-                                  lambda, sigma, errormsg);
+    evaluate_record(zentropia_base::allthermophys, "Pq", p, quality, st, x, y, errormsg);
     // Back-ends whose bundle lacks the pressure derivatives are asked for them one at a time.
     if (is_ok(errormsg) && (zp_common::isinit(st.dpdt) || zp_common::isinit(st.dpdv)))
-        zentropia_thermo::complete_derivatives("Pq", p, quality, st.dpdt, st.dpdv, d2pdt2, d2pdv2,
-                                               d2pdtdv, dcvdt, errormsg);
+        zentropia_thermo::complete_derivatives("Pq", p, quality, st.dpdt, st.dpdv, st.d2pdt2,
+                                               st.d2pdv2, st.d2pdtdv, st.dcvdt, errormsg);
     return st;
 }
 
@@ -216,8 +207,8 @@ void modelica_p(double p, double& d_liq, double& d_vap, double& h_liq, double& h
         dd_liq_dp = dd_vap_dp = dh_liq_dp = dh_vap_dp = dt_sat_dp = not_set;
         return;
     }
-    const saturated_state liq = saturated_at_pressure(p_int, 0.0, errormsg);
-    const saturated_state vap = saturated_at_pressure(p_int, 1.0, errormsg);
+    const state_record liq = saturated_at_pressure(p_int, 0.0, errormsg);
+    const state_record vap = saturated_at_pressure(p_int, 1.0, errormsg);
     const double T = vap.t + 273.15;
     // SI inside: cp J/(kg K), slopes per Pa.
     const double cp_l = 1000.0 * liq.cv - liq.dpdt * liq.dpdt * T / liq.dpdv;

@@ -77,36 +77,22 @@ constexpr set_table si_set{{
     {2, {{{"M", 1, "kg"}, {"N", -1, "mol"}}}},                                // Mmol
 }};
 
-// The "Zentropia" set, the internal units on a mass basis: the SI set with bar, °C and kJ.
-constexpr set_table zp_set{{
-    {1, {{{"P", 1, "bar"}}}},                                                 // P
-    {1, {{{"T", 1, deg_c}}}},                                                 // T
-    {2, {{{"L", 3, "m"}, {"M", -1, "kg"}}}},                                  // v
-    {2, {{{"M", 1, "kg"}, {"L", -3, "m"}}}},                                  // d
-    {2, {{{"E", 1, "kJ"}, {"M", -1, "kg"}}}},                                 // h
-    {3, {{{"E", 1, "kJ"}, {"M", -1, "kg"}, {"T", -1, "K"}}}},                 // s
-    {2, {{{"E", 1, "kJ"}, {"M", -1, "kg"}}}},                                 // u
-    {3, {{{"E", 1, "kJ"}, {"M", -1, "kg"}, {"T", -1, "K"}}}},                 // cp
-    {3, {{{"E", 1, "kJ"}, {"M", -1, "kg"}, {"T", -1, "K"}}}},                 // cv
-    {1, {{{"c", 1, "m/s"}}}},                                                 // c
-    {2, {{{"L", 2, "m"}, {"t", -2, "s"}}}},                                   // alpha
-    {2, {{{"M", 1, "kg"}, {"L", -3, "m"}}}},                                  // beta
-    {4, {{{"F", 1, "N"}, {"L", 4, "m"}, {"M", -2, "kg"}, {"T", -1, "K"}}}},   // chi
-    {1, {{{"T", -1, "K"}}}},                                                  // fi
-    {3, {{{"M", 2, "kg"}, {"F", -1, "N"}, {"L", -4, "m"}}}},                  // ksi
-    {2, {{{"t", 2, "s"}, {"L", -2, "m"}}}},                                   // psi
-    {3, {{{"M", 1, "kg"}, {"dT", 1, "K"}, {"L", -3, "m"}}}},                  // zeta
-    {1, {{{"T", -1, "K"}}}},                                                  // theta
-    {1, {{{"P", -1, "bar"}}}},                                                // kappa
-    {2, {{{"P", 1, "Pa"}, {"t", 1, "s"}}}},                                   // eta
-    {3, {{{"P", 1, "Pa"}, {"t", 1, "s"}, {"T", -1, "K"}}}},                   // deta_dT
-    {4, {{{"P", 1, "Pa"}, {"t", 1, "s"}, {"L", 3, "m"}, {"M", -1, "kg"}}}},   // deta_drho
-    {3, {{{"Pwr", 1, "W"}, {"L", -1, "m"}, {"T", -1, "K"}}}},                 // lambda
-    {3, {{{"Pwr", 1, "W"}, {"L", -1, "m"}, {"T", -2, "K"}}}},                 // dlambda_dT
-    {4, {{{"Pwr", 1, "W"}, {"L", 2, "m"}, {"M", -1, "kg"}, {"T", -1, "K"}}}}, // dlambda_dr
-    {2, {{{"F", 1, "N"}, {"L", -1, "m"}}}},                                   // sigma
-    {2, {{{"M", 1, "kg"}, {"N", -1, "mol"}}}},                                // Mmol
-}};
+// The "Zentropia" set, the internal units on a mass basis: the SI set with the pressure in bar
+// (and kappa in 1/bar), the temperature in °C and energies in kJ. Temperature differences stay in
+// K and the viscosity rows in Pa s.
+constexpr set_table internal_units(set_table set) {
+    const auto first_unit = [&set](unit_row row) -> std::string_view& {
+        return set[static_cast<std::size_t>(row)].slots[0].unit;
+    };
+    first_unit(unit_row::P) = "bar";
+    first_unit(unit_row::kappa) = "bar";
+    first_unit(unit_row::T) = deg_c;
+    for (row_units& row : set)
+        for (unit_slot& slot : row.slots)
+            if (slot.unit == "J") slot.unit = "kJ";
+    return set;
+}
+constexpr set_table zp_set = internal_units(si_set);
 
 // The Anglo-Saxon set. Its viscosity rows are written in lb, ft and s; entropy, heat capacities,
 // chi, fi, theta and zeta use °R, the viscosity and conductivity rows °F (same degree size).
