@@ -39,7 +39,7 @@ enum class code : unsigned char {
     d2P_dT2,
     d2P_dv2,
     d2P_dTdv,
-    dCv_dT,
+    dCv_dT
 };
 
 struct code_entry {
