@@ -923,6 +923,25 @@ state from_vx(double vv, double q, int lvl, std::string& errormsg) {
                               quoted(v, vv) + " and " + quantities[x].name + " " + quoted(x, q));
 }
 
+// Start of a mixture from (h, s) below 623.15 K: a mixture has h - T s = g(T), the Gibbs energy
+// of its saturated phases, taken here from the liquid (region 1) alone; d(g')/dT along the
+// saturation line is v' dps/dT - s'. The wanted root has s' < s; from T_min the iteration
+// climbs to it. NaN when it would leave that side or pass 623.15 K.
+double dome_start_hs(double hh, double ss) {
+    double T = T_min;
+    for (int it = 0; it < 8; ++it) {
+        const state l = properties::gibbs_state(r1, forward::psat(T), T, 1);
+        if (!(l.s < ss)) return NAN;
+        const double f = hh - T * ss - (l.h - T * l.s);
+        const double df = -ss + l.s - l.v * forward::dpsat_dT(T) * 1e3;
+        const double next = T - f / df;
+        if (!(next > T_min && next < T13)) return NAN;
+        if (std::fabs(next - T) < 1e-3) return next;
+        T = next;
+    }
+    return T;
+}
+
 // (h, s): the region from the boundary equations of SR4-04 (approximate, so the neighbours are
 // tried as well), the start from the backward equations p(h, s).
 state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
@@ -975,7 +994,8 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
             return newton2(r5, h, hh, s, ss, p0 > 0.0 ? p0 : 1.0, 1500.0, lvl);
         }
         default: {
-            const double T0 = ss >= 5.210887825 ? backward::tsat_hs(hh, ss) : NAN; // eq. 9 range
+            const double T0 = ss >= 5.210887825 ? backward::tsat_hs(hh, ss) // eq. 9 range
+                                                : dome_start_hs(hh, ss);
             bool found = false;
             const state st = two_phase_pair(s, ss, h, hh, T0, lvl, found);
             return found ? st : state{};
