@@ -722,7 +722,7 @@ state from_pt(double p, double T, int lvl, std::string& errormsg) {
         return out_of_range(errormsg, P, p, true, p_max5, "temperatures above 800 °C");
     state st = properties::state_pt(p, T, lvl);
     if (st.region == none)
-        return fail(errormsg, "no convergence at " + quoted(P, p) + " and " + quoted(solve::T, T));
+        fail(errormsg, "no convergence at " + quoted(P, p) + " and " + quoted(solve::T, T));
     return st;
 }
 
