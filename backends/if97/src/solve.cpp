@@ -718,10 +718,11 @@ state isotherm_state(double T, variable Y, double y, int lvl, std::string& error
 // The pairs.
 
 state from_pt(double p, double T, int lvl, std::string& errormsg) {
+    state st = properties::state_pt(p, T, lvl); // (one object returned: no copy)
+    if (st.region != none) return st;
     if (T > T25 && p > p_max5)
-        return out_of_range(errormsg, P, p, true, p_max5, "temperatures above 800 °C");
-    state st = properties::state_pt(p, T, lvl);
-    if (st.region == none)
+        out_of_range(errormsg, P, p, true, p_max5, "temperatures above 800 °C");
+    else
         fail(errormsg, "no convergence at " + quoted(P, p) + " and " + quoted(solve::T, T));
     return st;
 }
