@@ -145,7 +145,7 @@ constexpr std::array<double, 6> n23{
 
 // The ideal-gas part ln pi + sum n tau^J added to a residual sum.
 template <const auto& ideal, int order>
-derivatives with_ideal_part(derivatives d, double pi, double tau) {
+[[gnu::always_inline]] inline derivatives with_ideal_part(derivatives d, double pi, double tau) {
     const double r = 1.0 / pi;
     const derivatives o = power_sum::evaluate<ideal, order>(1.0, tau, 1.0, 1.0 / tau);
     d.f += std::log(pi) + o.f;
@@ -164,7 +164,16 @@ derivatives with_ideal_part(derivatives d, double pi, double tau) {
 
 } // namespace
 
-template <int order> derivatives gamma1(double p, double T) {
+// The sums are built twice, for processors with AVX2 and for any x86-64 (or once elsewhere); the
+// library picks the right one when it is loaded. The order of the additions is the same in both,
+// so are the results.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define IF97_CLONES [[gnu::target_clones("arch=x86-64-v3", "default")]]
+#else
+#define IF97_CLONES
+#endif
+
+template <int order> IF97_CLONES derivatives gamma1(double p, double T) {
     const double pi = p / p1_star;
     // tau - 1.222 and its reciprocal both straight from T, so the two divisions overlap
     const double y_num = T1_star - 1.222 * T;
@@ -178,7 +187,7 @@ template <int order> derivatives gamma1(double p, double T) {
     return d;
 }
 
-template <int order> derivatives gamma2(double p, double T) {
+template <int order> IF97_CLONES derivatives gamma2(double p, double T) {
     const double pi = p / p2_star;
     const double tau = T2_star / T;
     const double y_num = T2_star - 0.5 * T; // tau - 0.5 = y_num / T
@@ -186,14 +195,14 @@ template <int order> derivatives gamma2(double p, double T) {
         power_sum::evaluate<region2_residual, order>(pi, y_num / T, 1.0 / pi, T / y_num), pi, tau);
 }
 
-template <int order> derivatives gamma5(double p, double T) {
+template <int order> IF97_CLONES derivatives gamma5(double p, double T) {
     const double pi = p / p5_star;
     const double tau = T5_star / T;
     return with_ideal_part<region5_ideal, order>(
         power_sum::evaluate<region5_residual, order>(pi, tau), pi, tau);
 }
 
-template <int order> derivatives phi3(double rho, double T) {
+template <int order> IF97_CLONES derivatives phi3(double rho, double T) {
     const double delta = rho / rhoc;
     derivatives d = power_sum::evaluate<region3, order>(delta, Tc / T);
     const double r = 1.0 / delta;

@@ -17,7 +17,7 @@ namespace {
 using properties::state;
 using solve::variable;
 
-constexpr const char* prefix = "Error in IF97: ";
+using solve::error_prefix;
 
 // Output codes and the state level each one needs.
 enum class code : unsigned char {
@@ -39,7 +39,7 @@ enum class code : unsigned char {
     d2P_dT2,
     d2P_dv2,
     d2P_dTdv,
-    dCv_dT,
+    dCv_dT
 };
 
 struct code_entry {
@@ -49,21 +49,21 @@ struct code_entry {
 };
 
 constexpr std::array<code_entry, 21> code_table{{
-    {"P", code::p, properties::basic},
-    {"p", code::p, properties::basic},
-    {"T", code::T, properties::basic},
-    {"t", code::T, properties::basic},
+    {"P", code::p, properties::bare},
+    {"p", code::p, properties::bare},
+    {"T", code::T, properties::bare},
+    {"t", code::T, properties::bare},
     {"v", code::v, properties::basic},
     {"h", code::h, properties::basic},
     {"s", code::s, properties::basic},
     {"u", code::u, properties::basic},
-    {"x", code::x, properties::basic},
+    {"x", code::x, properties::bare},
     {"cv", code::cv, properties::caloric},
     {"cp", code::cp, properties::caloric},
     {"w", code::w, properties::caloric},
     {"dv", code::dv, properties::basic},
     {"tc", code::tc, properties::caloric},
-    {"st", code::st, properties::basic},
+    {"st", code::st, properties::bare},
     {"dP_dT", code::dP_dT, properties::caloric},
     {"dP_dv", code::dP_dv, properties::caloric},
     {"d2P_dT2", code::d2P_dT2, properties::full},
@@ -74,9 +74,9 @@ constexpr std::array<code_entry, 21> code_table{{
 
 // An output list "h,s,cp." parsed without allocating.
 struct code_list {
-    std::array<code, 64> id{};
+    std::array<code, 64> id;
     int count = 0;
-    int level = properties::basic;
+    int level = properties::bare;
 };
 
 std::string_view strip(std::string_view text) {
@@ -98,15 +98,15 @@ bool same(std::string_view a, std::string_view b) {
                                              std::string_view name, std::string& errormsg) {
     name = strip(name);
     if (outlist.find('.') == std::string_view::npos)
-        errormsg = std::string(prefix) + "output list '" + std::string(strip(outlist)) +
+        errormsg = std::string(error_prefix) + "output list '" + std::string(strip(outlist)) +
                    "' not closed by '.'";
     else if (list.count == static_cast<int>(list.id.size()))
-        errormsg =
-            std::string(prefix) + "more than " + std::to_string(list.id.size()) + " output codes";
+        errormsg = std::string(error_prefix) + "more than " + std::to_string(list.id.size()) +
+                   " output codes";
     else if (name.empty() && list.count == 0 && strip(outlist.substr(0, outlist.find('.'))).empty())
-        errormsg = std::string(prefix) + "empty output list";
+        errormsg = std::string(error_prefix) + "empty output list";
     else
-        errormsg = std::string(prefix) + "unknown output code '" + std::string(name) + "'";
+        errormsg = std::string(error_prefix) + "unknown output code '" + std::string(name) + "'";
     return false;
 }
 
@@ -149,40 +149,38 @@ bool parse_codes(std::string_view outlist, code_list& list, std::string& errorms
     return code_error(outlist, list, {}, errormsg);
 }
 
-bool parse_letter(std::string_view letter, variable& var, std::string& errormsg) {
+// The variable of an input letter, or -1.
+int letter_of(std::string_view letter) {
     const std::string_view l = letter.size() == 1 ? letter : strip(letter);
-    if (l.size() == 1) {
-        switch (l[0]) {
-        case 'P':
-        case 'p':
-            var = solve::P;
-            return true;
-        case 'T':
-        case 't':
-            var = solve::T;
-            return true;
-        case 'v':
-            var = solve::v;
-            return true;
-        case 'h':
-            var = solve::h;
-            return true;
-        case 's':
-            var = solve::s;
-            return true;
-        case 'u':
-            var = solve::u;
-            return true;
-        case 'x':
-            var = solve::x;
-            return true;
-        default:
-            break;
-        }
+    if (l.size() != 1) return -1;
+    switch (l[0]) {
+    case 'P':
+    case 'p':
+        return solve::P;
+    case 'T':
+    case 't':
+        return solve::T;
+    case 'v':
+        return solve::v;
+    case 'h':
+        return solve::h;
+    case 's':
+        return solve::s;
+    case 'u':
+        return solve::u;
+    case 'x':
+        return solve::x;
+    default:
+        return -1;
     }
-    errormsg = std::string(prefix) + "unknown input letter '" + std::string(l) +
-               "' (known: P, T, v, h, s, u, x)";
-    return false;
+}
+
+// A failure: its text, and every output back to -8888.8.
+[[gnu::cold, gnu::noinline]] void fail(std::string_view text, std::span<double> output,
+                                       std::string& errormsg) {
+    errormsg = std::string(error_prefix);
+    errormsg += text;
+    std::fill(output.begin(), output.end(), not_set);
 }
 
 // Interface units (bar, °C) to the release's (MPa, K).
@@ -261,44 +259,52 @@ double output_value(code id, last_state& c) {
 
 void if97_main(std::string_view letter1, double value1, std::string_view letter2, double value2,
                std::string_view outlist, std::span<double> output, std::string& errormsg) {
-    errormsg.assign("No errors", 9);
-    std::fill(output.begin(), output.end(), not_set);
+    constexpr std::string_view no_errors = "No errors";
+    if (std::string_view(errormsg) != no_errors) errormsg.assign(no_errors);
 
-    variable a{}, b{};
-    if (!parse_letter(letter1, a, errormsg) || !parse_letter(letter2, b, errormsg)) return;
-    if (!solve::supported(a, b)) {
-        errormsg = std::string(prefix) + "input pair '" + std::string(strip(letter1)) +
-                   std::string(strip(letter2)) +
-                   "' not supported (pairs: PT, Ph, Ps, Pv, Pu, Px, Tv, Ts, Tx, vh, vs, vu, vx, "
-                   "hs, in either order)";
-        return;
-    }
+    const int l1 = letter_of(letter1), l2 = letter_of(letter2);
+    if (l1 < 0 || l2 < 0)
+        return fail("unknown input letter '" + std::string(strip(l1 < 0 ? letter1 : letter2)) +
+                        "' (known: P, T, v, h, s, u, x)",
+                    output, errormsg);
+    variable a = variable(l1), b = variable(l2);
+    if (!solve::supported(a, b))
+        return fail("input pair '" + std::string(strip(letter1)) + std::string(strip(letter2)) +
+                        "' not supported (pairs: PT, Ph, Ps, Pv, Pu, Px, Tv, Ts, Tx, vh, vs, vu, "
+                        "vx, hs, in either order)",
+                    output, errormsg);
     code_list list;
-    if (!parse_codes(outlist, list, errormsg)) return;
-    if (list.count > static_cast<int>(output.size())) {
-        errormsg = std::string(prefix) + "output list asks for " + std::to_string(list.count) +
-                   " values, the output array holds " + std::to_string(output.size());
+    if (!parse_codes(outlist, list, errormsg)) { // the text is written
+        std::fill(output.begin(), output.end(), not_set);
         return;
     }
-    if (!std::isfinite(value1) || !std::isfinite(value2)) {
-        const std::string_view letter = std::isfinite(value1) ? letter2 : letter1;
-        errormsg = std::string(prefix) + "input value of " + std::string(strip(letter)) +
-                   " is not a finite number";
-        return;
-    }
+    if (list.count > static_cast<int>(output.size()))
+        return fail("output list asks for " + std::to_string(list.count) +
+                        " values, the output array holds " + std::to_string(output.size()),
+                    output, errormsg);
+    if (!std::isfinite(value1) || !std::isfinite(value2))
+        return fail("input value of " +
+                        std::string(strip(std::isfinite(value1) ? letter2 : letter1)) +
+                        " is not a finite number",
+                    output, errormsg);
     if (a > b) std::swap(a, b), std::swap(value1, value2);
 
-    if (!(cache.valid && cache.a == a && cache.b == b && cache.value_a == value1 &&
-          cache.value_b == value2)) {
-        cache.valid = false;
-        state st = solve::state_of(a, to_release(a, value1), b, to_release(b, value2), list.level,
-                                   errormsg);
-        if (st.region == properties::none) return;
-        cache.st = st;
-        cache.a = a, cache.b = b;
-        cache.value_a = value1, cache.value_b = value2;
-        cache.quality = cache.viscosity = cache.conductivity = not_set;
-        cache.valid = true;
+    const bool known = cache.valid && cache.a == a && cache.b == b && cache.value_a == value1 &&
+                       cache.value_b == value2;
+    if (!known || cache.st.level == properties::bare) { // solve (a bare saturation point again)
+        if (!known || list.level > properties::bare) {
+            cache.valid = false;
+            cache.st = solve::state_of(a, to_release(a, value1), b, to_release(b, value2),
+                                       list.level, errormsg);
+            if (cache.st.region == properties::none) {
+                std::fill(output.begin(), output.end(), not_set);
+                return;
+            }
+            cache.a = a, cache.b = b;
+            cache.value_a = value1, cache.value_b = value2;
+            cache.quality = cache.viscosity = cache.conductivity = not_set;
+            cache.valid = true;
+        }
     } else if (cache.st.level < list.level) {
         cache.st = properties::raise(cache.st, list.level);
     }

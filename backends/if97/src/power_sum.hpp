@@ -162,7 +162,8 @@ inline void products(const double* X, const double* Y, double* t, std::index_seq
 // f and its derivatives up to `order` (1 to 3) at (x, y), given also 1/x and 1/y (which a caller
 // can often form without waiting for x and y); x and y must not be zero.
 template <const auto& table, int order>
-inline derivatives evaluate(double x, double y, double x_reciprocal, double y_reciprocal) {
+[[gnu::always_inline]] inline derivatives evaluate(double x, double y, double x_reciprocal,
+                                                   double y_reciprocal) {
     using tab = detail::compiled<table>;
     double X[tab::x_plan.count];
     double Y[tab::y_plan.count];
@@ -193,7 +194,8 @@ inline derivatives evaluate(double x, double y, double x_reciprocal, double y_re
     return d;
 }
 
-template <const auto& table, int order> inline derivatives evaluate(double x, double y) {
+template <const auto& table, int order>
+[[gnu::always_inline]] inline derivatives evaluate(double x, double y) {
     return evaluate<table, order>(x, y, 1.0 / x, 1.0 / y);
 }
 

@@ -370,8 +370,13 @@ state mixture(const saturation& sat, double x, int lvl) {
 double quality(const state& st) {
     if (st.x != not_set) return st.x;
     if (st.p >= forward::pc) return st.T < Tc ? -1.0 : 2.0;
-    const saturation sat = saturation_p(st.p, basic);
-    const double x = (st.h - sat.liquid.h) / (sat.vapour.h - sat.liquid.h);
+    // h' and h'' of the last pressure asked about: states along one isobar pay once
+    static double last_p = -1.0, h_liquid = 0.0, h_vapour = 0.0;
+    if (st.p != last_p) {
+        const saturation sat = saturation_p(st.p, basic);
+        last_p = st.p, h_liquid = sat.liquid.h, h_vapour = sat.vapour.h;
+    }
+    const double x = (st.h - h_liquid) / (h_vapour - h_liquid);
     return x < 0.5 ? std::fmin(x, 0.0) : std::fmax(x, 1.0);
 }
 

@@ -10,6 +10,7 @@ namespace if97::properties {
 
 // What a state holds, cumulatively.
 enum level : int {
+    bare = 0,    // p, T and x of a mixture given by (p, x) or (T, x): the saturation line alone
     basic = 1,   // p, T, v, h, s, u
     caloric = 2, // + cv, cp, w, dp_dT, dp_dv
     full = 3,    // + d2p_dT2, d2p_dv2, d2p_dTdv, dcv_dT

@@ -70,10 +70,8 @@ std::string quoted(variable var, double value) {
     return text;
 }
 
-constexpr const char* prefix = "Error in IF97: ";
-
 state fail(std::string& errormsg, std::string text) {
-    errormsg = prefix + std::move(text);
+    errormsg = std::string(error_prefix) + std::move(text);
     return {};
 }
 
@@ -242,11 +240,11 @@ saturation sat_T(double T, int lvl) {
     return properties::saturation_T(T, std::max(lvl, 1));
 }
 
-// Mixture whose quality follows from property A, with property B matching yb: one unknown, the
-// temperature, on [T_min, T_sat_top]. B rises with T along such a path for the pairs used
-// (h at constant s, u, h or s at constant v).
-state two_phase_pair(variable A, double ya, variable B, double yb, double T0, int lvl,
-                     bool& found) {
+// Mixture whose quality follows from property A (s or v), with property B matching yb: one
+// unknown, the temperature, on [T_min, T_sat_top]. B rises with T along such a path for the
+// pairs used (h at constant s; u, h or s at constant v).
+state two_phase_pair(variable A, double ya, variable B, double yb, double T0, int lvl, bool& found,
+                     double T_top = T_sat_top) {
     state last;
     double x_last = 0;
     auto fn = [&](double T) -> roots::value_slope {
@@ -255,6 +253,9 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
         const double b1 = value_of(sat.liquid, B), b2 = value_of(sat.vapour, B);
         const double xq = (ya - a1) / (a2 - a1);
         x_last = xq;
+        // Outside the dome at this T (s or v beyond s', s'' or v', v'', whose span narrows
+        // as T rises): the temperature is too high.
+        if (!(xq >= 0.0 && xq <= 1.0)) return {1.0, NAN};
         last = properties::mixture(sat, std::fmin(std::fmax(xq, 0.0), 1.0), caloric);
         const double dps = forward::dpsat_dT(T);
         const properties::saturation_slope d1 = properties::slope(sat.liquid, dps);
@@ -268,10 +269,50 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
         return {b1 + xq * (b2 - b1) - yb, db1 + xq * (db2 - db1) + (b2 - b1) * dx};
     };
     const roots::result r =
-        roots::newton_bracketed(fn, T_min, T_sat_top, T0, true, tol, false, false, 60);
+        roots::newton_bracketed(fn, T_min, T_top, T0, true, tol, false, T_top < T_sat_top, 60);
     found =
         r.converged && x_last >= -1e-12 && x_last <= 1.0 + 1e-12 && matches(value_of(last, B), yb);
     return finish(last, lvl);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Two unknowns: Newton steps in the natural variables of one region, then a check that the
+// solution lies in that region.
+
+// reg r1, r2, r5: a is p (iterated as ln p in the gas regions); reg r3: a is rho.
+state newton2(int reg, variable A, double ya, variable B, double yb, double a, double T, int lvl,
+              int max_iter = 16) {
+    const bool log_a = reg == r2 || reg == r5;
+    for (int it = 0; it < max_iter; ++it) {
+        if (!(a > 0.0 && T > 200.0 && T < 2500.0)) return {};
+        state st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
+                             : properties::gibbs_state(reg, a, T, caloric);
+        const double ra = value_of(st, A) - ya, rb = value_of(st, B) - yb;
+        slope2 ja = slope_of(st, A), jb = slope_of(st, B);
+        if (log_a) ja.da *= a, jb.da *= a;
+        const double det = ja.da * jb.dT - ja.dT * jb.da;
+        double da = (ra * jb.dT - rb * ja.dT) / det;
+        double dT = (ja.da * rb - jb.da * ra) / det;
+        if (!(std::isfinite(da) && std::isfinite(dT))) return {};
+        const double rel_a = std::fabs(log_a ? da : da / a);
+        if (std::fabs(dT) <= tol * T && rel_a <= tol) {
+            if (std::fabs(dT) > 4e-16 * T || rel_a > 4e-16) { // the last step, unless negligible
+                a = log_a ? a * std::exp(-da) : a - da;
+                T -= dT;
+                st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
+                               : properties::gibbs_state(reg, a, T, caloric);
+            }
+            return in_region(st, reg) ? finish(st, lvl) : state{};
+        }
+        // keep the steps moderate: a positive, T within a few hundred kelvin
+        double damp = 1.0;
+        if (log_a && std::fabs(da) > 1.0) damp = std::fmin(damp, 1.0 / std::fabs(da));
+        if (!log_a && da > 0.5 * a) damp = std::fmin(damp, 0.5 * a / da);
+        if (std::fabs(dT) > 150.0) damp = std::fmin(damp, 150.0 / std::fabs(dT));
+        a = log_a ? a * std::exp(-damp * da) : a - damp * da;
+        T -= damp * dT;
+    }
+    return {};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -314,11 +355,54 @@ double isobar_start(int reg, double p, variable Y, double y) {
     }
 }
 
+// Typical boundary between liquid and vapour values of v, h, s, u (indexed by variable).
+constexpr std::array<double, 6> likely_vapour = {0, 0, 0.005, 2000.0, 4.6, 1800.0};
+
+// h and s have backward equations T(p, h), T(p, s) in regions 1 and 2 that are accurate to some
+// 0.01 K: a start well inside one region is taken as the region, and the iteration, with both
+// ends of the region unconfirmed, checks it.
+bool isobar_by_backward(double p, variable Y, double y, int lvl, search_result& out) {
+    if (!(p >= properties::p_sat_min() && (Y == h || Y == s))) return false;
+    // region 1 up to the dome or 623.15 K; region 2 from the dome or the B23 line to 1073.15 K
+    const double Ts = p <= properties::p_sat_13() ? forward::tsat(p) : 0.0;
+    const bool vapour = y > likely_vapour[Y];
+    const int reg = vapour ? r2 : r1;
+    const double lo = vapour ? (Ts > 0.0 ? Ts : forward::t_b23(p)) : T_min;
+    const double hi = vapour ? T25 : (Ts > 0.0 ? Ts : T13);
+    const double T0 = isobar_start(reg, p, Y, y);
+    if (!(T0 > lo + 0.5 && T0 < hi - 0.5)) {
+        // region 3, between 623.15 K and the B23 line, from SR3-03 T and v: both at once
+        if (Ts > 0.0 || p > p_max) return false;
+        const double T3 = Y == h ? backward::t_ph_3(p, y) : backward::t_ps_3(p, y);
+        const double v3 = Y == h ? backward::v_ph_3(p, y) : backward::v_ps_3(p, y);
+        if (!(T3 > T13 + 0.5 && T3 < forward::t_b23(p) - 0.5 && v3 > 0.0)) return false;
+        state st = newton2(r3, P, p, Y, y, 1.0 / v3, T3, lvl, 12);
+        if (st.region == none) return false;
+        st.p = p;
+        out.st = st;
+        return true;
+    }
+    state found;
+    auto fn = [&](double T) -> roots::value_slope {
+        found = properties::gibbs_state(reg, p, T, caloric);
+        return {value_of(found, Y) - y, slope_of(found, Y).dT};
+    };
+    const roots::result r = roots::newton_bracketed(fn, lo, hi, T0, true, tol, false, false);
+    if (!r.converged) return false;
+    out.st = finish(found, lvl);
+    return true;
+}
+
 search_result isobar(double p, variable Y, double y, int lvl) {
     search_result out;
+    if (isobar_by_backward(p, Y, y, lvl, out)) return out;
     piece_list pieces;
     double Ts = 0;
-    saturation sat3; // region-3 saturation, only between p(623.15 K) and pc
+    saturation sat3; // region-3 saturation between p(623.15 K) and pc, solved when needed
+    auto saturation3 = [&]() -> const saturation& {
+        if (sat3.liquid.region == none) sat3 = properties::saturation_p(p, 1);
+        return sat3;
+    };
     if (p < properties::p_sat_min()) {
         pieces.add(r2, T_min, T25);
     } else if (p <= properties::p_sat_13()) {
@@ -328,7 +412,6 @@ search_result isobar(double p, variable Y, double y, int lvl) {
         pieces.add(r2, Ts, T25);
     } else if (p < pc) {
         Ts = forward::tsat(p);
-        sat3 = properties::saturation_p(p, 1);
         pieces.add(r1, T_min, T13);
         pieces.add(r3, T13, Ts, +1);
         pieces.add(two_phase, Ts, Ts);
@@ -343,7 +426,7 @@ search_result isobar(double p, variable Y, double y, int lvl) {
 
     // Region-3 state at the upper end of a piece.
     auto r3_end = [&](const piece& pk) -> state {
-        if (pk.side > 0) return sat3.liquid;
+        if (pk.side > 0) return saturation3().liquid;
         state st = properties::helmholtz_state(properties::rho3_pt(p, pk.b), pk.b, 1);
         st.p = p;
         return st;
@@ -353,16 +436,26 @@ search_result isobar(double p, variable Y, double y, int lvl) {
     int first = 0, last = pieces.count - 1;
     state prev_end; // upper end of the piece before `first`
     int dome = -1;
+    bool last_end_above = false; // y is known to lie below the value at the end of `last`
     for (int k = 0; k < pieces.count; ++k)
         if (pieces.item[k].reg == two_phase) dome = k;
+    if (dome > 1) { // region 1 up to 623.15 K first: no need for the saturation there
+        prev_end = properties::gibbs_state(r1, p, T13, 1);
+        if (y <= value_of(prev_end, Y)) {
+            last = 0;
+            last_end_above = true;
+            dome = -1;
+        } else {
+            first = 1;
+        }
+    }
     if (dome >= 0) {
         const bool above = dome + 1 < pieces.count && pieces.item[dome + 1].reg == r3;
         state liquid, vapour;
         auto saturated = [&](bool liquid_side) {
-            if (above) return liquid_side ? sat3.liquid : sat3.vapour;
+            if (above) return liquid_side ? saturation3().liquid : saturation3().vapour;
             return properties::gibbs_state(liquid_side ? r1 : r2, p, Ts, 1);
         };
-        const double likely_vapour[] = {0, 0, 0.005, 2000.0, 4.6, 1800.0};
         bool vapour_known = false;
         if (y > likely_vapour[Y]) {
             vapour = saturated(false);
@@ -375,6 +468,7 @@ search_result isobar(double p, variable Y, double y, int lvl) {
             liquid = saturated(true);
             if (y <= value_of(liquid, Y)) {
                 last = dome - 1;
+                last_end_above = true;
             } else {
                 if (!vapour_known) vapour = saturated(false);
                 if (y < value_of(vapour, Y)) {
@@ -398,7 +492,7 @@ search_result isobar(double p, variable Y, double y, int lvl) {
         // The end of a piece that meets the dome is known to lie above y; any other end is
         // found out by the iteration itself when a step tries to cross it (Gibbs regions), or
         // evaluated first (region 3).
-        const bool end_known = k == last && k + 1 == dome;
+        const bool end_known = k == last && last_end_above;
         state end;
         if (pk.reg == r3) {
             end = r3_end(pk);
@@ -441,6 +535,15 @@ search_result isobar(double p, variable Y, double y, int lvl) {
             double T0 = NAN, rho = NAN;
             if (Y == h) T0 = backward::t_ph_3(p, y), rho = 1.0 / backward::v_ph_3(p, y);
             if (Y == s) T0 = backward::t_ps_3(p, y), rho = 1.0 / backward::v_ps_3(p, y);
+            if (T0 > pk.a && T0 < pk.b && rho > 0.0) {
+                // both unknowns at once from the backward start, checked
+                state st = newton2(r3, P, p, Y, y, rho, T0, lvl, 12);
+                if (st.region != none && st.T >= pk.a - 1e-7 && st.T <= pk.b + 1e-7) {
+                    st.p = p;
+                    out.st = st;
+                    return out;
+                }
+            }
             if (!(T0 > pk.a && T0 < pk.b)) T0 = interpolated;
             if (!(rho > 0.0)) rho = properties::rho3_pt(p, T0);
             double T_prev = T0;
@@ -501,7 +604,6 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
     } else {
         pieces.add(r5, p_low, p_max5);
     }
-    const bool falling = true; // v and s fall with pressure
 
     auto end_state = [&](const piece& pk, int level) -> state {
         if (pk.reg != r3) return properties::gibbs_state(pk.reg, pk.b, T, level);
@@ -534,7 +636,7 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
         }
         const state end = end_state(pk, 1);
         const double y_end = value_of(end, Y);
-        if (falling ? y < y_end : y > y_end) {
+        if (y < y_end) { // v and s fall with pressure: y lies beyond this piece
             if (last_piece) {
                 out.outside = -1;
                 out.limit = y_end;
@@ -613,46 +715,6 @@ state isotherm_state(double T, variable Y, double y, int lvl, std::string& error
 }
 
 // ---------------------------------------------------------------------------------------------
-// Two unknowns: Newton steps in the natural variables of one region, then a check that the
-// solution lies in that region.
-
-// reg r1, r2, r5: a is p (iterated as ln p in the gas regions); reg r3: a is rho.
-state newton2(int reg, variable A, double ya, variable B, double yb, double a, double T, int lvl,
-              int max_iter = 16) {
-    const bool log_a = reg == r2 || reg == r5;
-    for (int it = 0; it < max_iter; ++it) {
-        if (!(a > 0.0 && T > 200.0 && T < 2500.0)) return {};
-        state st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
-                             : properties::gibbs_state(reg, a, T, caloric);
-        const double ra = value_of(st, A) - ya, rb = value_of(st, B) - yb;
-        slope2 ja = slope_of(st, A), jb = slope_of(st, B);
-        if (log_a) ja.da *= a, jb.da *= a;
-        const double det = ja.da * jb.dT - ja.dT * jb.da;
-        double da = (ra * jb.dT - rb * ja.dT) / det;
-        double dT = (ja.da * rb - jb.da * ra) / det;
-        if (!(std::isfinite(da) && std::isfinite(dT))) return {};
-        const double rel_a = std::fabs(log_a ? da : da / a);
-        if (std::fabs(dT) <= tol * T && rel_a <= tol) {
-            if (std::fabs(dT) > 4e-16 * T || rel_a > 4e-16) { // the last step, unless negligible
-                a = log_a ? a * std::exp(-da) : a - da;
-                T -= dT;
-                st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
-                               : properties::gibbs_state(reg, a, T, caloric);
-            }
-            return in_region(st, reg) ? finish(st, lvl) : state{};
-        }
-        // keep the steps moderate: a positive, T within a few hundred kelvin
-        double damp = 1.0;
-        if (log_a && std::fabs(da) > 1.0) damp = std::fmin(damp, 1.0 / std::fabs(da));
-        if (!log_a && da > 0.5 * a) damp = std::fmin(damp, 0.5 * a / da);
-        if (std::fabs(dT) > 150.0) damp = std::fmin(damp, 150.0 / std::fabs(dT));
-        a = log_a ? a * std::exp(-damp * da) : a - damp * da;
-        T -= damp * dT;
-    }
-    return {};
-}
-
-// ---------------------------------------------------------------------------------------------
 // The pairs.
 
 state from_pt(double p, double T, int lvl, std::string& errormsg) {
@@ -664,6 +726,15 @@ state from_pt(double p, double T, int lvl, std::string& errormsg) {
     return st;
 }
 
+// A point of the saturation line with its quality and nothing else.
+state saturation_point(double p, double T, double q) {
+    state st;
+    st.region = two_phase;
+    st.level = properties::bare;
+    st.p = p, st.T = T, st.x = q;
+    return st;
+}
+
 state from_px(double p, double q, int lvl, std::string& errormsg) {
     if (p > pc)
         return fail(errormsg, "quality given at " + quoted(P, p) +
@@ -671,6 +742,7 @@ state from_px(double p, double q, int lvl, std::string& errormsg) {
     if (p < properties::p_sat_min())
         return out_of_range(errormsg, P, p, false, properties::p_sat_min(),
                             "saturation (the lowest saturation pressure)");
+    if (lvl == properties::bare) return saturation_point(p, forward::tsat(p), q);
     return properties::mixture(properties::saturation_p(p, std::max(lvl, 1)), q, lvl);
 }
 
@@ -678,6 +750,7 @@ state from_tx(double T, double q, int lvl, std::string& errormsg) {
     if (T > Tc)
         return fail(errormsg, "quality given at " + quoted(solve::T, T) +
                                   ", above the critical temperature of " + quoted(solve::T, Tc));
+    if (lvl == properties::bare) return saturation_point(T < Tc ? forward::psat(T) : pc, T, q);
     return properties::mixture(sat_T(T, lvl), q, lvl);
 }
 
@@ -697,21 +770,61 @@ double rough_T(variable Y, double y, bool gas) {
     return std::fmin(std::fmax(T0, T_min + 1.0), T13 - 1.0);
 }
 
+// Where the isochore v meets the saturation line: on the vapour line above vc, on the liquid line
+// below (above the density maximum, where v' rises with T). T is NaN where it does not meet it
+// below Tc; phase is the saturated state there.
+struct dome_point {
+    double T = NAN;
+    state phase;
+};
+
+dome_point dome_of(double vv) {
+    const bool vapour_side = vv > 1.0 / rhoc;
+    dome_point d;
+    auto fn = [&](double T) -> roots::value_slope {
+        if (T <= T13) { // the one phase wanted
+            d.phase = properties::gibbs_state(vapour_side ? r2 : r1, forward::psat(T), T, caloric);
+        } else {
+            const saturation sat = sat_T(T, caloric);
+            d.phase = vapour_side ? sat.vapour : sat.liquid;
+        }
+        const properties::saturation_slope sl = properties::slope(d.phase, forward::dpsat_dT(T));
+        return {std::log(d.phase.v / vv), sl.v / d.phase.v};
+    };
+    // start on the vapour line: the ideal gas, T = Ts(R T / v) by a few fixed-point steps
+    double T0 = 0.5 * (T_min + Tc);
+    if (vapour_side) {
+        T0 = 400.0;
+        for (int k = 0; k < 4; ++k) {
+            const double p = forward::R * T0 / (vv * 1e3);
+            if (!(p > properties::p_sat_min() && p < pc)) break;
+            T0 = forward::tsat(p);
+        }
+    }
+    const double low = vapour_side ? T_min : 277.2; // v' has its minimum at 277.13 K
+    const roots::result r =
+        roots::newton_bracketed(fn, low, T_sat_top, T0, !vapour_side, tol, false, false, 60);
+    if (r.converged) d.T = r.x;
+    return d;
+}
+
 // (v, Y) with Y one of h, s, u: Y rises with T along an isochore, in the dome as well.
 state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
     const bool gas = vv > 1.0 / rhoc;
-    // Fast attempts: one region after the other, each checked.
-    if (gas) {
+    // Steam and compressed liquid first, from a rough start, checked; steam only where y is
+    // above the largest u'', h'' or s'' of the saturated vapour, so that the state cannot be a
+    // mixture (below that, the dome is looked at first).
+    constexpr std::array<double, 6> above_dome = {0, 0, 0, 2803.3, 9.156, 2603.9};
+    if (gas && y > above_dome[Y]) {
         const double T0 = rough_T(Y, y, true);
-        const double p0 = forward::R * T0 / (vv * 1e3);
-        state st = newton2(T0 > T25 ? r5 : r2, v, vv, Y, y, p0, T0, lvl);
-        if (st.region != none) return st;
-        st = newton2(T0 > T25 ? r2 : r5, v, vv, Y, y, p0, T0, lvl);
+        const state st =
+            newton2(T0 > T25 ? r5 : r2, v, vv, Y, y, forward::R * T0 / (vv * 1e3), T0, lvl, 8);
         if (st.region != none) return st;
     } else if (vv < 1.0 / 700.0) {
-        state st = newton2(r1, v, vv, Y, y, 10.0, rough_T(Y, y, false), lvl);
+        const state st = newton2(r1, v, vv, Y, y, 10.0, rough_T(Y, y, false), lvl, 8);
         if (st.region != none) return st;
     }
+
     if (vv > 1.0 / 800.0 && vv < 1.0 / 80.0) {
         // region 3: the density is known, T follows from Y alone
         state found;
@@ -724,6 +837,33 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
         if (r.converged && in_region(found, r3)) return finish(found, lvl);
     }
 
+    // Where the isochore meets the dome: below that temperature the state is a mixture, above
+    // it a single phase, with a start extrapolated from the saturated state.
+    const dome_point d = vv > 1.0003e-3 ? dome_of(vv) : dome_point{};
+    if (std::isfinite(d.T)) {
+        const double y_d = value_of(d.phase, Y);
+        if (y < y_d) {
+            bool in_dome = false;
+            // Newton from the top of the dome, where x = 1
+            const state st = two_phase_pair(v, vv, Y, y, d.T * (1 - 1e-12), lvl, in_dome, d.T);
+            if (in_dome) return st;
+        } else {
+            const double T0 = std::fmin(d.T + (y - y_d) / dT_at_v(d.phase, Y), T_max);
+            const double p0 = std::fmax(d.phase.p + d.phase.dp_dT * 1e-6 * (T0 - d.T), 1e-6);
+            const int reg = properties::region_pt(std::fmin(p0, p_max), T0);
+            if (reg == r1 || reg == r2 || reg == r5) {
+                const state st = newton2(reg, v, vv, Y, y, p0, T0, lvl);
+                if (st.region != none) return st;
+            }
+        }
+    } else if (gas) { // an isochore above the dome: the gas regions from a rough start
+        const double T0 = rough_T(Y, y, true);
+        const double p0 = forward::R * T0 / (vv * 1e3);
+        for (const int reg : {T0 > T25 ? r5 : r2, T0 > T25 ? r2 : r5}) {
+            const state st = newton2(reg, v, vv, Y, y, p0, T0, lvl);
+            if (st.region != none) return st;
+        }
+    }
     // Robust path: the temperature as the one unknown, each step a state from (T, v).
     state found;
     auto fn = [&](double T) -> roots::value_slope {
@@ -913,6 +1053,7 @@ bool supported(variable a, variable b) {
 state state_of(variable a, double value_a, variable b, double value_b, int lvl,
                std::string& errormsg) {
     if (a > b) std::swap(a, b), std::swap(value_a, value_b);
+    if (b != x) lvl = std::max(lvl, int(properties::basic)); // only (P, x), (T, x) stop short
     if (a == P && b == T && value_a > 0.0 && value_a <= p_max && value_b >= T_min &&
         value_b <= T_max) // the commonest pair, within the limits
         return from_pt(value_a, value_b, lvl, errormsg);

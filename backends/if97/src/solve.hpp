@@ -5,8 +5,12 @@
 #include "properties.hpp"
 
 #include <string>
+#include <string_view>
 
 namespace if97::solve {
+
+// The beginning of every failure text of the library.
+inline constexpr std::string_view error_prefix = "Error in IF97: ";
 
 // The input quantities, in the order in which a pair is written canonically.
 enum variable : int { P = 0, T, v, h, s, u, x };
