@@ -136,8 +136,11 @@ const grid_result& evaluate_grid() {
                 for (std::size_t k = 0; k < properties.size(); ++k) {
                     const property& p = properties[k];
                     if (p.name == std::string_view("x") && single_phase) {
-                        if (out[k] > 0.0 && out[k] < 1.0 && g.single_phase_quality_inside++ == 0)
-                            g.quality_example = describe(pair, r) + ": x=" + std::to_string(out[k]);
+                        if (out[k] > 0.0 && out[k] < 1.0 && g.single_phase_quality_inside++ == 0) {
+                            char text[40];
+                            std::snprintf(text, sizeof text, ": x=%.17g", out[k]);
+                            g.quality_example = describe(pair, r) + text;
+                        }
                         continue;
                     }
                     const bool expected = r.has(p.column);
