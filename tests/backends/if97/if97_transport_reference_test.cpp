@@ -7,7 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -97,6 +99,80 @@ TEST(TransportReference, ReferenceCompressibilityIdealGasLimit) {
         const double above = tr::drho_dp_reference(322.0 * dr * (1 + 1e-12));
         EXPECT_NEAR(above / below, 1.0, 2e-3) << dr;
     }
+}
+
+// R15-11 Tables 7, 8 and 9 give the industrial conductivity with IF97 inputs. The back-end's own
+// IF97 is tested elsewhere; here the inputs (rho, cp, cv, (d rho/d p)_T) come from python3-iapws,
+// through the rows of the reference grid that hold these states.
+const std::vector<reference_csv::row>& grid_rows() {
+    static const std::vector<reference_csv::row> rows =
+        reference_csv::read(ZP_DATA_DIR "/if97/reference_grid.csv");
+    return rows;
+}
+
+tr::conductivity_terms terms_of(const reference_csv::row& g) {
+    const double rho = 1.0 / g.number("v_m3_kg");
+    return tr::conductivity_parts(g.number("T_K"), rho, g.number("cp_kJ_kgK"),
+                                  g.number("cv_kJ_kgK"), g.number("drho_dp_T_kg_m3MPa"),
+                                  tr::drho_dp_reference(rho));
+}
+
+TEST(TransportReference, ConductivityR1511IndustrialTables) {
+    int checked = 0;
+    for (const char* table : {"R15-11 Table 7", "R15-11 Table 8", "R15-11 Table 9"}) {
+        for (const auto& r : verification_rows()) {
+            if (r["table"] != table) continue;
+            // the grid row of the same state: T and p (Tables 7, 8) or T and rho (Table 9)
+            const reference_csv::row* state = nullptr;
+            for (const auto& g : grid_rows()) {
+                if (g["tag"] != table || g.number("T_K") != r.number("in1")) continue;
+                const double second =
+                    r["in2_name"] == "rho" ? 1.0 / g.number("v_m3_kg") : g.number("P_MPa");
+                if (std::abs(second / r.number("in2") - 1.0) < 1e-12) state = &g;
+            }
+            ASSERT_NE(state, nullptr) << table << " " << r["inputs"];
+            const tr::conductivity_terms t = terms_of(*state);
+            const std::map<std::string, double> computed = {
+                {"lambda", t.lambda0 * t.lambda1 + t.lambda2},
+                {"lambda0_bar", t.lambda0},
+                {"lambda1_bar", t.lambda1},
+                {"lambda2_bar", t.lambda2}};
+            EXPECT_NEAR(computed.at(r["output"]), r.number("value"), half_last_digit(r["value"]))
+                << table << " " << r["inputs"] << " " << r["output"];
+            ++checked;
+        }
+    }
+    EXPECT_EQ(checked,
+              12); // Table 7: lambda and its three terms at two states; Tables 8, 9: two each
+}
+
+// Over every single-phase state of the grid, the same inputs give python3-iapws's viscosity
+// and conductivity to rounding: an independent implementation of the same releases.
+TEST(TransportReference, AgreesWithPythonIapwsOverTheGrid) {
+    double worst_eta = 0.0, worst_lambda = 0.0;
+    std::string where_eta, where_lambda;
+    int compared = 0;
+    for (const auto& g : grid_rows()) {
+        if (!g.has("lambda_W_mK")) continue;
+        const double T = g.number("T_K");
+        const double rho = 1.0 / g.number("v_m3_kg");
+        const double eta = tr::viscosity(T, rho);
+        const double lambda = 1e-3 * [&] {
+            const tr::conductivity_terms t = terms_of(g);
+            return t.lambda0 * t.lambda1 + t.lambda2;
+        }();
+        const double d_eta = std::abs(eta / g.number("eta_Pa_s") - 1.0);
+        const double d_lambda = std::abs(lambda / g.number("lambda_W_mK") - 1.0);
+        if (!(d_eta <= worst_eta)) worst_eta = d_eta, where_eta = g["T_K"] + " K " + g["P_MPa"];
+        if (!(d_lambda <= worst_lambda))
+            worst_lambda = d_lambda, where_lambda = g["T_K"] + " K " + g["P_MPa"];
+        ++compared;
+    }
+    std::printf("%d states: worst relative deviation eta %.2e (%s MPa), lambda %.2e (%s MPa)\n",
+                compared, worst_eta, where_eta.c_str(), worst_lambda, where_lambda.c_str());
+    EXPECT_GT(compared, 8000);
+    EXPECT_LE(worst_eta, 1e-13) << where_eta;
+    EXPECT_LE(worst_lambda, 1e-12) << where_lambda;
 }
 
 // Inputs from which an equation of state can stray next to the critical point: the
