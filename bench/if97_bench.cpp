@@ -3,6 +3,7 @@
 // memory of its last state does not help, except in BM_repeated_state, which measures it.
 #include "forward.hpp"
 #include "if97/if97.hpp"
+#include "properties.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -170,6 +171,24 @@ void BM_tsat_equation(benchmark::State& bench) {
     }
 }
 
+// The basic equation alone, without the entry point: h of region 1 and 2 from (p, T).
+void raw_h(benchmark::State& bench, zone z, int reg) {
+    const auto& set = states(z);
+    std::size_t k = 0;
+    for (auto _ : bench) {
+        const sample& st = set[k];
+        benchmark::DoNotOptimize(
+            if97::properties::gibbs_state(reg, st.p * 0.1, st.t + 273.15, 1).h);
+        k = (k + 1) % set_size;
+    }
+}
+void BM_equation_h_region1(benchmark::State& b) {
+    raw_h(b, zone::region1, 1);
+}
+void BM_equation_h_region2(benchmark::State& b) {
+    raw_h(b, zone::region2, 2);
+}
+
 // The same state asked again and again: the last-state memory answers.
 void BM_repeated_state(benchmark::State& bench) {
     std::string err;
@@ -204,6 +223,8 @@ BENCHMARK(BM_vu_PT_region3);
 BENCHMARK(BM_vu_PT_two_phase);
 BENCHMARK(BM_tsat_main);
 BENCHMARK(BM_tsat_equation);
+BENCHMARK(BM_equation_h_region1);
+BENCHMARK(BM_equation_h_region2);
 BENCHMARK(BM_repeated_state);
 
 BENCHMARK_MAIN();

@@ -39,7 +39,7 @@ enum class code : unsigned char {
     d2P_dT2,
     d2P_dv2,
     d2P_dTdv,
-    dCv_dT,
+    dCv_dT
 };
 
 struct code_entry {
@@ -120,10 +120,28 @@ constexpr std::array<signed char, 128> one_letter = [] {
     return index;
 }();
 
+// Entries of the two-letter codes by their letters (the 5 low bits of each), checked after.
+constexpr std::size_t two_letter_key(char a, char b) {
+    return (static_cast<std::size_t>(a) & 31u) << 5 | (static_cast<std::size_t>(b) & 31u);
+}
+constexpr std::array<signed char, 1024> two_letter = [] {
+    std::array<signed char, 1024> index{};
+    index.fill(-1);
+    for (std::size_t k = 0; k < code_table.size(); ++k)
+        if (code_table[k].name.size() == 2)
+            index[two_letter_key(code_table[k].name[0], code_table[k].name[1])] =
+                static_cast<signed char>(k);
+    return index;
+}();
+
 const code_entry* find_code(std::string_view name) {
     if (name.size() == 1) {
         const auto c = static_cast<unsigned char>(name[0]);
         return c < 128 && one_letter[c] >= 0 ? &code_table[one_letter[c]] : nullptr;
+    }
+    if (name.size() == 2) {
+        const int k = two_letter[two_letter_key(name[0], name[1])];
+        return k >= 0 && same(code_table[k].name, name) ? &code_table[k] : nullptr;
     }
     for (const code_entry& e : code_table)
         if (same(e.name, name)) return &e;

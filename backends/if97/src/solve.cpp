@@ -173,8 +173,8 @@ double dT_at_v(const state& st, variable var) {
 }
 
 // The value of a solution agrees with the one asked for.
-bool matches(double value, double wanted) {
-    return std::fabs(value - wanted) <= 1e-9 * std::fmax(std::fabs(wanted), 1.0);
+bool matches(double value, double wanted, double rel = 1e-9) {
+    return std::fabs(value - wanted) <= rel * std::fmax(std::fabs(wanted), 1.0);
 }
 
 state finish(state st, int lvl) {
@@ -270,8 +270,10 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
     };
     const roots::result r =
         roots::newton_bracketed(fn, T_min, T_top, T0, true, tol, false, T_top < T_sat_top, 60);
-    found =
-        r.converged && x_last >= -1e-12 && x_last <= 1.0 + 1e-12 && matches(value_of(last, B), yb);
+    // a state on the saturation line itself (to 1e-9 in x) is left to the single-phase
+    // candidates, which give the saturated phase with all its properties
+    found = r.converged && x_last >= 1e-9 && x_last <= 1.0 - 1e-9 &&
+            matches(value_of(last, B), yb, 1e-11);
     return finish(last, lvl);
 }
 
@@ -283,6 +285,7 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
 state newton2(int reg, variable A, double ya, variable B, double yb, double a, double T, int lvl,
               int max_iter = 16) {
     const bool log_a = reg == r2 || reg == r5;
+    double last_rel_a = INFINITY;
     for (int it = 0; it < max_iter; ++it) {
         if (!(a > 0.0 && T > 200.0 && T < 2500.0)) return {};
         state st = reg == r3 ? properties::helmholtz_state(a, T, caloric)
@@ -295,6 +298,13 @@ state newton2(int reg, variable A, double ya, variable B, double yb, double a, d
         double dT = (ja.da * rb - jb.da * ra) / det;
         if (!(std::isfinite(da) && std::isfinite(dT))) return {};
         const double rel_a = std::fabs(log_a ? da : da / a);
+        // Where the pair hardly fixes one variable (the pressure of cold liquid from h and s),
+        // the steps keep jittering while both residuals are at the last bits: done as well.
+        const bool at_rounding = std::fabs(ra) <= 1e-12 * std::fmax(std::fabs(ya), 1.0) &&
+                                 std::fabs(rb) <= 1e-12 * std::fmax(std::fabs(yb), 1.0);
+        if (at_rounding && rel_a > 0.5 * last_rel_a) // no longer shrinking
+            return in_region(st, reg) ? finish(st, lvl) : state{};
+        last_rel_a = rel_a;
         if (std::fabs(dT) <= tol * T && rel_a <= tol) {
             if (std::fabs(dT) > 4e-16 * T || rel_a > 4e-16) { // the last step, unless negligible
                 a = log_a ? a * std::exp(-da) : a - da;
@@ -523,6 +533,10 @@ search_result isobar(double p, variable Y, double y, int lvl) {
             const bool lo_known = k == first && first == dome + 1;
             r = roots::newton_bracketed(fn, pk.a, pk.b, T0, true, tol, lo_known, end_known);
             if (!r.converged && r.x == pk.b) { // y lies beyond this piece
+                if (matches(value_of(found, Y), y)) {
+                    out.st = finish(found, lvl); // on its upper edge, to rounding
+                    return out;
+                }
                 if (k == pieces.count - 1) {
                     out.outside = +1;
                     out.limit = value_of(found, Y);
@@ -558,7 +572,8 @@ search_result isobar(double p, variable Y, double y, int lvl) {
             };
             r = roots::newton_bracketed(fn, pk.a, pk.b, T0, true, tol, false, true);
         }
-        if (r.converged || (r.x == pk.a && k > 0)) { // or in the gap between two equations
+        // converged, in the gap between two equations, or on the lowest edge to rounding
+        if (r.converged || (r.x == pk.a && (k > 0 || matches(value_of(found, Y), y)))) {
             out.st = finish(found, lvl);
         } else if (r.x == pk.a) {
             out.outside = -1;
@@ -637,6 +652,10 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
         const state end = end_state(pk, 1);
         const double y_end = value_of(end, Y);
         if (y < y_end) { // v and s fall with pressure: y lies beyond this piece
+            if (last_piece && matches(y_end, y)) { // on the edge of the range, to rounding
+                out.st = finish(properties::raise(end, caloric), lvl);
+                return out;
+            }
             if (last_piece) {
                 out.outside = -1;
                 out.limit = y_end;
@@ -718,11 +737,12 @@ state isotherm_state(double T, variable Y, double y, int lvl, std::string& error
 // The pairs.
 
 state from_pt(double p, double T, int lvl, std::string& errormsg) {
+    state st = properties::state_pt(p, T, lvl); // (one object returned: no copy)
+    if (st.region != none) return st;
     if (T > T25 && p > p_max5)
-        return out_of_range(errormsg, P, p, true, p_max5, "temperatures above 800 °C");
-    state st = properties::state_pt(p, T, lvl);
-    if (st.region == none)
-        return fail(errormsg, "no convergence at " + quoted(P, p) + " and " + quoted(solve::T, T));
+        out_of_range(errormsg, P, p, true, p_max5, "temperatures above 800 °C");
+    else
+        fail(errormsg, "no convergence at " + quoted(P, p) + " and " + quoted(solve::T, T));
     return st;
 }
 
@@ -855,6 +875,10 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
                 const state st = newton2(reg, v, vv, Y, y, p0, T0, lvl);
                 if (st.region != none) return st;
             }
+            if (reg == r2 || reg == r5) { // the other side of 1073.15 K
+                const state st = newton2(reg == r2 ? r5 : r2, v, vv, Y, y, p0, T0, lvl);
+                if (st.region != none) return st;
+            }
         }
     } else if (gas) { // an isochore above the dome: the gas regions from a rough start
         const double T0 = rough_T(Y, y, true);
@@ -923,6 +947,25 @@ state from_vx(double vv, double q, int lvl, std::string& errormsg) {
                               quoted(v, vv) + " and " + quantities[x].name + " " + quoted(x, q));
 }
 
+// Start of a mixture from (h, s) below 623.15 K: a mixture has h - T s = g(T), the Gibbs energy
+// of its saturated phases, taken here from the liquid (region 1) alone; d(g')/dT along the
+// saturation line is v' dps/dT - s'. The wanted root has s' < s; from T_min the iteration
+// climbs to it. NaN when it would leave that side or pass 623.15 K.
+double dome_start_hs(double hh, double ss) {
+    double T = T_min;
+    for (int it = 0; it < 8; ++it) {
+        const state l = properties::gibbs_state(r1, forward::psat(T), T, 1);
+        if (!(l.s < ss)) return NAN;
+        const double f = hh - T * ss - (l.h - T * l.s);
+        const double df = -ss + l.s - l.v * forward::dpsat_dT(T) * 1e3;
+        const double next = T - f / df;
+        if (!(next > T_min && next < T13)) return NAN;
+        if (std::fabs(next - T) < 1e-3) return next;
+        T = next;
+    }
+    return T;
+}
+
 // (h, s): the region from the boundary equations of SR4-04 (approximate, so the neighbours are
 // tried as well), the start from the backward equations p(h, s).
 state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
@@ -975,7 +1018,8 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
             return newton2(r5, h, hh, s, ss, p0 > 0.0 ? p0 : 1.0, 1500.0, lvl);
         }
         default: {
-            const double T0 = ss >= 5.210887825 ? backward::tsat_hs(hh, ss) : NAN; // eq. 9 range
+            const double T0 = ss >= 5.210887825 ? backward::tsat_hs(hh, ss) // eq. 9 range
+                                                : dome_start_hs(hh, ss);
             bool found = false;
             const state st = two_phase_pair(s, ss, h, hh, T0, lvl, found);
             return found ? st : state{};

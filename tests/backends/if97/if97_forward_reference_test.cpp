@@ -1,7 +1,8 @@
 // The IF97 back-end through its entry point if97_main against the IAPWS verification values of
 // the basic equations (R7-97(2012) Tables 5, 15, 33, 35, 36, 42 and the B23 checks) and of the
 // industrial transport properties evaluated with IF97 (R15-11 Tables 7, 8, 9; R12-08 Table 4;
-// R1-76 eq. 1), read from data/if97/verification_tables.csv.
+// R1-76 eq. 1), read from data/if97/verification_tables.csv. The metastable-vapour equation
+// (R7-97 Table 18) is not part of the library; the backward equations have their own test.
 #include "backends/if97/reference_csv.hpp"
 #include "forward.hpp"
 #include "if97/if97.hpp"

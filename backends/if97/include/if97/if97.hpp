@@ -16,7 +16,10 @@
 //
 // Output codes: P, p, T, t, v, h, s, u, x, cv, cp, w, dv (viscosity), tc (thermal conductivity),
 // st (surface tension at the state's temperature, -8888.8 from the critical temperature on),
-// dP_dT, dP_dv, d2P_dT2, d2P_dv2, d2P_dTdv, dCv_dT.
+// dP_dT, dP_dv, d2P_dT2, d2P_dv2, d2P_dTdv, dCv_dT. Viscosity and conductivity are those of
+// IAPWS R12-08 and R15-11 for industrial use, with IF97 densities and derivatives (the
+// conductivity's reference compressibility at 1.5 Tc from R15-11 eq. 25); above 900 °C (region 5)
+// they are extrapolated beyond their published range.
 //
 // Inside the dome (0 < x < 1) v, h, s, u are the quality-weighted mixture of the saturated
 // phases; cv is the isochoric heat capacity of the mixture, held at its overall volume while part
