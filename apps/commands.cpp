@@ -26,6 +26,32 @@ void print_row(std::string_view name, std::string_view meaning, double value,
                 static_cast<int>(unit.size()), unit.data());
 }
 
+// Models whose full state carries no pressure derivatives (IF97) leave the derivative properties
+// of allprops uncomputed; their own entry points derive them from single properties instead.
+using entry_point = double (*)(std::string_view, double, double, std::string&);
+constexpr std::array<std::pair<std::string_view, entry_point>, 10> derived_entries{{
+    {"alpha", &zentropia_main::alpha},
+    {"beta", &zentropia_main::beta},
+    {"chi", &zentropia_main::chi},
+    {"fi", &zentropia_main::fi},
+    {"ksi", &zentropia_main::ksi},
+    {"psi", &zentropia_main::psi},
+    {"zeta", &zentropia_main::zeta},
+    {"theta", &zentropia_main::theta},
+    {"kappa", &zentropia_main::kappa},
+    {"gamma", &zentropia_main::gamma},
+}};
+
+double derived_value(std::string_view name, std::string_view spec, double v1, double v2) {
+    for (const auto& [entry_name, entry] : derived_entries)
+        if (entry_name == name) {
+            std::string errormsg;
+            const double value = entry(spec, v1, v2, errormsg);
+            return zp_common::is_ok(errormsg) ? value : zp_common::not_set;
+        }
+    return zp_common::not_set;
+}
+
 std::string fluid_name(const selection& fluid) {
     std::string name = fluid.model + ":";
     for (std::size_t i = 0; i < fluid.components.size(); ++i)
@@ -62,6 +88,7 @@ int run_props(const command_line& cl) {
                 cl.arguments[1].c_str(), cl.arguments[2].c_str());
     for (std::size_t i = 0; i < n_allprops; ++i) {
         const auto& row = zentropia::allprops_outputs[i];
+        if (zp_common::isinit(values[i])) values[i] = derived_value(row.name, spec, v1, v2);
         print_row(row.name, row.description, values[i], unit_of(row.unit_symbol));
     }
     if (cl.fluid.components.size() > 1)

@@ -47,6 +47,14 @@ def test_props_is_a_table_with_units():
     assert "not computed" in table["kappa"]                     # IF97 does not give it
 
 
+def test_props_fills_the_derivatives_from_their_entry_points():
+    # Dilute steam is nearly an ideal gas: the fundamental derivative tends to (cp/cv + 1) / 2.
+    out = run("props", "PT", 0.01, 400, "--units", "Zentropia", check=OK).stdout
+    table = {line.split()[0]: line.split() for line in out.splitlines()[2:]}
+    cp, cv = float(table["cp"][-2]), float(table["cv"][-2])
+    assert float(table["gamma"][-1]) == pytest.approx((cp / cv + 1) / 2, rel=1e-2)  # no unit
+
+
 def test_info_fluids_and_units():
     info = run("info", "--unit", "P=MPa", check=OK).stdout
     assert "647.096" in info and "22.064" in info and "MPa" in info
