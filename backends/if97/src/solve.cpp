@@ -1101,6 +1101,9 @@ state state_of(variable a, double value_a, variable b, double value_b, int lvl,
     if (a == P && b == T && value_a > 0.0 && value_a <= p_max && value_b >= T_min &&
         value_b <= T_max) // the commonest pair, within the limits
         return from_pt(value_a, value_b, lvl, errormsg);
+    if (a == P && b == x && lvl == properties::bare && value_a <= pc &&
+        value_a >= properties::p_sat_min() && value_b >= 0.0 && value_b <= 1.0)
+        return saturation_point(value_a, forward::tsat(value_a), value_b); // Ts(p) alone
     if (!within_limits(a, value_a, errormsg) || !within_limits(b, value_b, errormsg)) return {};
     switch (a) {
     case P:
