@@ -392,14 +392,18 @@ bool isobar_by_backward(double p, variable Y, double y, int lvl, search_result& 
         out.st = st;
         return true;
     }
-    state found;
+    forward::derivatives g; // at the last temperature tried, T_g: the state is built once, there
+    double T_g = T0;
+    const double T_star = reg == r1 ? forward::T1_star : forward::T2_star;
     auto fn = [&](double T) -> roots::value_slope {
-        found = properties::gibbs_state(reg, p, T, caloric);
-        return {value_of(found, Y) - y, slope_of(found, Y).dT};
+        g = properties::gibbs_derivatives(reg, p, T), T_g = T;
+        const properties::isobar_point pt = properties::isobar_values(T, T_star / T, g);
+        return Y == h ? roots::value_slope{pt.h - y, pt.cp}
+                      : roots::value_slope{pt.s - y, pt.cp / T};
     };
     const roots::result r = roots::newton_bracketed(fn, lo, hi, T0, true, tol, false, false);
     if (!r.converged) return false;
-    out.st = finish(found, lvl);
+    out.st = finish(properties::gibbs_state(reg, p, T_g, caloric, g), lvl);
     return true;
 }
 
