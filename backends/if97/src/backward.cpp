@@ -16,6 +16,8 @@
 
 #include "backward.hpp"
 
+#include "forward.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -1277,24 +1279,9 @@ constexpr term tsat_hs_terms[] = {
 // clang-format on
 
 // ---------------------------------------------------------------------------------------------
-// Region 3 v(p,T) (SR5-05) and the saturation temperature (R7-97)
+// Region 3 v(p,T) (SR5-05)
 
 // clang-format off
-// R7-97(2012) Table 34: coefficients of the saturation equations, here eq. 31 for Ts(p);
-// p* = 1 MPa, T* = 1 K
-constexpr coefficient sat_n[] = {
-    {1, 0.11670521452767e4},
-    {2, -0.72421316703206e6},
-    {3, -0.17073846940092e2},
-    {4, 0.12020824702470e5},
-    {5, -0.32325550322333e7},
-    {6, 0.14915108613530e2},
-    {7, -0.48232657361591e4},
-    {8, 0.40511340542057e6},
-    {9, -0.23855557567849},
-    {10, 0.65017534844798e3},
-};
-
 // SR5-05(2016) eq. 1: T_3xy(p)/T* = Σ n_i π^I_i; T* = 1 K, p* = 1 MPa
 constexpr term1 t3cd_terms[] = {
     {1, 0, 0.585276966696349e3},
@@ -2473,7 +2460,7 @@ char near_critical_subregion_3(double p, double T) {
         if (T <= t_3wx(p)) return 'z';
         return 'x';
     }
-    if (T <= tsat_p(p)) return p <= p_3uv_sat || T <= t_3uv(p) ? 'u' : 'y';
+    if (T <= forward::tsat(p)) return p <= p_3uv_sat || T <= t_3uv(p) ? 'u' : 'y';
     return p <= p_3wx_sat || T > t_3wx(p) ? 'x' : 'z';
 }
 
@@ -2547,17 +2534,6 @@ double psat3_h(double h) {
 double psat3_s(double s) {
     const double sigma = s * (1.0 / 5.2);
     return finite_or(22.0 * series<psat3_s_terms>::sum(sigma - 1.03, sigma - 0.699), fallback_p3);
-}
-
-double tsat_p(double p) {
-    const double beta = std::sqrt(std::sqrt(p));
-    const double e = beta * beta + sat_n[2].n * beta + sat_n[5].n;
-    const double f = sat_n[0].n * beta * beta + sat_n[3].n * beta + sat_n[6].n;
-    const double g = sat_n[1].n * beta * beta + sat_n[4].n * beta + sat_n[7].n;
-    const double d = 2.0 * g / (-f - std::sqrt(f * f - 4.0 * e * g));
-    const double n10d = sat_n[9].n + d;
-    const double t = 0.5 * (n10d - std::sqrt(n10d * n10d - 4.0 * (sat_n[8].n + sat_n[9].n * d)));
-    return finite_or(t, fallback_tsat);
 }
 
 double t_3(boundary3 which, double p) {
@@ -2757,15 +2733,15 @@ char subregion_3(double p, double T) {
     }
     if (p > 20.5) {
         if (T <= t_3cd(p)) return 'c';
-        if (T <= tsat_p(p)) return 's';
+        if (T <= forward::tsat(p)) return 's';
         if (T <= t_3jk(p)) return 'r';
         return 'k';
     }
     if (p > p_3cd_sat) {
         if (T <= t_3cd(p)) return 'c';
-        return T <= tsat_p(p) ? 's' : 't';
+        return T <= forward::tsat(p) ? 's' : 't';
     }
-    return T <= tsat_p(p) ? 'c' : 't';
+    return T <= forward::tsat(p) ? 'c' : 't';
 }
 
 double v_pt_3(double p, double T) {

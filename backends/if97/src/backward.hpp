@@ -42,9 +42,6 @@ double tsat_hs(double h, double s);
 // near-critical subregions 3u..3z)
 double v_pt_3(double p, double T);
 
-// Saturation temperature Ts(p), R7-97 eq. 31 (it separates some of the region 3 subregions)
-double tsat_p(double p);
-
 // Region 3 subregion boundaries T_3xy(p) of SR5-05 eqs. 1-3 (uv and wx: near-critical ones)
 enum class boundary3 { ab, cd, ef, gh, ij, jk, mn, op, qu, rx, uv, wx };
 double t_3(boundary3 which, double p);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <string>
 
 namespace if97 {
@@ -167,6 +168,39 @@ bool parse_codes(std::string_view outlist, code_list& list, std::string& errorms
     return code_error(outlist, list, {}, errormsg);
 }
 
+// The last output list parsed and its codes: a caller usually asks the same list again and again,
+// and then the text is compared instead of parsed.
+struct remembered_list {
+    std::array<char, 256> text{};
+    std::size_t size = 0; // 0: nothing remembered
+    code_list list;
+};
+
+remembered_list last_list;
+
+// The codes of an output list, parsed or remembered; nullptr on failure (the text is written).
+const code_list* codes_of(std::string_view outlist, std::string& errormsg) {
+    remembered_list& m = last_list;
+    if (same(outlist, std::string_view(m.text.data(), m.size))) return &m.list;
+    m.size = 0;
+    m.list = code_list{};
+    if (!parse_codes(outlist, m.list, errormsg)) return nullptr;
+    if (!outlist.empty() && outlist.size() <= m.text.size()) {
+        std::memcpy(m.text.data(), outlist.data(), outlist.size());
+        m.size = outlist.size();
+    }
+    return &m.list;
+}
+
+// The last pair of one-character input letters read and their variables (a valid pair to begin
+// with, so that no match is ever wrong).
+struct remembered_pair {
+    char first = 'P', second = 'T';
+    variable a = solve::P, b = solve::T;
+};
+
+remembered_pair last_pair;
+
 // The variable of an input letter, or -1.
 int letter_of(std::string_view letter) {
     const std::string_view l = letter.size() == 1 ? letter : strip(letter);
@@ -280,22 +314,28 @@ void if97_main(std::string_view letter1, double value1, std::string_view letter2
     constexpr std::string_view no_errors = "No errors";
     if (std::string_view(errormsg) != no_errors) errormsg.assign(no_errors);
 
-    const int l1 = letter_of(letter1), l2 = letter_of(letter2);
-    if (l1 < 0 || l2 < 0)
-        return fail("unknown input letter '" + std::string(strip(l1 < 0 ? letter1 : letter2)) +
-                        "' (known: P, T, v, h, s, u, x)",
-                    output, errormsg);
-    variable a = variable(l1), b = variable(l2);
-    if (!solve::supported(a, b))
-        return fail("input pair '" + std::string(strip(letter1)) + std::string(strip(letter2)) +
-                        "' not supported (pairs: PT, Ph, Ps, Pv, Pu, Px, Tv, Ts, Tx, vh, vs, vu, "
-                        "vx, hs, in either order)",
-                    output, errormsg);
-    code_list list;
-    if (!parse_codes(outlist, list, errormsg)) { // the text is written
+    variable a = last_pair.a, b = last_pair.b;
+    if (letter1.size() != 1 || letter2.size() != 1 || letter1[0] != last_pair.first ||
+        letter2[0] != last_pair.second) {
+        const int l1 = letter_of(letter1), l2 = letter_of(letter2);
+        if (l1 < 0 || l2 < 0)
+            return fail("unknown input letter '" + std::string(strip(l1 < 0 ? letter1 : letter2)) +
+                            "' (known: P, T, v, h, s, u, x)",
+                        output, errormsg);
+        a = variable(l1), b = variable(l2);
+        if (!solve::supported(a, b))
+            return fail("input pair '" + std::string(strip(letter1)) + std::string(strip(letter2)) +
+                            "' not supported (pairs: PT, Ph, Ps, Pv, Pu, Px, Tv, Ts, Tx, vh, vs, "
+                            "vu, vx, hs, in either order)",
+                        output, errormsg);
+        if (letter1.size() == 1 && letter2.size() == 1) last_pair = {letter1[0], letter2[0], a, b};
+    }
+    const code_list* parsed = codes_of(outlist, errormsg);
+    if (parsed == nullptr) { // the text is written
         std::fill(output.begin(), output.end(), not_set);
         return;
     }
+    const code_list& list = *parsed;
     if (list.count > static_cast<int>(output.size()))
         return fail("output list asks for " + std::to_string(list.count) +
                         " values, the output array holds " + std::to_string(output.size()),
@@ -337,6 +377,7 @@ void getversion(std::array<int, 4>& version) {
 
 void uninit_if97() {
     cache = last_state{};
+    last_list.size = 0;
 }
 
 } // namespace if97

@@ -4,6 +4,7 @@
 #include "forward.hpp"
 #include "roots.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -31,6 +32,14 @@ template <int lvl> derivatives gibbs(int reg, double p, double T) {
     }
 }
 
+} // namespace
+
+derivatives gibbs_derivatives(int reg, double p, double T) {
+    return gibbs<2>(reg, p, T);
+}
+
+namespace {
+
 // Properties of a Gibbs region from gamma(pi, tau) and its derivatives (R7-97 Tables 3, 12, 39),
 // and the pressure derivatives at constant v or T from the Gibbs derivatives in SI units.
 state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& g) {
@@ -40,6 +49,7 @@ state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& 
     const double pi = p / p_star;
     const double tau = T_star / T;
     const double RT = R * T;
+    const isobar_point hs = isobar_values(T, tau, g);
 
     state st;
     st.region = reg;
@@ -47,13 +57,13 @@ state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& 
     st.p = p;
     st.T = T;
     st.v = RT * g.f_x * 1e-3 / p_star; // (RT/p) pi gamma_pi
-    st.h = RT * tau * g.f_y;
+    st.h = hs.h;
     st.u = RT * (tau * g.f_y - pi * g.f_x);
-    st.s = R * (tau * g.f_y - g.f);
+    st.s = hs.s;
     if (lvl < caloric) return st;
 
     const double a = g.f_x - tau * g.f_xy;
-    st.cp = -R * tau * tau * g.f_yy;
+    st.cp = hs.cp;
     st.cv = st.cp + R * a * a / g.f_xx;
     st.w = std::sqrt(RT * 1e3 * g.f_x * g.f_x / (a * a / (tau * tau * g.f_yy) - g.f_xx));
     const double ps = p_star * 1e6; // Pa
@@ -230,6 +240,10 @@ state gibbs_state(int reg, double p, double T, int lvl) {
     default:
         return gibbs_properties(reg, p, T, full, gibbs<3>(reg, p, T));
     }
+}
+
+state gibbs_state(int reg, double p, double T, int lvl, const derivatives& g) {
+    return gibbs_properties(reg, p, T, std::min(lvl, int(caloric)), g);
 }
 
 state helmholtz_state(double rho, double T, int lvl) {

@@ -4,9 +4,12 @@
 // Units of the release: p MPa, T K, v m³/kg, h and u kJ/kg, s, cv and cp kJ/(kg K), w m/s; the
 // pressure derivatives on a pascal basis (Pa/K, Pa kg/m³, Pa/K², Pa (kg/m³)², Pa kg/(m³ K)) and
 // dcv_dT in J/(kg K²).
+#include "forward.hpp"
 #include "sentinel.hpp"
 
 namespace if97::properties {
+
+using forward::derivatives;
 
 // What a state holds, cumulatively.
 enum level : int {
@@ -44,6 +47,18 @@ double p_sat_13();
 
 // State of region 1, 2 or 5 at (p, T), computed up to `lvl`.
 state gibbs_state(int reg, double p, double T, int lvl);
+// For iterations along an isobar of region 1, 2 or 5 that follow h or s: the Gibbs derivatives
+// at (p, T) up to the second order, the h, s and cp they give at tau = T*/T, and the state they
+// give (up to `caloric`), built once at the end instead of at every step.
+struct isobar_point {
+    double h, s, cp;
+};
+derivatives gibbs_derivatives(int reg, double p, double T);
+inline isobar_point isobar_values(double T, double tau, const derivatives& g) {
+    return {forward::R * T * tau * g.f_y, forward::R * (tau * g.f_y - g.f),
+            -forward::R * tau * tau * g.f_yy};
+}
+state gibbs_state(int reg, double p, double T, int lvl, const derivatives& g);
 // State of region 3 at (rho, T).
 state helmholtz_state(double rho, double T, int lvl);
 

@@ -392,14 +392,18 @@ bool isobar_by_backward(double p, variable Y, double y, int lvl, search_result& 
         out.st = st;
         return true;
     }
-    state found;
+    forward::derivatives g; // at the last temperature tried, T_g: the state is built once, there
+    double T_g = T0;
+    const double T_star = reg == r1 ? forward::T1_star : forward::T2_star;
     auto fn = [&](double T) -> roots::value_slope {
-        found = properties::gibbs_state(reg, p, T, caloric);
-        return {value_of(found, Y) - y, slope_of(found, Y).dT};
+        g = properties::gibbs_derivatives(reg, p, T), T_g = T;
+        const properties::isobar_point pt = properties::isobar_values(T, T_star / T, g);
+        return Y == h ? roots::value_slope{pt.h - y, pt.cp}
+                      : roots::value_slope{pt.s - y, pt.cp / T};
     };
     const roots::result r = roots::newton_bracketed(fn, lo, hi, T0, true, tol, false, false);
     if (!r.converged) return false;
-    out.st = finish(found, lvl);
+    out.st = finish(properties::gibbs_state(reg, p, T_g, caloric, g), lvl);
     return true;
 }
 
@@ -1101,6 +1105,9 @@ state state_of(variable a, double value_a, variable b, double value_b, int lvl,
     if (a == P && b == T && value_a > 0.0 && value_a <= p_max && value_b >= T_min &&
         value_b <= T_max) // the commonest pair, within the limits
         return from_pt(value_a, value_b, lvl, errormsg);
+    if (a == P && b == x && lvl == properties::bare && value_a <= pc &&
+        value_a >= properties::p_sat_min() && value_b >= 0.0 && value_b <= 1.0)
+        return saturation_point(value_a, forward::tsat(value_a), value_b); // Ts(p) alone
     if (!within_limits(a, value_a, errormsg) || !within_limits(b, value_b, errormsg)) return {};
     switch (a) {
     case P:

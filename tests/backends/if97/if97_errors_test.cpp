@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -119,6 +120,49 @@ TEST(If97Errors, TheLastStateMemoryStaysRight) {
     if97::uninit_if97();
     if97::if97_main("h", 2800.0, "P", 10.0, "T,s.", again, err);
     EXPECT_EQ(again, first);
+}
+
+// The back-end remembers the letters and the output list it read last; a caller who changes them,
+// even in place in the same buffers, is answered for the new ones.
+struct step {
+    const char* l1;
+    double a;
+    const char* l2;
+    double b;
+    const char* list;
+    double value;        // the answer expected when message is empty
+    const char* message; // else the part of the failure text that must appear
+};
+
+constexpr std::array<step, 9> steps = {{
+    {"P", 1.0, "T", 20.0, "h.", 84.0118, ""},
+    {"P", 1.0, "T", 20.0, "s.", 0.29648, ""}, // same length, other code
+    {"P", 1.0, "x", 0.5, "T.", 99.6059, ""},  // other second letter, saturation alone
+    {"P", 1.0, "x", 0.5, "h.", 1546.19, ""},  // the same state asked more of
+    {"P", 1.0, "q", 0.5, "h.", 0.0, "unknown input letter 'q'"},
+    {"T", 20.0, "T", 1.0, "h.", 0.0, "input pair 'TT' not supported"},
+    {"T", 20.0, "P", 1.0, "h.", 84.0118, ""},
+    {"T", 20.0, "P", 1.0, "h,", 0.0, "output list 'h,' not closed by '.'"},
+    {"T", 20.0, "P", 1.0, "s.", 0.29648, ""},
+}};
+
+TEST(If97Errors, ChangedLettersAndListsAreReadAgain) {
+    std::array<char, 2> l1{}, l2{};
+    std::array<char, 3> list{};
+    std::array<double, 1> out{};
+    std::string err;
+    for (const step& c : steps) {
+        l1[0] = c.l1[0], l2[0] = c.l2[0];
+        std::copy_n(c.list, 2, list.begin());
+        if97::if97_main(l1.data(), c.a, l2.data(), c.b, list.data(), out, err);
+        if (*c.message == '\0') {
+            EXPECT_EQ(err, "No errors") << c.l1 << c.l2 << " " << c.list;
+            EXPECT_NEAR(out[0], c.value, 1e-4 * std::abs(c.value)) << c.l1 << c.l2 << " " << c.list;
+        } else {
+            EXPECT_NE(err.find(c.message), std::string::npos) << err;
+            EXPECT_EQ(out[0], -8888.8);
+        }
+    }
 }
 
 TEST(If97Errors, VersionAndLinkCheck) {
