@@ -42,7 +42,8 @@ namespace {
 
 // Properties of a Gibbs region from gamma(pi, tau) and its derivatives (R7-97 Tables 3, 12, 39),
 // and the pressure derivatives at constant v or T from the Gibbs derivatives in SI units.
-state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& g) {
+// Written into `st` in place, so that a state kept by the caller is not built and copied.
+void fill_gibbs(state& st, int reg, double p, double T, int lvl, const derivatives& g) {
     double p_star = forward::p1_star, T_star = forward::T1_star;
     if (reg == r2) p_star = forward::p2_star, T_star = forward::T2_star;
     if (reg == r5) p_star = forward::p5_star, T_star = forward::T5_star;
@@ -51,7 +52,6 @@ state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& 
     const double RT = R * T;
     const isobar_point hs = isobar_values(T, tau, g);
 
-    state st;
     st.region = reg;
     st.level = lvl;
     st.p = p;
@@ -60,7 +60,12 @@ state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& 
     st.h = hs.h;
     st.u = RT * (tau * g.f_y - pi * g.f_x);
     st.s = hs.s;
-    if (lvl < caloric) return st;
+    st.x = not_set;
+    if (lvl < caloric) {
+        st.cv = st.cp = st.w = st.dp_dT = st.dp_dv = not_set;
+        st.d2p_dT2 = st.d2p_dv2 = st.d2p_dTdv = st.dcv_dT = not_set;
+        return;
+    }
 
     const double a = g.f_x - tau * g.f_xy;
     st.cp = hs.cp;
@@ -71,7 +76,10 @@ state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& 
     const double G_pT = R_si * a / ps;
     st.dp_dT = -G_pT / G_pp;
     st.dp_dv = 1.0 / G_pp;
-    if (lvl < full) return st;
+    if (lvl < full) {
+        st.d2p_dT2 = st.d2p_dv2 = st.d2p_dTdv = st.dcv_dT = not_set;
+        return;
+    }
 
     const double G_TT = R_si * tau * tau * g.f_yy / T;
     const double G_ppp = R_si * T * g.f_xxx / (ps * ps * ps);
@@ -87,6 +95,11 @@ state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& 
     st.d2p_dT2 = P_TT;
     const double c = G_TT + G_pT * P_T; // -cv/T
     st.dcv_dT = -c - T * ((G_TTT + G_pTT * P_T) + (G_pTT + G_ppT * P_T) * P_T + G_pT * P_TT);
+}
+
+state gibbs_properties(int reg, double p, double T, int lvl, const derivatives& g) {
+    state st;
+    fill_gibbs(st, reg, p, T, lvl, g);
     return st;
 }
 
@@ -312,6 +325,20 @@ double rho3_pt(double p, double T) {
     }
     const roots::result r = roots::newton_bracketed(fn, lo, hi, 0.5 * (lo + hi), true, 1e-14);
     return r.converged ? r.x : -1.0;
+}
+
+void state_pt(state& st, double p, double T, int lvl) {
+    const int reg = region_pt(p, T);
+    switch (reg == r3 || reg == none ? full + 1 : lvl) {
+    case basic:
+        return fill_gibbs(st, reg, p, T, lvl, gibbs<1>(reg, p, T));
+    case caloric:
+        return fill_gibbs(st, reg, p, T, lvl, gibbs<2>(reg, p, T));
+    case full:
+        return fill_gibbs(st, reg, p, T, lvl, gibbs<3>(reg, p, T));
+    default:
+        st = state_pt(p, T, lvl);
+    }
 }
 
 state state_pt(double p, double T, int lvl) {

@@ -69,6 +69,8 @@ int region_pt(double p, double T);
 double rho3_pt(double p, double T);
 // The state at (p, T) in its region; region none outside the range.
 state state_pt(double p, double T, int lvl);
+// The same, written into `st` (lvl basic to full); st.region none outside the range.
+void state_pt(state& st, double p, double T, int lvl);
 
 // Saturated liquid and vapour at temperature T (273.15 K to Tc) or pressure p (ps(273.15 K)
 // to pc). Above 623.15 K both phases solve p3(rho, T) = ps(T) with the region-3 equation.
