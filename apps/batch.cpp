@@ -155,8 +155,9 @@ class evaluator {
     static auto entry(int column) { return zentropia::allprops_outputs[column].entry; }
 
 public:
-    evaluator(std::string spec, std::vector<std::string> keywords)
-        : spec_(std::move(spec)), keywords_(std::move(keywords)), values_(keywords_.size()) {
+    evaluator(std::string inputspec, std::vector<std::string> keywords)
+        : inputspec_(std::move(inputspec)), keywords_(std::move(keywords)),
+          values_(keywords_.size()) {
         std::size_t outputs = 0;
         for (const auto& k : keywords_) {
             columns_.push_back(zentropia::allprops_output_index(k));
@@ -171,22 +172,23 @@ public:
     // the requested values at (a, b); errormsg holds the first failure
     const std::vector<double>& at(double a, double b, std::string& errormsg) {
         errormsg = zp_common::no_errors;
-        if (whole_state_) allprops(spec_, a, b, state_, x_, y_, errormsg);
+        if (whole_state_) allprops(inputspec_, a, b, state_, x_, y_, errormsg);
         for (std::size_t i = 0; i < keywords_.size(); ++i) {
             const int column = columns_[i];
             if (column >= 0 && whole_state_) {
                 values_[i] = state_[column];
                 continue;
             }
-            values_[i] = column >= 0 ? entry(column)(spec_, a, b, single_)
-                                     : zentropia_main::calcprop(keywords_[i], spec_, a, b, single_);
+            values_[i] = column >= 0
+                             ? entry(column)(inputspec_, a, b, single_)
+                             : zentropia_main::calcprop(keywords_[i], inputspec_, a, b, single_);
             if (zp_common::is_ok(errormsg) && !zp_common::is_ok(single_)) errormsg = single_;
         }
         return values_;
     }
 
 private:
-    std::string spec_;
+    std::string inputspec_;
     std::vector<std::string> keywords_;
     std::vector<int> columns_; // in zentropia::allprops_outputs, -1 for other keywords
     std::vector<double> values_;
@@ -200,8 +202,8 @@ private:
 
 int run_batch(const command_line& cl) {
     if (cl.arguments.size() > 1) throw usage_error("batch reads one file at most");
-    const std::string spec = option(cl, "--spec", "PT");
-    if (spec.size() < 2) throw usage_error("--spec wants two property symbols, such as PT");
+    const std::string inputspec = option(cl, "--spec", "PT");
+    if (inputspec.size() < 2) throw usage_error("--spec wants two property symbols, such as PT");
     const auto columns = parse_columns(option(cl, "--columns", "1,2"));
     std::vector<std::string> requests;
     const std::string props = option(cl, "--props", "h,s,c");
@@ -221,7 +223,7 @@ int run_batch(const command_line& cl) {
     file out_file = output == "-" ? file(nullptr, &std::fclose) : open(output, "wb");
     line_reader lines(in_file ? in_file.get() : stdin);
     block_writer out(out_file ? out_file.get() : stdout);
-    evaluator evaluate(spec, requests);
+    evaluator evaluate(inputspec, requests);
 
     std::size_t rows = 0, failed = 0, line_number = 0;
     bool first = true;
@@ -238,9 +240,9 @@ int run_batch(const command_line& cl) {
             first = false;
             const bool header =
                 complete && !parse_number(fields[0], a) && !parse_number(fields[1], b);
-            out.put_field(header ? fields[0] : spec.substr(0, 1));
+            out.put_field(header ? fields[0] : inputspec.substr(0, 1));
             out.put(',');
-            out.put_field(header ? fields[1] : spec.substr(1, 1));
+            out.put_field(header ? fields[1] : inputspec.substr(1, 1));
             for (const auto& keyword : requests) out.put(','), out.put_field(keyword);
             out.put(",error");
             out.end_row();

@@ -79,7 +79,7 @@ std::string readable(double value);
 inline constexpr std::size_t n_allprops = zentropia::allprops_outputs.size();
 // Evaluates allprops; values in the order of zentropia::allprops_outputs, x and y the phase
 // compositions.
-void allprops(std::string_view spec, double input1, double input2,
+void allprops(std::string_view inputspec, double input1, double input2,
               std::array<double, n_allprops>& values, zp_common::composition& x,
               zp_common::composition& y, std::string& errormsg);
 

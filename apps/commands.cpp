@@ -42,11 +42,11 @@ constexpr std::array<std::pair<std::string_view, entry_point>, 10> derived_entri
     {"gamma", &zentropia_main::gamma},
 }};
 
-double derived_value(std::string_view name, std::string_view spec, double v1, double v2) {
+double derived_value(std::string_view name, std::string_view inputspec, double v1, double v2) {
     for (const auto& [entry_name, entry] : derived_entries)
         if (entry_name == name) {
             std::string errormsg;
-            const double value = entry(spec, v1, v2, errormsg);
+            const double value = entry(inputspec, v1, v2, errormsg);
             return zp_common::is_ok(errormsg) ? value : zp_common::not_set;
         }
     return zp_common::not_set;
@@ -75,20 +75,20 @@ int run_calc(const command_line& cl) {
 
 int run_props(const command_line& cl) {
     expect_arguments(cl, 3, "SPEC V1 V2");
-    const std::string& spec = cl.arguments[0];
+    const std::string& inputspec = cl.arguments[0];
     const double v1 = number(cl.arguments[1], "V1"), v2 = number(cl.arguments[2], "V2");
     select(cl.fluid);
     std::array<double, n_allprops> values;
     zp_common::composition x{}, y{};
     std::string errormsg;
-    allprops(spec, v1, v2, values, x, y, errormsg);
+    allprops(inputspec, v1, v2, values, x, y, errormsg);
     check(errormsg);
     std::printf("%s, %s units %s, state %s = %s, %s\n\n", fluid_name(cl.fluid).c_str(),
-                cl.fluid.unitset.c_str(), cl.fluid.basis.c_str(), spec.c_str(),
+                cl.fluid.unitset.c_str(), cl.fluid.basis.c_str(), inputspec.c_str(),
                 cl.arguments[1].c_str(), cl.arguments[2].c_str());
     for (std::size_t i = 0; i < n_allprops; ++i) {
         const auto& row = zentropia::allprops_outputs[i];
-        if (zp_common::isinit(values[i])) values[i] = derived_value(row.name, spec, v1, v2);
+        if (zp_common::isinit(values[i])) values[i] = derived_value(row.name, inputspec, v1, v2);
         print_row(row.name, row.description, values[i], unit_of(row.unit_symbol));
     }
     if (cl.fluid.components.size() > 1)

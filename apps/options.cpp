@@ -161,12 +161,12 @@ std::string readable(double value) {
     return text;
 }
 
-void allprops(std::string_view spec, double input1, double input2,
+void allprops(std::string_view inputspec, double input1, double input2,
               std::array<double, n_allprops>& r, zp_common::composition& x,
               zp_common::composition& y, std::string& errormsg) {
-    zentropia_main::allprops(spec, input1, input2, r[0], r[1], r[2], r[3], r[4], r[5], r[6], r[7],
-                             x, y, r[8], r[9], r[10], r[11], r[12], r[13], r[14], r[15], r[16],
-                             r[17], r[18], r[19], r[20], r[21], r[22], errormsg);
+    zentropia_main::allprops(inputspec, input1, input2, r[0], r[1], r[2], r[3], r[4], r[5], r[6],
+                             r[7], x, y, r[8], r[9], r[10], r[11], r[12], r[13], r[14], r[15],
+                             r[16], r[17], r[18], r[19], r[20], r[21], r[22], errormsg);
 }
 
 } // namespace cli
