@@ -3,6 +3,7 @@
 #include "backward.hpp"
 #include "forward.hpp"
 #include "roots.hpp"
+#include "saturation_grid.hpp"
 
 #include <array>
 #include <charconv>
@@ -242,39 +243,78 @@ saturation sat_T(double T, int lvl) {
 
 // Mixture whose quality follows from property A (s or v), with property B matching yb: one
 // unknown, the temperature, on [T_min, T_sat_top]. B rises with T along such a path for the
-// pairs used (h at constant s; u, h or s at constant v).
+// pairs used (h at constant s; u, h or s at constant v). Each step evaluates the saturated
+// phases; the mixture itself is formed once, at the end.
 state two_phase_pair(variable A, double ya, variable B, double yb, double T0, int lvl, bool& found,
                      double T_top = T_sat_top) {
-    state last;
+    saturation last;
+    properties::saturation_slope d1{}, d2{}; // of the liquid and the vapour of `last`
     double x_last = 0;
+    auto pick = [](const properties::saturation_slope& d, variable var) {
+        return var == v ? d.v : var == h ? d.h : var == s ? d.s : d.u;
+    };
     auto fn = [&](double T) -> roots::value_slope {
-        const saturation sat = sat_T(T, caloric);
-        const double a1 = value_of(sat.liquid, A), a2 = value_of(sat.vapour, A);
-        const double b1 = value_of(sat.liquid, B), b2 = value_of(sat.vapour, B);
+        last = sat_T(T, caloric);
+        const state &l = last.liquid, &g = last.vapour;
+        const double a1 = value_of(l, A), a2 = value_of(g, A);
+        const double b1 = value_of(l, B), b2 = value_of(g, B);
         const double xq = (ya - a1) / (a2 - a1);
         x_last = xq;
         // Outside the dome at this T (s or v beyond s', s'' or v', v'', whose span narrows
         // as T rises): the temperature is too high.
         if (!(xq >= 0.0 && xq <= 1.0)) return {1.0, NAN};
-        last = properties::mixture(sat, std::fmin(std::fmax(xq, 0.0), 1.0), caloric);
         const double dps = forward::dpsat_dT(T);
-        const properties::saturation_slope d1 = properties::slope(sat.liquid, dps);
-        const properties::saturation_slope d2 = properties::slope(sat.vapour, dps);
-        auto pick = [](const properties::saturation_slope& d, variable var) {
-            return var == v ? d.v : var == h ? d.h : var == s ? d.s : d.u;
-        };
+        d1 = properties::slope(l, dps);
+        d2 = properties::slope(g, dps);
         const double da1 = pick(d1, A), da2 = pick(d2, A);
         const double db1 = pick(d1, B), db2 = pick(d2, B);
         const double dx = -(da1 + xq * (da2 - da1)) / (a2 - a1);
         return {b1 + xq * (b2 - b1) - yb, db1 + xq * (db2 - db1) + (b2 - b1) * dx};
     };
+    auto mixture_found = [&](int level) {
+        // a state on the saturation line itself (to 1e-9 in x) is left to the single-phase
+        // candidates, which give the saturated phase with all its properties
+        found = x_last >= 1e-9 && x_last <= 1.0 - 1e-9;
+        if (!found) return state{};
+        const state st = properties::mixture(last, x_last, level);
+        found = matches(value_of(st, B), yb, 1e-11);
+        return st;
+    };
+
+    // From a start within a microkelvin (as the interpolated dome gives), one Newton step lands
+    // on the solution to rounding. Below 623.15 K, where the saturated phases change smoothly,
+    // the step's second-order remainder is below 1e-14, and v, h, s, u of the phases are carried
+    // to the new temperature by their slopes along the saturation line instead of being
+    // evaluated again (the heat capacities and the rest would need that evaluation).
+    if (lvl <= properties::basic && T0 <= T13) {
+        const roots::value_slope f0 = fn(T0);
+        const double step = f0.f / f0.df;
+        if (std::fabs(step) <= 1e-6) {
+            const double T1 = T0 - step;
+            auto carry = [&](state& phase, const properties::saturation_slope& d) {
+                phase.v -= d.v * step, phase.h -= d.h * step;
+                phase.s -= d.s * step, phase.u -= d.u * step;
+                phase.T = T1, phase.p = last.p, phase.level = properties::basic;
+            };
+            last.T = T1, last.p = forward::psat(T1);
+            carry(last.liquid, d1), carry(last.vapour, d2);
+            x_last = (ya - value_of(last.liquid, A)) /
+                     (value_of(last.vapour, A) - value_of(last.liquid, A));
+            const state st = mixture_found(lvl);
+            if (found) return st;
+        }
+        if (std::isfinite(step)) T0 -= step;
+    }
     const roots::result r =
         roots::newton_bracketed(fn, T_min, T_top, T0, true, tol, false, T_top < T_sat_top, 60);
-    // a state on the saturation line itself (to 1e-9 in x) is left to the single-phase
-    // candidates, which give the saturated phase with all its properties
-    found = r.converged && x_last >= 1e-9 && x_last <= 1.0 - 1e-9 &&
-            matches(value_of(last, B), yb, 1e-11);
-    return finish(last, lvl);
+    if (!r.converged) return found = false, state{};
+    return mixture_found(lvl);
+}
+
+// Start of a two-phase iteration from the interpolated saturation line (NaN: no mixture there).
+double grid_mixture_T(variable A, double ya, variable B, double yb) {
+    auto property = [](variable var) { return saturation_grid::property(var - v); };
+    return saturation_grid::mixture_T(property(A), ya, property(B), yb);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -848,6 +888,13 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
         const state st = newton2(r1, v, vv, Y, y, 10.0, rough_T(Y, y, false), lvl, 8);
         if (st.region != none) return st;
     }
+    if (!(gas && y > above_dome[Y])) { // a mixture, from its place on the interpolated dome
+        const double T0 = grid_mixture_T(v, vv, Y, y);
+        bool in_dome = false;
+        const state st =
+            std::isfinite(T0) ? two_phase_pair(v, vv, Y, y, T0, lvl, in_dome) : state{};
+        if (in_dome) return st;
+    }
 
     if (vv > 1.0 / 800.0 && vv < 1.0 / 80.0) {
         // region 3: the density is known, T follows from Y alone
@@ -1022,8 +1069,10 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
             return newton2(r5, h, hh, s, ss, p0 > 0.0 ? p0 : 1.0, 1500.0, lvl);
         }
         default: {
-            const double T0 = ss >= 5.210887825 ? backward::tsat_hs(hh, ss) // eq. 9 range
-                                                : dome_start_hs(hh, ss);
+            double T0 = grid_mixture_T(s, ss, h, hh);
+            if (!std::isfinite(T0))
+                T0 = ss >= 5.210887825 ? backward::tsat_hs(hh, ss) // eq. 9 range
+                                       : dome_start_hs(hh, ss);
             bool found = false;
             const state st = two_phase_pair(s, ss, h, hh, T0, lvl, found);
             return found ? st : state{};
