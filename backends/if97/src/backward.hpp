@@ -6,18 +6,18 @@
 namespace if97::backward {
 
 // Boundaries (R7-97(2012), SR2-01(2014), SR3-03(2014), SR4-04(2014))
-double h_2bc(double p);    // 2b/2c boundary enthalpy, R7-97 eq. 21
-double p_2bc(double h);    // 2b/2c boundary pressure, R7-97 eq. 20
-double h_2ab_s(double s);  // 2a/2b boundary for p(h,s), SR2-01 eq. 2
-double h_3ab(double p);    // 3a/3b boundary, SR3-03 eq. 1
-double h1_s(double s);     // saturated-liquid enthalpy h'1(s), SR4-04 eq. 3
-double h3a_s(double s);    // saturated-liquid enthalpy h'3a(s), SR4-04 eq. 4
-double h2ab_s(double s);   // saturated-vapour enthalpy h''2ab(s), SR4-04 eq. 5
-double h2c3b_s(double s);  // saturated-vapour enthalpy h''2c3b(s), SR4-04 eq. 6
-double hb13_s(double s);   // region 1/3 boundary h_B13(s), SR4-04 eq. 7
+double h_2bc(double p);             // 2b/2c boundary enthalpy, R7-97 eq. 21
+double p_2bc(double h);             // 2b/2c boundary pressure, R7-97 eq. 20
+double h_2ab_s(double s);           // 2a/2b boundary for p(h,s), SR2-01 eq. 2
+double h_3ab(double p);             // 3a/3b boundary, SR3-03 eq. 1
+double h1_s(double s);              // saturated-liquid enthalpy h'1(s), SR4-04 eq. 3
+double h3a_s(double s);             // saturated-liquid enthalpy h'3a(s), SR4-04 eq. 4
+double h2ab_s(double s);            // saturated-vapour enthalpy h''2ab(s), SR4-04 eq. 5
+double h2c3b_s(double s);           // saturated-vapour enthalpy h''2c3b(s), SR4-04 eq. 6
+double hb13_s(double s);            // region 1/3 boundary h_B13(s), SR4-04 eq. 7
 double tb23_hs(double h, double s); // region 2/3 boundary T_B23(h,s), SR4-04 eq. 8
-double psat3_h(double h);  // region 3 saturation pressure psat,3(h), SR3-03 eq. 10
-double psat3_s(double s);  // region 3 saturation pressure psat,3(s), SR3-03 eq. 11
+double psat3_h(double h);           // region 3 saturation pressure psat,3(h), SR3-03 eq. 10
+double psat3_s(double s);           // region 3 saturation pressure psat,3(s), SR3-03 eq. 11
 
 // Region 1 (R7-97 eqs. 11, 13) and region 2 (R7-97 eqs. 22-25, subregion chosen inside)
 double t_ph_1(double p, double h);

@@ -80,6 +80,15 @@ double node_excess(const node& n, property a, double ya, property b, double yb) 
     return n.liquid.y[b] + x * (n.vapour.y[b] - n.liquid.y[b]) - yb;
 }
 
+// true where the node's temperature is at or below that of the mixture: the mixture with a = ya
+// exists there and its b is at most yb (the same test as node_excess <= 0, without a division,
+// for the search over the nodes).
+bool node_below(const node& n, property a, double ya, property b, double yb) {
+    const double span = n.vapour.y[a] - n.liquid.y[a], part = ya - n.liquid.y[a];
+    const double excess = (n.liquid.y[b] - yb) * span + part * (n.vapour.y[b] - n.liquid.y[b]);
+    return (part >= 0.0) & (part <= span) & (excess <= 0.0);
+}
+
 // Relative step at which the iteration on the interpolated line stops: the next iterate is then
 // within some 1e-13 K of its root, far below the interpolation's own error.
 constexpr double tol = 1e-9;
@@ -88,12 +97,14 @@ constexpr double tol = 1e-9;
 
 double mixture_T(property a, double ya, property b, double yb) {
     const grid_nodes& g = grid();
-    if (!(node_excess(g[0], a, ya, b, yb) <= 0.0)) return NAN; // no mixture down to T_min
+    if (!node_below(g[0], a, ya, b, yb)) return NAN; // no mixture down to T_min
     int below = 0, above = node_count - 1;
-    if (node_excess(g[above], a, ya, b, yb) <= 0.0) return NAN; // within a millikelvin of Tc
-    while (above - below > 1) {
+    if (node_below(g[above], a, ya, b, yb)) return NAN; // within a millikelvin of Tc
+    while (above - below > 1) { // (without branches, which would mostly be mispredicted)
         const int mid = (below + above) / 2;
-        (node_excess(g[mid], a, ya, b, yb) <= 0.0 ? below : above) = mid;
+        const bool at_or_below = node_below(g[mid], a, ya, b, yb);
+        below = at_or_below ? mid : below;
+        above = at_or_below ? above : mid;
     }
     const node& n0 = g[below];
     const node& n1 = g[above];
@@ -119,10 +130,11 @@ double mixture_T(property a, double ya, property b, double yb) {
             return e;
         };
         // a' rises through ya, a'' falls through it
-        const roots::result r =
-            roots::newton_bracketed(edge, n0.T, n1.T, 0.5 * (n0.T + n1.T), !vapour_edge, tol);
+        const double e0 = edge(n0.T).f, e1 = edge(n1.T).f;
+        const roots::last_step r = roots::newton_to_last_step(
+            edge, n0.T, n1.T, n0.T + (n1.T - n0.T) * e0 / (e0 - e1), !vapour_edge, tol);
         if (!r.converged) return NAN;
-        T_top = r.x;
+        T_top = r.x - r.step;
         if (!(phase(!vapour_edge, b, T_top).f > yb)) return NAN; // a single phase
     }
 
@@ -133,21 +145,13 @@ double mixture_T(property a, double ya, property b, double yb) {
         const double dx = -(a1.df + x * (a2.df - a1.df)) / (a2.f - a1.f);
         return {b1.f + x * (b2.f - b1.f) - yb, b1.df + x * (b2.df - b1.df) + dx * (b2.f - b1.f)};
     };
-    // Newton from where the straight line between the ends crosses zero, kept in the interval;
-    // the step below the tolerance is taken without evaluating the interpolant at its end.
+    // Newton from where the straight line between the ends crosses zero; the step below the
+    // tolerance is taken without evaluating the interpolation at its end.
     const double f0 = node_excess(n0, a, ya, b, yb);
     const double f1 = T_top == n1.T ? node_excess(n1, a, ya, b, yb) : excess(T_top).f;
-    double lo = n0.T, hi = T_top;
-    double T = lo + (hi - lo) * f0 / (f0 - f1);
-    for (int it = 0; it < 40; ++it) {
-        const roots::value_slope e = excess(T);
-        (e.f < 0.0 ? lo : hi) = T;
-        double next = T - e.f / e.df;
-        if (!(next >= lo && next <= hi)) next = 0.5 * (lo + hi);
-        if (std::fabs(next - T) <= tol * T) return next;
-        T = next;
-    }
-    return NAN;
+    const double T0 = n0.T + (T_top - n0.T) * f0 / (f0 - f1);
+    const roots::last_step r = roots::newton_to_last_step(excess, n0.T, T_top, T0, true, tol);
+    return r.converged ? r.x - r.step : NAN;
 }
 
 } // namespace if97::saturation_grid

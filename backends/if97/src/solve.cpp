@@ -281,33 +281,31 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
         return st;
     };
 
-    // From a start within a microkelvin (as the interpolated dome gives), one Newton step lands
-    // on the solution to rounding. Below 623.15 K, where the saturated phases change smoothly,
-    // the step's second-order remainder is below 1e-14, and v, h, s, u of the phases are carried
-    // to the new temperature by their slopes along the saturation line instead of being
-    // evaluated again (the heat capacities and the rest would need that evaluation).
-    if (lvl <= properties::basic && T0 <= T13) {
-        const roots::value_slope f0 = fn(T0);
-        const double step = f0.f / f0.df;
-        if (std::fabs(step) <= 1e-6) {
-            const double T1 = T0 - step;
-            auto carry = [&](state& phase, const properties::saturation_slope& d) {
-                phase.v -= d.v * step, phase.h -= d.h * step;
-                phase.s -= d.s * step, phase.u -= d.u * step;
-                phase.T = T1, phase.p = last.p, phase.level = properties::basic;
-            };
-            last.T = T1, last.p = forward::psat(T1);
-            carry(last.liquid, d1), carry(last.vapour, d2);
-            x_last = (ya - value_of(last.liquid, A)) /
-                     (value_of(last.vapour, A) - value_of(last.liquid, A));
-            const state st = mixture_found(lvl);
-            if (found) return st;
-        }
-        if (std::isfinite(step)) T0 -= step;
-    }
-    const roots::result r =
-        roots::newton_bracketed(fn, T_min, T_top, T0, true, tol, false, T_top < T_sat_top, 60);
+    // Below 623.15 K, where the saturated phases change smoothly, a last Newton step under a
+    // microkelvin leaves a second-order remainder below 1e-14: v, h, s, u of the phases are
+    // carried over it by their slopes along the saturation line instead of being evaluated
+    // again (the heat capacities and the rest would need that evaluation).
+    const bool may_carry = lvl <= properties::basic && T0 <= T13;
+    const roots::last_step r = roots::newton_to_last_step(
+        fn, T_min, T_top, T0, true, may_carry ? 1e-6 / T13 : tol, false, T_top < T_sat_top, 60);
     if (!r.converged) return found = false, state{};
+    if (r.step == 0.0) return mixture_found(lvl);
+    if (may_carry && r.x <= T13) {
+        const double T1 = r.x - r.step;
+        auto carry = [&](state& phase, const properties::saturation_slope& d) {
+            phase.v -= d.v * r.step, phase.h -= d.h * r.step;
+            phase.s -= d.s * r.step, phase.u -= d.u * r.step;
+            phase.T = T1, phase.p = last.p, phase.level = properties::basic;
+        };
+        last.T = T1, last.p = forward::psat(T1);
+        carry(last.liquid, d1), carry(last.vapour, d2);
+        x_last =
+            (ya - value_of(last.liquid, A)) / (value_of(last.vapour, A) - value_of(last.liquid, A));
+        return mixture_found(lvl);
+    }
+    const roots::result polished = roots::newton_bracketed(fn, T_min, T_top, r.x - r.step, true,
+                                                           tol, false, T_top < T_sat_top, 60);
+    if (!polished.converged) return found = false, state{};
     return mixture_found(lvl);
 }
 
@@ -389,6 +387,20 @@ struct search_result {
     double limit = 0;
 };
 
+// A state (with `caloric` properties) carried along its isobar by dT, to first order: v, h, s, u
+// and T, for the last small step of an iteration.
+state carried_along_isobar(state st, double dT) {
+    const slope2 dv = slope_of(st, v);
+    st.v += dv.dT * dT;
+    st.h += st.cp * dT;
+    st.s += st.cp / st.T * dT;
+    st.u = st.h - st.p * st.v * 1e3;
+    st.T += dT;
+    st.level = properties::basic;
+    st.cv = st.cp = st.w = st.dp_dT = st.dp_dv = not_set;
+    return st;
+}
+
 // Start of a Gibbs-region iteration along an isobar (NaN when there is none).
 double isobar_start(int reg, double p, variable Y, double y) {
     switch (Y) {
@@ -441,9 +453,15 @@ bool isobar_by_backward(double p, variable Y, double y, int lvl, search_result& 
         return Y == h ? roots::value_slope{pt.h - y, pt.cp}
                       : roots::value_slope{pt.s - y, pt.cp / T};
     };
-    const roots::result r = roots::newton_bracketed(fn, lo, hi, T0, true, tol, false, false);
+    // For v, h, s, u alone, the last Newton step (below a microkelvin) is not evaluated: the
+    // state is carried over it, to a remainder below 1e-14.
+    const bool may_carry = lvl <= properties::basic;
+    const roots::last_step r =
+        roots::newton_to_last_step(fn, lo, hi, T0, true, may_carry ? 1e-6 / hi : tol, false, false);
     if (!r.converged) return false;
-    out.st = finish(properties::gibbs_state(reg, p, T_g, caloric, g), lvl);
+    if (!may_carry && std::fabs(r.step) > 4e-16 * r.x) fn(r.x - r.step);
+    out.st = properties::gibbs_state(reg, p, T_g, caloric, g);
+    out.st = may_carry ? carried_along_isobar(out.st, -r.step) : finish(out.st, lvl);
     return true;
 }
 
