@@ -2,7 +2,8 @@
 // The saturated liquid and vapour on a grid of temperatures from 273.15 K to just below Tc,
 // with the slopes of their properties along the saturation line, built once on first use. A
 // mixture given by two of v, h, s, u is located on it by interpolation, which gives the
-// two-phase iterations a start within some 1e-7 of the solution.
+// two-phase iterations a start within some 1e-8 K of the solution (less close within a few
+// kelvin of Tc, where the lines turn into the critical point).
 namespace if97::saturation_grid {
 
 // The properties held for each phase.

@@ -282,7 +282,7 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
     };
 
     // Below 623.15 K, where the saturated phases change smoothly, a last Newton step under a
-    // microkelvin leaves a second-order remainder below 1e-14: v, h, s, u of the phases are
+    // microkelvin leaves a second-order remainder of order 1e-14: v, h, s, u of the phases are
     // carried over it by their slopes along the saturation line instead of being evaluated
     // again (the heat capacities and the rest would need that evaluation).
     const bool may_carry = lvl <= properties::basic && T0 <= T13;
@@ -454,7 +454,7 @@ bool isobar_by_backward(double p, variable Y, double y, int lvl, search_result& 
                       : roots::value_slope{pt.s - y, pt.cp / T};
     };
     // For v, h, s, u alone, the last Newton step (below a microkelvin) is not evaluated: the
-    // state is carried over it, to a remainder below 1e-14.
+    // state is carried over it, to a remainder of order 1e-13 kJ/kg in h and u.
     const bool may_carry = lvl <= properties::basic;
     const roots::last_step r =
         roots::newton_to_last_step(fn, lo, hi, T0, true, may_carry ? 1e-6 / hi : tol, false, false);
