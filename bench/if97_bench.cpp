@@ -11,6 +11,7 @@
 #include <cmath>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -73,10 +74,11 @@ const std::vector<sample>& states(zone z) {
     return set;
 }
 
-// One if97_main call per iteration with inputs (a, b) taken from the sample.
+// One if97_main call per iteration with inputs (a, b) taken from the sample. The texts are
+// string views made once, as a caller holding its letters and output list passes them.
 template <class Pick>
-void run(benchmark::State& bench, zone z, const char* l1, const char* l2, const char* list,
-         Pick pick) {
+void run(benchmark::State& bench, zone z, std::string_view l1, std::string_view l2,
+         std::string_view list, Pick pick) {
     const auto& set = states(z);
     std::string err;
     std::array<double, 8> out{};

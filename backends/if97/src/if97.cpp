@@ -352,15 +352,8 @@ void if97_main(std::string_view letter1, double value1, std::string_view letter2
     if (!known || cache.st.level == properties::bare) { // solve (a bare saturation point again)
         if (!known || list.level > properties::bare) {
             cache.valid = false;
-            const double p = value1 * 0.1, T = value2 + 273.15;
-            const bool pt = a == solve::P && b == solve::T && p > 0.0 && p <= properties::p_max &&
-                            T >= properties::T_min &&
-                            T <= properties::T_max; // the commonest case, solved in place
-            if (pt)
-                properties::state_pt(cache.st, p, T, std::max(list.level, int(properties::basic)));
-            if (!pt || cache.st.region == properties::none) // (a failure for its text)
-                cache.st = solve::state_of(a, to_release(a, value1), b, to_release(b, value2),
-                                           list.level, errormsg);
+            solve::state_of(cache.st, a, to_release(a, value1), b, to_release(b, value2),
+                            list.level, errormsg);
             if (cache.st.region == properties::none) {
                 std::fill(output.begin(), output.end(), not_set);
                 return;

@@ -1165,30 +1165,31 @@ bool supported(variable a, variable b) {
     }
 }
 
-state state_of(variable a, double value_a, variable b, double value_b, int lvl,
-               std::string& errormsg) {
-    if (a > b) std::swap(a, b), std::swap(value_a, value_b);
-    if (b != x) lvl = std::max(lvl, int(properties::basic)); // only (P, x), (T, x) stop short
-    if (a == P && b == T && value_a > 0.0 && value_a <= p_max && value_b >= T_min &&
-        value_b <= T_max) // the commonest pair, within the limits
-        return from_pt(value_a, value_b, lvl, errormsg);
-    if (a == P && b == x && lvl == properties::bare && value_a <= pc &&
-        value_a >= properties::p_sat_min() && value_b >= 0.0 && value_b <= 1.0)
-        return saturation_point(value_a, forward::tsat(value_a), value_b); // Ts(p) alone
-    if (!within_limits(a, value_a, errormsg) || !within_limits(b, value_b, errormsg)) return {};
+void solve_pair(state& st, variable a, double value_a, variable b, double value_b, int lvl,
+                std::string& errormsg) {
+    if (!within_limits(a, value_a, errormsg) || !within_limits(b, value_b, errormsg)) {
+        st = state{};
+        return;
+    }
     switch (a) {
     case P:
-        if (b == T) return from_pt(value_a, value_b, lvl, errormsg);
-        if (b == x) return from_px(value_a, value_b, lvl, errormsg);
-        return isobar_state(value_a, b, value_b, lvl, errormsg);
+        if (b == T)
+            st = from_pt(value_a, value_b, lvl, errormsg);
+        else if (b == x)
+            st = from_px(value_a, value_b, lvl, errormsg);
+        else
+            st = isobar_state(value_a, b, value_b, lvl, errormsg);
+        return;
     case T:
-        if (b == x) return from_tx(value_a, value_b, lvl, errormsg);
-        return isotherm_state(value_a, b, value_b, lvl, errormsg);
+        st = b == x ? from_tx(value_a, value_b, lvl, errormsg)
+                    : isotherm_state(value_a, b, value_b, lvl, errormsg);
+        return;
     case v:
-        if (b == x) return from_vx(value_a, value_b, lvl, errormsg);
-        return from_vy(value_a, b, value_b, lvl, errormsg);
+        st = b == x ? from_vx(value_a, value_b, lvl, errormsg)
+                    : from_vy(value_a, b, value_b, lvl, errormsg);
+        return;
     default:
-        return from_hs(value_a, value_b, lvl, errormsg);
+        st = from_hs(value_a, value_b, lvl, errormsg);
     }
 }
 
