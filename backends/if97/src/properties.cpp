@@ -159,9 +159,12 @@ roots::value_slope p3(double rho, double T) {
 double saturated_density(double T, double p, bool liquid) {
     const double sign = liquid ? 1.0 : -1.0;
     auto attempt = [&](double rho) {
+        // out of the loop by a step that starts small (the start is usually close) and grows
         roots::value_slope v = p3(rho, T);
+        double widen = 1e-4;
         for (int grow = 0; grow < 60 && sign * (v.f - p) <= 0.0; ++grow) {
-            rho = liquid ? rho + 0.1 * rho : 0.8 * rho;
+            rho = liquid ? rho * (1.0 + widen) : rho / (1.0 + widen);
+            widen = std::fmin(4.0 * widen, 0.25);
             v = p3(rho, T);
         }
         for (int it = 0; it < 200; ++it) {
@@ -170,13 +173,15 @@ double saturated_density(double T, double p, bool liquid) {
             double step = f / v.df;
             if (!(sign * step > 0.0)) return -1.0; // slope of the wrong sign: not outside
             double next = rho - step;
+            // a step this small leaves the next iterate at the rounding level (the residual
+            // there may come out on either side, which is no reason to halve it)
+            if (std::fabs(step) <= 1e-11 * rho) return next;
             roots::value_slope w = p3(next, T);
             for (int half = 0; half < 60 && sign * (w.f - p) < 0.0; ++half) {
                 step *= 0.5;
                 next = rho - step;
                 w = p3(next, T);
             }
-            if (std::fabs(step) <= 1e-15 * rho) return next;
             rho = next;
             v = w;
         }
