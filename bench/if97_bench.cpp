@@ -23,7 +23,7 @@ struct sample {
     double p, t, v, h, s, u;
 };
 
-enum class zone { region1, region2, region3, region5, two_phase };
+enum class zone { region1, region2, region3, region5, two_phase, dome_top };
 
 // Uniform states of one zone, drawn with a fixed seed and completed by if97_main from (P, T)
 // (or (P, x) in the dome).
@@ -54,12 +54,14 @@ std::vector<sample> make_set(zone z) {
             t = 800.0 + 1200.0 * U(rng);
             p = 0.1 + 499.9 * U(rng);
             break;
-        case zone::two_phase: { // (P, x) in the dome below 165 bar
-            p = std::exp(std::log(0.1) + (std::log(165.0) - std::log(0.1)) * U(rng));
+        case zone::two_phase: // (P, x) in the dome below 165 bar
+        case zone::dome_top:  // and from 166 to 220 bar, where the saturated phases are region 3
+            p = z == zone::two_phase
+                    ? std::exp(std::log(0.1) + (std::log(165.0) - std::log(0.1)) * U(rng))
+                    : 166.0 + 54.0 * U(rng);
             if97::if97_main("P", p, "x", 0.05 + 0.9 * U(rng), "P,T,v,h,s,u.", o, err);
             set.push_back({o[0], o[1], o[2], o[3], o[4], o[5]});
             continue;
-        }
         }
         if97::if97_main("P", p, "T", t, "P,T,v,h,s,u.", o, err);
         if (err == "No errors") set.push_back({o[0], o[1], o[2], o[3], o[4], o[5]});
@@ -68,7 +70,7 @@ std::vector<sample> make_set(zone z) {
 }
 
 const std::vector<sample>& states(zone z) {
-    static std::array<std::vector<sample>, 5> sets;
+    static std::array<std::vector<sample>, 6> sets;
     auto& set = sets[static_cast<int>(z)];
     if (set.empty()) set = make_set(z);
     return set;
@@ -147,6 +149,9 @@ void BM_hs_P_region3(benchmark::State& b) {
 void BM_hs_P_two_phase(benchmark::State& b) {
     run(b, zone::two_phase, "h", "s", "P.", hs);
 }
+void BM_hs_P_dome_top(benchmark::State& b) {
+    run(b, zone::dome_top, "h", "s", "P.", hs);
+}
 void BM_vu_PT_region1(benchmark::State& b) {
     run(b, zone::region1, "v", "u", "P,T.", vu);
 }
@@ -158,6 +163,9 @@ void BM_vu_PT_region3(benchmark::State& b) {
 }
 void BM_vu_PT_two_phase(benchmark::State& b) {
     run(b, zone::two_phase, "v", "u", "P,T.", vu);
+}
+void BM_vu_PT_dome_top(benchmark::State& b) {
+    run(b, zone::dome_top, "v", "u", "P,T.", vu);
 }
 
 // Saturation temperature from pressure: through if97_main (P, x) -> T, and the bare eq. 31.
@@ -219,10 +227,12 @@ BENCHMARK(BM_hs_P_region1);
 BENCHMARK(BM_hs_P_region2);
 BENCHMARK(BM_hs_P_region3);
 BENCHMARK(BM_hs_P_two_phase);
+BENCHMARK(BM_hs_P_dome_top);
 BENCHMARK(BM_vu_PT_region1);
 BENCHMARK(BM_vu_PT_region2);
 BENCHMARK(BM_vu_PT_region3);
 BENCHMARK(BM_vu_PT_two_phase);
+BENCHMARK(BM_vu_PT_dome_top);
 BENCHMARK(BM_tsat_main);
 BENCHMARK(BM_tsat_equation);
 BENCHMARK(BM_equation_h_region1);
