@@ -178,20 +178,6 @@ struct remembered_list {
 
 remembered_list last_list;
 
-// The codes of an output list, parsed or remembered; nullptr on failure (the text is written).
-const code_list* codes_of(std::string_view outlist, std::string& errormsg) {
-    remembered_list& m = last_list;
-    if (same(outlist, std::string_view(m.text.data(), m.size))) return &m.list;
-    m.size = 0;
-    m.list = code_list{};
-    if (!parse_codes(outlist, m.list, errormsg)) return nullptr;
-    if (!outlist.empty() && outlist.size() <= m.text.size()) {
-        std::memcpy(m.text.data(), outlist.data(), outlist.size());
-        m.size = outlist.size();
-    }
-    return &m.list;
-}
-
 // The last pair of one-character input letters read and their variables (a valid pair to begin
 // with, so that no match is ever wrong).
 struct remembered_pair {
@@ -309,57 +295,83 @@ double output_value(code id, last_state& c) {
 
 } // namespace
 
-void if97_main(std::string_view letter1, double value1, std::string_view letter2, double value2,
-               std::string_view outlist, std::span<double> output, std::string& errormsg) {
-    constexpr std::string_view no_errors = "No errors";
-    if (std::string_view(errormsg) != no_errors) errormsg.assign(no_errors);
+namespace {
 
-    variable a = last_pair.a, b = last_pair.b;
-    if (letter1.size() != 1 || letter2.size() != 1 || letter1[0] != last_pair.first ||
-        letter2[0] != last_pair.second) {
-        const int l1 = letter_of(letter1), l2 = letter_of(letter2);
-        if (l1 < 0 || l2 < 0)
-            return fail("unknown input letter '" + std::string(strip(l1 < 0 ? letter1 : letter2)) +
-                            "' (known: P, T, v, h, s, u, x)",
-                        output, errormsg);
-        a = variable(l1), b = variable(l2);
-        if (!solve::supported(a, b))
-            return fail("input pair '" + std::string(strip(letter1)) + std::string(strip(letter2)) +
-                            "' not supported (pairs: PT, Ph, Ps, Pv, Pu, Px, Tv, Ts, Tx, vh, vs, "
-                            "vu, vx, hs, in either order)",
-                        output, errormsg);
-        if (letter1.size() == 1 && letter2.size() == 1) last_pair = {letter1[0], letter2[0], a, b};
-    }
-    const code_list* parsed = codes_of(outlist, errormsg);
-    if (parsed == nullptr) { // the text is written
+// The rarer paths of if97_main, out of line, so that the common one stays short: a caller who
+// repeats its letters and output list with new values pays for neither being read again.
+
+[[gnu::cold, gnu::noinline]] void reset_message(std::string& errormsg) {
+    errormsg.assign("No errors");
+}
+
+// The variables of letters other than the last ones; false on failure (the text is written).
+[[gnu::noinline]] bool read_letters(std::string_view letter1, std::string_view letter2, variable& a,
+                                    variable& b, std::span<double> output, std::string& errormsg) {
+    const int l1 = letter_of(letter1), l2 = letter_of(letter2);
+    if (l1 < 0 || l2 < 0)
+        return fail("unknown input letter '" + std::string(strip(l1 < 0 ? letter1 : letter2)) +
+                        "' (known: P, T, v, h, s, u, x)",
+                    output, errormsg),
+               false;
+    a = variable(l1), b = variable(l2);
+    if (!solve::supported(a, b))
+        return fail("input pair '" + std::string(strip(letter1)) + std::string(strip(letter2)) +
+                        "' not supported (pairs: PT, Ph, Ps, Pv, Pu, Px, Tv, Ts, Tx, vh, vs, "
+                        "vu, vx, hs, in either order)",
+                    output, errormsg),
+               false;
+    if (letter1.size() == 1 && letter2.size() == 1) last_pair = {letter1[0], letter2[0], a, b};
+    return true;
+}
+
+// The codes of an output list other than the last one, parsed and remembered; nullptr on
+// failure (the text is written, the outputs are -8888.8).
+[[gnu::noinline]] const code_list* read_list(std::string_view outlist, std::span<double> output,
+                                             std::string& errormsg) {
+    remembered_list& m = last_list;
+    m.size = 0;
+    m.list = code_list{};
+    if (!parse_codes(outlist, m.list, errormsg)) {
         std::fill(output.begin(), output.end(), not_set);
-        return;
+        return nullptr;
     }
-    const code_list& list = *parsed;
+    if (!outlist.empty() && outlist.size() <= m.text.size()) {
+        std::memcpy(m.text.data(), outlist.data(), outlist.size());
+        m.size = outlist.size();
+    }
+    return &m.list;
+}
+
+// The failure of a call whose outputs do not fit or whose values are not finite numbers.
+[[gnu::cold, gnu::noinline]] void refuse(const code_list& list, std::string_view letter1,
+                                         double value1, std::string_view letter2,
+                                         std::span<double> output, std::string& errormsg) {
     if (list.count > static_cast<int>(output.size()))
         return fail("output list asks for " + std::to_string(list.count) +
                         " values, the output array holds " + std::to_string(output.size()),
                     output, errormsg);
-    if (!std::isfinite(value1) || !std::isfinite(value2))
-        return fail("input value of " +
-                        std::string(strip(std::isfinite(value1) ? letter2 : letter1)) +
-                        " is not a finite number",
-                    output, errormsg);
-    if (a > b) std::swap(a, b), std::swap(value1, value2);
+    fail("input value of " + std::string(strip(std::isfinite(value1) ? letter2 : letter1)) +
+             " is not a finite number",
+         output, errormsg);
+}
 
-    const bool known = cache.valid && cache.a == a && cache.b == b && cache.value_a == value1 &&
-                       cache.value_b == value2;
+// The state of (a, b) up to the list's level, from memory when it is the last one, and the
+// outputs.
+void answer(const code_list& list, variable a, double value_a, variable b, double value_b,
+            std::span<double> output, std::string& errormsg) {
+    const bool known = cache.valid && cache.a == a && cache.b == b && cache.value_a == value_a &&
+                       cache.value_b == value_b;
     if (!known || cache.st.level == properties::bare) { // solve (a bare saturation point again)
         if (!known || list.level > properties::bare) {
             cache.valid = false;
-            solve::state_of(cache.st, a, to_release(a, value1), b, to_release(b, value2),
+            solve::state_of(cache.st, a, to_release(a, value_a), b, to_release(b, value_b),
                             list.level, errormsg);
             if (cache.st.region == properties::none) {
                 std::fill(output.begin(), output.end(), not_set);
                 return;
             }
             cache.a = a, cache.b = b;
-            cache.value_a = value1, cache.value_b = value2;
+            cache.value_a = value_a, cache.value_b = value_b;
             cache.quality = cache.viscosity = cache.conductivity = not_set;
             cache.valid = true;
         }
@@ -367,6 +379,27 @@ void if97_main(std::string_view letter1, double value1, std::string_view letter2
         cache.st = properties::raise(cache.st, list.level);
     }
     for (int k = 0; k < list.count; ++k) output[k] = output_value(list.id[k], cache);
+}
+
+} // namespace
+
+void if97_main(std::string_view letter1, double value1, std::string_view letter2, double value2,
+               std::string_view outlist, std::span<double> output, std::string& errormsg) {
+    if (std::string_view(errormsg) != std::string_view("No errors")) reset_message(errormsg);
+    variable a = last_pair.a, b = last_pair.b;
+    const bool same_letters = letter1.size() == 1 && letter2.size() == 1 &&
+                              letter1[0] == last_pair.first && letter2[0] == last_pair.second;
+    if (!same_letters && !read_letters(letter1, letter2, a, b, output, errormsg)) return;
+    const remembered_list& m = last_list;
+    const code_list* list = same(outlist, std::string_view(m.text.data(), m.size))
+                                ? &m.list
+                                : read_list(outlist, output, errormsg);
+    if (list == nullptr) return;
+    if (list->count > static_cast<int>(output.size()) || !std::isfinite(value1) ||
+        !std::isfinite(value2))
+        return refuse(*list, letter1, value1, letter2, output, errormsg);
+    if (a > b) std::swap(a, b), std::swap(value1, value2);
+    answer(*list, a, value1, b, value2, output, errormsg);
 }
 
 void if97_sub() {}
