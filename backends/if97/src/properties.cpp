@@ -156,8 +156,23 @@ roots::value_slope p3(double rho, double T) {
 // the outside of the van der Waals loop: p3 is convex above the liquid root and concave below
 // the vapour root, so the iterates approach the wanted root from one side; a step that crosses
 // it is halved back.
-double saturated_density(double T, double p, bool liquid) {
+double saturated_density(double T, double p, bool liquid, double near) {
     const double sign = liquid ? 1.0 : -1.0;
+    auto plausible = [&](double r) {
+        return liquid ? r >= rhoc * 0.999 : (r > 0.0 && r <= rhoc * 1.001);
+    };
+    // From a density close to the root (that of a neighbouring temperature), plain Newton steps
+    // from either side converge at once; the one-sided iteration below is for distant starts.
+    for (int it = 0; it < 4 && near > 0.0; ++it) {
+        const roots::value_slope v = p3(near, T);
+        if (!(v.df > 0.0)) break;
+        const double step = (v.f - p) / v.df;
+        near -= step;
+        if (std::fabs(step) <= 1e-11 * near) {
+            if (plausible(near)) return near;
+            break;
+        }
+    }
     auto attempt = [&](double rho) {
         // out of the loop by a step that starts small (the start is usually close) and grows
         roots::value_slope v = p3(rho, T);
@@ -188,9 +203,6 @@ double saturated_density(double T, double p, bool liquid) {
         return rho;
     };
     const double start = 1.0 / backward::v_pt_3(liquid ? p * (1.0 + 1e-7) : p * (1.0 - 1e-7), T);
-    auto plausible = [&](double r) {
-        return liquid ? r >= rhoc * 0.999 : (r > 0.0 && r <= rhoc * 1.001);
-    };
     double rho = attempt(start);
     if (!plausible(rho)) rho = attempt(liquid ? 1000.0 : 50.0);
     return plausible(rho) ? rho : -1.0;
@@ -199,23 +211,26 @@ double saturated_density(double T, double p, bool liquid) {
 // Liquid and vapour densities at (p, T) below Tc. Within some 1e-4 K of Tc, eq. 30 passes above
 // the vapour-side maximum (or below the liquid-side minimum) of the region-3 isotherm, so that
 // p3(rho, T) = ps has one root only: both phases then have that density.
-std::pair<double, double> saturated_densities(double T, double p) {
-    double liquid = saturated_density(T, p, true);
-    double vapour = saturated_density(T, p, false);
+std::pair<double, double> saturated_densities(double T, double p, double near_liquid = 0.0,
+                                              double near_vapour = 0.0) {
+    double liquid = saturated_density(T, p, true, near_liquid);
+    double vapour = saturated_density(T, p, false, near_vapour);
     if (!(vapour > 0.0)) vapour = liquid;
     if (!(liquid > 0.0)) liquid = vapour;
     return {liquid, vapour};
 }
 
-// The saturated phases at (p, T).
-void saturated_phases(double T, double p, int lvl, saturation& sat) {
+// The saturated phases at (p, T), with densities near which to look for them above 623.15 K
+// (0: none known).
+void saturated_phases(double T, double p, int lvl, saturation& sat, double near_liquid = 0.0,
+                      double near_vapour = 0.0) {
     if (T <= forward::T13) {
         sat.liquid = gibbs_state(r1, p, T, lvl);
         sat.vapour = gibbs_state(r2, p, T, lvl);
     } else if (T >= Tc) {
         sat.liquid = sat.vapour = helmholtz_state(rhoc, Tc, lvl);
     } else {
-        const auto [liquid, vapour] = saturated_densities(T, p);
+        const auto [liquid, vapour] = saturated_densities(T, p, near_liquid, near_vapour);
         sat.liquid = helmholtz_state(liquid, T, lvl);
         sat.vapour = helmholtz_state(vapour, T, lvl);
     }
@@ -357,11 +372,11 @@ state state_pt(double p, double T, int lvl) {
     return st;
 }
 
-saturation saturation_T(double T, int lvl) {
+saturation saturation_T(double T, int lvl, double near_liquid, double near_vapour) {
     saturation sat;
     sat.T = T;
     sat.p = T >= Tc ? forward::pc : forward::psat(T);
-    saturated_phases(T, sat.p, lvl, sat);
+    saturated_phases(T, sat.p, lvl, sat, near_liquid, near_vapour);
     return sat;
 }
 

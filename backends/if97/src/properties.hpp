@@ -73,8 +73,10 @@ state state_pt(double p, double T, int lvl);
 void state_pt(state& st, double p, double T, int lvl);
 
 // Saturated liquid and vapour at temperature T (273.15 K to Tc) or pressure p (ps(273.15 K)
-// to pc). Above 623.15 K both phases solve p3(rho, T) = ps(T) with the region-3 equation.
-saturation saturation_T(double T, int lvl);
+// to pc). Above 623.15 K both phases solve p3(rho, T) = ps(T) with the region-3 equation, from
+// densities near_liquid and near_vapour when they are given (as close ones, from a neighbouring
+// temperature) and not 0.
+saturation saturation_T(double T, int lvl, double near_liquid = 0.0, double near_vapour = 0.0);
 saturation saturation_p(double p, int lvl);
 // Derivatives along the saturation line, d/dT of v, h, s, u of one saturated phase.
 struct saturation_slope {

@@ -4,6 +4,7 @@
 #include "properties.hpp"
 #include "roots.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -36,14 +37,24 @@ phase_values values_of(const properties::state& st, double dps_dT) {
     return {{st.v, st.h, st.s, st.u}, {d.v, d.h, d.s, d.u}, std::log(st.v), d.v / st.v};
 }
 
-// The nodes lie closer together towards Tc, where the two lines turn steeply into the critical
-// point: T = Tc - (Tc - T_min) (1 - k/n)^2, the last one a millikelvin below Tc.
+// Node k at T = Tc - (Tc - T_min) (1 - k/n)^2: closer together towards Tc, where the two lines
+// turn steeply into the critical point; the last one a millikelvin below Tc.
+double node_temperature(int k) {
+    const double r = 1.0 - double(k) / node_count;
+    return k == 0 ? T_min : forward::Tc - (forward::Tc - T_min) * r * r;
+}
+
+// The saturated phases come from the equations of regions 1 and 2 up to 623.15 K and from that
+// of region 3 above, which join with a small jump: the two nodes around 623.15 K are moved onto
+// its two sides, so that no cubic piece straddles it.
 const grid_nodes& grid() {
     static const grid_nodes nodes = [] {
         grid_nodes g{};
         for (int k = 0; k < node_count; ++k) {
-            const double r = 1.0 - double(k) / node_count;
-            const double T = k == 0 ? T_min : forward::Tc - (forward::Tc - T_min) * r * r;
+            double T = node_temperature(k);
+            if (T <= forward::T13 && node_temperature(k + 1) > forward::T13) T = forward::T13;
+            if (T > forward::T13 && node_temperature(k - 1) <= forward::T13)
+                T = forward::T13 + 1e-9;
             const properties::saturation sat = properties::saturation_T(T, properties::caloric);
             const double dps = forward::dpsat_dT(T);
             g[k] = {T, values_of(sat.liquid, dps), values_of(sat.vapour, dps)};
@@ -152,6 +163,23 @@ double mixture_T(property a, double ya, property b, double yb) {
     const double T0 = n0.T + (T_top - n0.T) * f0 / (f0 - f1);
     const roots::last_step r = roots::newton_to_last_step(excess, n0.T, T_top, T0, true, tol);
     return r.converged ? r.x - r.step : NAN;
+}
+
+volumes saturated_volumes(double T) {
+    const grid_nodes& g = grid();
+    // the node below T, from the inverse of the node placement (and a step for the two moved)
+    const double r = std::sqrt(std::fmax(forward::Tc - T, 0.0) / (forward::Tc - T_min));
+    int k = std::clamp(int((1.0 - r) * node_count), 0, node_count - 2);
+    if (k > 0 && g[k].T > T) --k;
+    if (k < node_count - 2 && g[k + 1].T <= T) ++k;
+    const node& n0 = g[k];
+    const node& n1 = g[k + 1];
+    const cubic c{n0.T, n1.T - n0.T};
+    const double liquid =
+        c.at(n0.liquid.y[v], n0.liquid.dy[v], n1.liquid.y[v], n1.liquid.dy[v], T).f;
+    const double ln_vapour =
+        c.at(n0.vapour.ln_v, n0.vapour.dln_v, n1.vapour.ln_v, n1.vapour.dln_v, T).f;
+    return {liquid, std::exp(ln_vapour)};
 }
 
 } // namespace if97::saturation_grid

@@ -15,4 +15,11 @@ enum property : int { v = 0, h, s, u };
 // (as h at constant s, and h, s, u at constant v do).
 double mixture_T(property a, double ya, property b, double yb);
 
+// Specific volumes (m³/kg) of the saturated liquid and vapour at T (273.15 K to Tc),
+// interpolated: starting points for the saturated densities of region 3.
+struct volumes {
+    double liquid, vapour;
+};
+volumes saturated_volumes(double T);
+
 } // namespace if97::saturation_grid

@@ -236,9 +236,10 @@ double rho3_near(double p, double T, double guess, int side) {
 // ---------------------------------------------------------------------------------------------
 // Two-phase states.
 
-// The saturated phases at T with the requested level.
-saturation sat_T(double T, int lvl) {
-    return properties::saturation_T(T, std::max(lvl, 1));
+// The saturated phases at T with the requested level (above 623.15 K, from densities near
+// near_liquid and near_vapour when not 0).
+saturation sat_T(double T, int lvl, double near_liquid = 0.0, double near_vapour = 0.0) {
+    return properties::saturation_T(T, std::max(lvl, 1), near_liquid, near_vapour);
 }
 
 // Mixture whose quality follows from property A (s or v), with property B matching yb: one
@@ -253,8 +254,16 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
     auto pick = [](const properties::saturation_slope& d, variable var) {
         return var == v ? d.v : var == h ? d.h : var == s ? d.s : d.u;
     };
+    // Above 623.15 K each step solves the saturated densities, from those of the step before
+    // (from the interpolated line at first).
+    double near_liquid = 0.0, near_vapour = 0.0;
+    if (T0 > T13 && T0 < Tc) {
+        const saturation_grid::volumes near = saturation_grid::saturated_volumes(T0);
+        near_liquid = 1.0 / near.liquid, near_vapour = 1.0 / near.vapour;
+    }
     auto fn = [&](double T) -> roots::value_slope {
-        last = sat_T(T, caloric);
+        last = sat_T(T, caloric, near_liquid, near_vapour);
+        near_liquid = 1.0 / last.liquid.v, near_vapour = 1.0 / last.vapour.v;
         const state &l = last.liquid, &g = last.vapour;
         const double a1 = value_of(l, A), a2 = value_of(g, A);
         const double b1 = value_of(l, B), b2 = value_of(g, B);
