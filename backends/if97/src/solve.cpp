@@ -290,16 +290,20 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
         return st;
     };
 
-    // Below 623.15 K, where the saturated phases change smoothly, a last Newton step under a
-    // microkelvin leaves a second-order remainder of order 1e-14: v, h, s, u of the phases are
-    // carried over it by their slopes along the saturation line instead of being evaluated
-    // again (the heat capacities and the rest would need that evaluation).
-    const bool may_carry = lvl <= properties::basic && T0 <= T13;
-    const roots::last_step r = roots::newton_to_last_step(
-        fn, T_min, T_top, T0, true, may_carry ? 1e-6 / T13 : tol, false, T_top < T_sat_top, 60);
+    // When v, h, s, u are all that is asked for, the last Newton step is carried rather than
+    // evaluated if it is small enough for its second-order remainder to stay of order 1e-14: v,
+    // h, s, u of the phases move by their slopes along the saturation line (the heat capacities
+    // and the rest would need the evaluation). Small enough is a microkelvin below 623.15 K,
+    // where the saturated phases change smoothly, and a nanokelvin above, where they turn into
+    // the critical point.
+    auto carry_limit = [](double T) { return T <= T13 ? 1e-6 : 1e-9; };
+    const bool may_carry = lvl <= properties::basic;
+    const roots::last_step r = roots::newton_to_last_step(fn, T_min, T_top, T0, true,
+                                                          may_carry ? carry_limit(T0) / Tc : tol,
+                                                          false, T_top < T_sat_top, 60);
     if (!r.converged) return found = false, state{};
     if (r.step == 0.0) return mixture_found(lvl);
-    if (may_carry && r.x <= T13) {
+    if (may_carry && std::fabs(r.step) <= carry_limit(r.x)) {
         const double T1 = r.x - r.step;
         auto carry = [&](state& phase, const properties::saturation_slope& d) {
             phase.v -= d.v * r.step, phase.h -= d.h * r.step;
