@@ -254,15 +254,22 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
     auto pick = [](const properties::saturation_slope& d, variable var) {
         return var == v ? d.v : var == h ? d.h : var == s ? d.s : d.u;
     };
-    // Above 623.15 K each step solves the saturated densities, from those of the step before
-    // (from the interpolated line at first).
+    // Above 623.15 K each step solves the saturated densities, from those of the interpolated
+    // line at first, then from those of the step before carried along the line by their slopes.
     double near_liquid = 0.0, near_vapour = 0.0;
     if (T0 > T13 && T0 < Tc) {
         const saturation_grid::volumes near = saturation_grid::saturated_volumes(T0);
         near_liquid = 1.0 / near.liquid, near_vapour = 1.0 / near.vapour;
     }
+    bool sloped = false; // d1, d2 belong to `last`
     auto fn = [&](double T) -> roots::value_slope {
+        if (sloped) {
+            const double dT = T - last.T;
+            near_liquid = 1.0 / (last.liquid.v + d1.v * dT);
+            near_vapour = 1.0 / (last.vapour.v + d2.v * dT);
+        }
         last = sat_T(T, caloric, near_liquid, near_vapour);
+        sloped = false;
         near_liquid = 1.0 / last.liquid.v, near_vapour = 1.0 / last.vapour.v;
         const state &l = last.liquid, &g = last.vapour;
         const double a1 = value_of(l, A), a2 = value_of(g, A);
@@ -275,6 +282,7 @@ state two_phase_pair(variable A, double ya, variable B, double yb, double T0, in
         const double dps = forward::dpsat_dT(T);
         d1 = properties::slope(l, dps);
         d2 = properties::slope(g, dps);
+        sloped = true;
         const double da1 = pick(d1, A), da2 = pick(d2, A);
         const double db1 = pick(d1, B), db2 = pick(d2, B);
         const double dx = -(da1 + xq * (da2 - da1)) / (a2 - a1);
