@@ -148,9 +148,10 @@ template <const auto& ideal, int order>
 [[gnu::always_inline]] inline derivatives with_ideal_part(derivatives d, double pi, double tau) {
     const double r = 1.0 / pi;
     const derivatives o = power_sum::evaluate<ideal, order>(1.0, tau, 1.0, 1.0 / tau);
+    d.f_y += o.f_y;
+    if constexpr (order == 0) return d; // gamma_tau alone: no logarithm
     d.f += std::log(pi) + o.f;
     d.f_x += r;
-    d.f_y += o.f_y;
     if constexpr (order >= 2) {
         d.f_xx -= r * r;
         d.f_yy += o.f_yy;
@@ -213,12 +214,15 @@ template <int order> IF97_CLONES derivatives phi3(double rho, double T) {
     return d;
 }
 
+template derivatives gamma1<0>(double, double);
 template derivatives gamma1<1>(double, double);
 template derivatives gamma1<2>(double, double);
 template derivatives gamma1<3>(double, double);
+template derivatives gamma2<0>(double, double);
 template derivatives gamma2<1>(double, double);
 template derivatives gamma2<2>(double, double);
 template derivatives gamma2<3>(double, double);
+template derivatives gamma5<0>(double, double);
 template derivatives gamma5<1>(double, double);
 template derivatives gamma5<2>(double, double);
 template derivatives gamma5<3>(double, double);

@@ -22,7 +22,7 @@ inline constexpr double p2_star = 1.0, T2_star = 540.0;
 inline constexpr double p5_star = 1.0, T5_star = 1000.0;
 
 // gamma(pi, tau) of regions 1, 2 (ideal + residual part) and 5 with its derivatives up to
-// `order`, x = pi = p/p*, y = tau = T*/T.
+// `order`, x = pi = p/p*, y = tau = T*/T; order 0: gamma_tau alone.
 template <int order> derivatives gamma1(double p, double T);
 template <int order> derivatives gamma2(double p, double T);
 template <int order> derivatives gamma5(double p, double T);

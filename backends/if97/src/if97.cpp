@@ -55,7 +55,7 @@ constexpr std::array<code_entry, 21> code_table{{
     {"T", code::T, properties::bare},
     {"t", code::T, properties::bare},
     {"v", code::v, properties::basic},
-    {"h", code::h, properties::basic},
+    {"h", code::h, properties::enthalpy},
     {"s", code::s, properties::basic},
     {"u", code::u, properties::basic},
     {"x", code::x, properties::bare},

@@ -160,7 +160,8 @@ inline void products(const double* X, const double* Y, double* t, std::index_seq
 } // namespace detail
 
 // f and its derivatives up to `order` (1 to 3) at (x, y), given also 1/x and 1/y (which a caller
-// can often form without waiting for x and y); x and y must not be zero.
+// can often form without waiting for x and y); x and y must not be zero. Order 0 gives f_y alone
+// (all an enthalpy needs).
 template <const auto& table, int order>
 [[gnu::always_inline]] inline derivatives evaluate(double x, double y, double x_reciprocal,
                                                    double y_reciprocal) {
@@ -177,6 +178,10 @@ template <const auto& table, int order>
     derivatives d;
     const double rx = X[2];
     const double ry = Y[2];
+    if constexpr (order == 0) {
+        d.f_y = detail::dot(tab::c_y, t) * ry;
+        return d;
+    }
     d.f = detail::dot(tab::c, t);
     d.f_x = detail::dot(tab::c_x, t) * rx;
     d.f_y = detail::dot(tab::c_y, t) * ry;

@@ -21,14 +21,15 @@ using forward::Tc;
 
 constexpr double R_si = R * 1e3; // J/(kg K)
 
-template <int lvl> derivatives gibbs(int reg, double p, double T) {
+// The Gibbs derivatives of region 1, 2 or 5 up to `order` (0: gamma_tau alone).
+template <int order> derivatives gibbs(int reg, double p, double T) {
     switch (reg) {
     case r1:
-        return forward::gamma1<lvl>(p, T);
+        return forward::gamma1<order>(p, T);
     case r2:
-        return forward::gamma2<lvl>(p, T);
+        return forward::gamma2<order>(p, T);
     default:
-        return forward::gamma5<lvl>(p, T);
+        return forward::gamma5<order>(p, T);
     }
 }
 
@@ -56,11 +57,15 @@ void fill_gibbs(state& st, int reg, double p, double T, int lvl, const derivativ
     st.level = lvl;
     st.p = p;
     st.T = T;
-    st.v = RT * g.f_x * 1e-3 / p_star; // (RT/p) pi gamma_pi
     st.h = hs.h;
-    st.u = RT * (tau * g.f_y - pi * g.f_x);
-    st.s = hs.s;
     st.x = not_set;
+    if (lvl == enthalpy) { // h alone: g holds gamma_tau only
+        st.v = st.u = st.s = not_set;
+    } else {
+        st.v = RT * g.f_x * 1e-3 / p_star; // (RT/p) pi gamma_pi
+        st.u = RT * (tau * g.f_y - pi * g.f_x);
+        st.s = hs.s;
+    }
     if (lvl < caloric) {
         st.cv = st.cp = st.w = st.dp_dT = st.dp_dv = not_set;
         st.d2p_dT2 = st.d2p_dv2 = st.d2p_dTdv = st.dcv_dT = not_set;
@@ -266,6 +271,8 @@ double p_sat_13() {
 
 state gibbs_state(int reg, double p, double T, int lvl) {
     switch (lvl) {
+    case enthalpy:
+        return gibbs_properties(reg, p, T, lvl, gibbs<0>(reg, p, T));
     case basic:
         return gibbs_properties(reg, p, T, lvl, gibbs<1>(reg, p, T));
     case caloric:
@@ -281,8 +288,9 @@ state gibbs_state(int reg, double p, double T, int lvl, const derivatives& g) {
 
 state helmholtz_state(double rho, double T, int lvl) {
     switch (lvl) {
+    case enthalpy: // (region 3 gives h with the rest of the basic properties)
     case basic:
-        return helmholtz_properties(rho, T, lvl, forward::phi3<1>(rho, T));
+        return helmholtz_properties(rho, T, basic, forward::phi3<1>(rho, T));
     case caloric:
         return helmholtz_properties(rho, T, lvl, forward::phi3<2>(rho, T));
     default:
@@ -350,6 +358,8 @@ double rho3_pt(double p, double T) {
 void state_pt(state& st, double p, double T, int lvl) {
     const int reg = region_pt(p, T);
     switch (reg == r3 || reg == none ? full + 1 : lvl) {
+    case enthalpy:
+        return fill_gibbs(st, reg, p, T, lvl, gibbs<0>(reg, p, T));
     case basic:
         return fill_gibbs(st, reg, p, T, lvl, gibbs<1>(reg, p, T));
     case caloric:
@@ -367,7 +377,7 @@ state state_pt(double p, double T, int lvl) {
     if (reg != r3) return gibbs_state(reg, p, T, lvl);
     const double rho = rho3_pt(p, T);
     if (!(rho > 0.0)) return {};
-    state st = helmholtz_state(rho, T, lvl);
+    state st = helmholtz_state(rho, T, std::max(lvl, int(basic)));
     st.p = p; // the iteration's residual is below the last bit; report the input exactly
     return st;
 }

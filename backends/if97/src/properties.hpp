@@ -13,10 +13,11 @@ using forward::derivatives;
 
 // What a state holds, cumulatively.
 enum level : int {
-    bare = 0,    // p, T and x of a mixture given by (p, x) or (T, x): the saturation line alone
-    basic = 1,   // p, T, v, h, s, u
-    caloric = 2, // + cv, cp, w, dp_dT, dp_dv
-    full = 3,    // + d2p_dT2, d2p_dv2, d2p_dTdv, dcv_dT
+    bare = 0,     // p, T and x of a mixture given by (p, x) or (T, x): the saturation line alone
+    enthalpy = 1, // p, T and h of a (p, T) state of region 1, 2 or 5: what h alone needs
+    basic = 2,    // p, T, v, h, s, u
+    caloric = 3,  // + cv, cp, w, dp_dT, dp_dv
+    full = 4,     // + d2p_dT2, d2p_dv2, d2p_dTdv, dcv_dT
 };
 
 // Region numbers of IF97; two_phase is a mixture of saturated liquid and vapour.
@@ -45,7 +46,7 @@ inline constexpr double T_min = 273.15, T_max = 2273.15; // K
 double p_sat_min();
 double p_sat_13();
 
-// State of region 1, 2 or 5 at (p, T), computed up to `lvl`.
+// State of region 1, 2 or 5 at (p, T), computed up to `lvl` (enthalpy to full).
 state gibbs_state(int reg, double p, double T, int lvl);
 // For iterations along an isobar of region 1, 2 or 5 that follow h or s: the Gibbs derivatives
 // at (p, T) up to the second order, the h, s and cp they give at tau = T*/T, and the state they
@@ -69,7 +70,8 @@ int region_pt(double p, double T);
 double rho3_pt(double p, double T);
 // The state at (p, T) in its region; region none outside the range.
 state state_pt(double p, double T, int lvl);
-// The same, written into `st` (lvl basic to full); st.region none outside the range.
+// The same, written into `st` (lvl enthalpy to full; enthalpy gives basic in region 3); st.region
+// none outside the range.
 void state_pt(state& st, double p, double T, int lvl);
 
 // Saturated liquid and vapour at temperature T (273.15 K to Tc) or pressure p (ps(273.15 K)

@@ -239,7 +239,8 @@ double rho3_near(double p, double T, double guess, int side) {
 // The saturated phases at T with the requested level (above 623.15 K, from densities near
 // near_liquid and near_vapour when not 0).
 saturation sat_T(double T, int lvl, double near_liquid = 0.0, double near_vapour = 0.0) {
-    return properties::saturation_T(T, std::max(lvl, 1), near_liquid, near_vapour);
+    return properties::saturation_T(T, std::max(lvl, int(properties::basic)), near_liquid,
+                                    near_vapour);
 }
 
 // Mixture whose quality follows from property A (s or v), with property B matching yb: one
@@ -493,7 +494,7 @@ search_result isobar(double p, variable Y, double y, int lvl) {
     double Ts = 0;
     saturation sat3; // region-3 saturation between p(623.15 K) and pc, solved when needed
     auto saturation3 = [&]() -> const saturation& {
-        if (sat3.liquid.region == none) sat3 = properties::saturation_p(p, 1);
+        if (sat3.liquid.region == none) sat3 = properties::saturation_p(p, properties::basic);
         return sat3;
     };
     if (p < properties::p_sat_min()) {
@@ -520,7 +521,8 @@ search_result isobar(double p, variable Y, double y, int lvl) {
     // Region-3 state at the upper end of a piece.
     auto r3_end = [&](const piece& pk) -> state {
         if (pk.side > 0) return saturation3().liquid;
-        state st = properties::helmholtz_state(properties::rho3_pt(p, pk.b), pk.b, 1);
+        state st =
+            properties::helmholtz_state(properties::rho3_pt(p, pk.b), pk.b, properties::basic);
         st.p = p;
         return st;
     };
@@ -533,7 +535,7 @@ search_result isobar(double p, variable Y, double y, int lvl) {
     for (int k = 0; k < pieces.count; ++k)
         if (pieces.item[k].reg == two_phase) dome = k;
     if (dome > 1) { // region 1 up to 623.15 K first: no need for the saturation there
-        prev_end = properties::gibbs_state(r1, p, T13, 1);
+        prev_end = properties::gibbs_state(r1, p, T13, properties::basic);
         if (y <= value_of(prev_end, Y)) {
             last = 0;
             last_end_above = true;
@@ -547,7 +549,7 @@ search_result isobar(double p, variable Y, double y, int lvl) {
         state liquid, vapour;
         auto saturated = [&](bool liquid_side) {
             if (above) return liquid_side ? saturation3().liquid : saturation3().vapour;
-            return properties::gibbs_state(liquid_side ? r1 : r2, p, Ts, 1);
+            return properties::gibbs_state(liquid_side ? r1 : r2, p, Ts, properties::basic);
         };
         bool vapour_known = false;
         if (y > likely_vapour[Y]) {
@@ -569,8 +571,8 @@ search_result isobar(double p, variable Y, double y, int lvl) {
                     saturation sat;
                     sat.T = Ts;
                     sat.p = p;
-                    sat.liquid = properties::raise(liquid, std::max(lvl, 1));
-                    sat.vapour = properties::raise(vapour, std::max(lvl, 1));
+                    sat.liquid = properties::raise(liquid, std::max(lvl, int(properties::basic)));
+                    sat.vapour = properties::raise(vapour, std::max(lvl, int(properties::basic)));
                     out.st = properties::mixture(sat, (y - y1) / (y2 - y1), lvl);
                     return out;
                 }
@@ -689,7 +691,7 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
         pieces.add(two_phase, ps, ps);
         pieces.add(r1, ps, p_max);
     } else if (T < Tc) {
-        sat = sat_T(T, 1);
+        sat = sat_T(T, properties::basic);
         pieces.add(r2, p_low, forward::p_b23(T));
         pieces.add(r3, forward::p_b23(T), sat.p, -1);
         pieces.add(two_phase, sat.p, sat.p);
@@ -717,22 +719,23 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
         const piece& pk = pieces.item[k];
         const bool last_piece = k + 1 == pieces.count;
         if (pk.reg == two_phase) {
-            const state liquid =
-                pieces.item[k + 1].reg == r3 ? sat.liquid : properties::gibbs_state(r1, pk.a, T, 1);
+            const state liquid = pieces.item[k + 1].reg == r3
+                                     ? sat.liquid
+                                     : properties::gibbs_state(r1, pk.a, T, properties::basic);
             const double y2 = value_of(prev_end, Y), y1 = value_of(liquid, Y);
             if (y > y1) {
                 saturation mix;
                 mix.T = T;
                 mix.p = pk.a;
-                mix.liquid = properties::raise(liquid, std::max(lvl, 1));
-                mix.vapour = properties::raise(prev_end, std::max(lvl, 1));
+                mix.liquid = properties::raise(liquid, std::max(lvl, int(properties::basic)));
+                mix.vapour = properties::raise(prev_end, std::max(lvl, int(properties::basic)));
                 out.st = properties::mixture(mix, (y - y1) / (y2 - y1), lvl);
                 return out;
             }
             prev_end = liquid;
             continue;
         }
-        const state end = end_state(pk, 1);
+        const state end = end_state(pk, properties::basic);
         const double y_end = value_of(end, Y);
         if (y < y_end) { // v and s fall with pressure: y lies beyond this piece
             if (last_piece && matches(y_end, y)) { // on the edge of the range, to rounding
@@ -756,7 +759,7 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
                 k > 0 && prev_end.region == r3 ? 1.0 / prev_end.v : properties::rho3_pt(pk.a, T);
             if (Y == v) {
                 const double rho = std::fmin(std::fmax(1.0 / y, rho_a), rho_b);
-                found = properties::helmholtz_state(rho, T, std::max(lvl, 1));
+                found = properties::helmholtz_state(rho, T, std::max(lvl, int(properties::basic)));
                 out.st = found;
                 return out;
             }
@@ -764,7 +767,7 @@ search_result isotherm(double T, variable Y, double y, int lvl) {
                 found = properties::helmholtz_state(rho, T, caloric);
                 return {value_of(found, Y) - y, slope_of(found, Y).da};
             };
-            const double ya = value_of(properties::helmholtz_state(rho_a, T, 1), Y);
+            const double ya = value_of(properties::helmholtz_state(rho_a, T, properties::basic), Y);
             const double rho0 = rho_a + (rho_b - rho_a) * (y - ya) / (y_end - ya);
             r = roots::newton_bracketed(fn, rho_a, rho_b, rho0, false, tol);
             if (r.converged || r.x == rho_a) {
@@ -846,7 +849,8 @@ state from_px(double p, double q, int lvl, std::string& errormsg) {
         return out_of_range(errormsg, P, p, false, properties::p_sat_min(),
                             "saturation (the lowest saturation pressure)");
     if (lvl == properties::bare) return saturation_point(p, forward::tsat(p), q);
-    return properties::mixture(properties::saturation_p(p, std::max(lvl, 1)), q, lvl);
+    return properties::mixture(properties::saturation_p(p, std::max(lvl, int(properties::basic))),
+                               q, lvl);
 }
 
 state from_tx(double T, double q, int lvl, std::string& errormsg) {
@@ -1005,7 +1009,7 @@ state from_vx(double vv, double q, int lvl, std::string& errormsg) {
     // a minimum on the way to vc: scan down from the top, on steps that widen geometrically
     // from 1 µK below Tc, for the first sign change, then polish.
     auto mix_v = [&](double T) {
-        const saturation sat = sat_T(T, 1);
+        const saturation sat = sat_T(T, properties::basic);
         return sat.liquid.v + q * (sat.vapour.v - sat.liquid.v) - vv;
     };
     constexpr int steps = 64;
@@ -1044,7 +1048,7 @@ state from_vx(double vv, double q, int lvl, std::string& errormsg) {
 double dome_start_hs(double hh, double ss) {
     double T = T_min;
     for (int it = 0; it < 8; ++it) {
-        const state l = properties::gibbs_state(r1, forward::psat(T), T, 1);
+        const state l = properties::gibbs_state(r1, forward::psat(T), T, properties::basic);
         if (!(l.s < ss)) return NAN;
         const double f = hh - T * ss - (l.h - T * l.s);
         const double df = -ss + l.s - l.v * forward::dpsat_dT(T) * 1e3;
@@ -1083,7 +1087,7 @@ state from_hs(double hh, double ss, int lvl, std::string& errormsg) {
         else {
             const double tb = backward::tb23_hs(hh, ss);
             const double pb = forward::p_b23(tb);
-            primary = hh > properties::gibbs_state(r2, pb, tb, 1).h ? r3 : r2;
+            primary = hh > properties::gibbs_state(r2, pb, tb, properties::basic).h ? r3 : r2;
         }
     } else if (ss <= s_max_sat)
         primary = hh < backward::h2ab_s(ss) ? two_phase : r2;
@@ -1188,6 +1192,7 @@ bool supported(variable a, variable b) {
 
 void solve_pair(state& st, variable a, double value_a, variable b, double value_b, int lvl,
                 std::string& errormsg) {
+    if (b != x) lvl = std::max(lvl, int(properties::basic));
     if (!within_limits(a, value_a, errormsg) || !within_limits(b, value_b, errormsg)) {
         st = state{};
         return;

@@ -33,7 +33,7 @@ inline void state_of(properties::state& st, variable a, double value_a, variable
                      int lvl, std::string& errormsg) {
     using namespace properties;
     if (a > b) std::swap(a, b), std::swap(value_a, value_b);
-    if (b != x) lvl = std::max(lvl, int(basic));
+    if (b != x) lvl = std::max(lvl, int(enthalpy)); // only (P, x), (T, x) stop short of h
     if (a == P && b == T && value_a > 0.0 && value_a <= p_max && value_b >= T_min &&
         value_b <= T_max) {
         state_pt(st, value_a, value_b, lvl);
