@@ -183,6 +183,25 @@ state finish(state st, int lvl) {
     return st;
 }
 
+// A single-phase state with `caloric` properties carried to first order by (da, dT) in the
+// natural variables of its region (p in MPa, T in regions 1, 2, 5; rho, T in region 3): p, T,
+// v, h, s, u, for the last small step of an iteration, which is then not evaluated.
+state carried(state st, double da, double dT) {
+    auto move = [&](variable var) {
+        const slope2 d = slope_of(st, var);
+        return d.da * da + d.dT * dT;
+    };
+    const double dp = st.region == r3 ? move(P) : da;
+    const double dv = st.region == r3 ? 1.0 / (1.0 / st.v + da) - st.v : move(v);
+    const double dh = move(h), ds = move(s), du = move(u);
+    st.p += dp, st.v += dv, st.h += dh, st.s += ds, st.u += du;
+    st.T += dT;
+    // The caloric values stay those of the evaluated point (the level says they are not this
+    // state's): the region checks look at the stability of that point.
+    st.level = properties::basic;
+    return st;
+}
+
 // true when (p, T) of a solution lies in region reg (with a margin of rounding) on the stable
 // branch of its equation.
 bool in_region(const state& st, int reg) {
@@ -365,6 +384,12 @@ state newton2(int reg, variable A, double ya, variable B, double yb, double a, d
         if (at_rounding && rel_a > 0.5 * last_rel_a) // no longer shrinking
             return in_region(st, reg) ? finish(st, lvl) : state{};
         last_rel_a = rel_a;
+        // For v, h, s, u alone, a last step below 1e-8 is carried rather than evaluated (its
+        // second-order remainder is of order 1e-16).
+        if (lvl <= properties::basic && std::fabs(dT) <= 1e-8 * T && rel_a <= 1e-8) {
+            st = carried(st, log_a ? a * std::expm1(-da) : -da, -dT);
+            return in_region(st, reg) ? st : state{};
+        }
         if (std::fabs(dT) <= tol * T && rel_a <= tol) {
             if (std::fabs(dT) > 4e-16 * T || rel_a > 4e-16) { // the last step, unless negligible
                 a = log_a ? a * std::exp(-da) : a - da;
@@ -408,20 +433,6 @@ struct search_result {
     int outside = 0; // +1: y above the largest value on the line, -1: below the smallest
     double limit = 0;
 };
-
-// A state (with `caloric` properties) carried along its isobar by dT, to first order: v, h, s, u
-// and T, for the last small step of an iteration.
-state carried_along_isobar(state st, double dT) {
-    const slope2 dv = slope_of(st, v);
-    st.v += dv.dT * dT;
-    st.h += st.cp * dT;
-    st.s += st.cp / st.T * dT;
-    st.u = st.h - st.p * st.v * 1e3;
-    st.T += dT;
-    st.level = properties::basic;
-    st.cv = st.cp = st.w = st.dp_dT = st.dp_dv = not_set;
-    return st;
-}
 
 // Start of a Gibbs-region iteration along an isobar (NaN when there is none).
 double isobar_start(int reg, double p, variable Y, double y) {
@@ -483,7 +494,7 @@ bool isobar_by_backward(double p, variable Y, double y, int lvl, search_result& 
     if (!r.converged) return false;
     if (!may_carry && std::fabs(r.step) > 4e-16 * r.x) fn(r.x - r.step);
     out.st = properties::gibbs_state(reg, p, T_g, caloric, g);
-    out.st = may_carry ? carried_along_isobar(out.st, -r.step) : finish(out.st, lvl);
+    out.st = may_carry ? carried(out.st, 0.0, -r.step) : finish(out.st, lvl);
     return true;
 }
 
@@ -922,12 +933,16 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
     // above the largest u'', h'' or s'' of the saturated vapour, so that the state cannot be a
     // mixture (below that, the dome is looked at first).
     constexpr std::array<double, 6> above_dome = {0, 0, 0, 2803.3, 9.156, 2603.9};
+    // Region 1 holds no v, h, s, u above those of the saturated liquid at 623.15 K.
+    constexpr double v_r1_max = 1.740070552e-3 * (1 + 1e-9);
+    constexpr std::array<double, 6> r1_max = {
+        0, 0, 0, 1670.858218 + 1e-6, 3.77828134 + 1e-8, 1642.096306 + 1e-6};
     if (gas && y > above_dome[Y]) {
         const double T0 = rough_T(Y, y, true);
         const state st =
             newton2(T0 > T25 ? r5 : r2, v, vv, Y, y, forward::R * T0 / (vv * 1e3), T0, lvl, 8);
         if (st.region != none) return st;
-    } else if (vv < 1.0 / 700.0) {
+    } else if (vv <= v_r1_max && y <= r1_max[Y]) {
         const state st = newton2(r1, v, vv, Y, y, 10.0, rough_T(Y, y, false), lvl, 8);
         if (st.region != none) return st;
     }
