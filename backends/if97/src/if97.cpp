@@ -332,6 +332,7 @@ namespace {
     m.size = 0;
     m.list = code_list{};
     if (!parse_codes(outlist, m.list, errormsg)) {
+        m.list = code_list{}; // (nothing of a list that failed half-way stays)
         std::fill(output.begin(), output.end(), not_set);
         return nullptr;
     }
@@ -391,7 +392,7 @@ void if97_main(std::string_view letter1, double value1, std::string_view letter2
                               letter1[0] == last_pair.first && letter2[0] == last_pair.second;
     if (!same_letters && !read_letters(letter1, letter2, a, b, output, errormsg)) return;
     const remembered_list& m = last_list;
-    const code_list* list = same(outlist, std::string_view(m.text.data(), m.size))
+    const code_list* list = m.size != 0 && same(outlist, std::string_view(m.text.data(), m.size))
                                 ? &m.list
                                 : read_list(outlist, output, errormsg);
     if (list == nullptr) return;

@@ -165,6 +165,17 @@ TEST(If97Errors, ChangedLettersAndListsAreReadAgain) {
     }
 }
 
+// A list that failed half-way is not remembered: an empty list after it is refused as well.
+TEST(If97Errors, AFailedListLeavesNothingBehind) {
+    std::array<double, 1> out{};
+    std::string err;
+    if97::if97_main("P", 1.0, "T", 20.0, "h,", out, err);
+    EXPECT_NE(err.find("not closed by '.'"), std::string::npos) << err;
+    if97::if97_main("P", 1.0, "T", 20.0, "", out, err);
+    EXPECT_NE(err.find("not closed by '.'"), std::string::npos) << err;
+    EXPECT_EQ(out[0], -8888.8);
+}
+
 TEST(If97Errors, VersionAndLinkCheck) {
     std::array<int, 4> version{};
     if97::getversion(version);
