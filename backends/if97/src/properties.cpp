@@ -187,9 +187,13 @@ double saturated_density(double T, double p, bool liquid, double near) {
             widen = std::fmin(4.0 * widen, 0.25);
             v = p3(rho, T);
         }
+        // Residuals within a few units of the last place of p are rounding: the density is then
+        // as close as the equation can tell (which near Tc, where p3 flattens into an inflection,
+        // is far from the last bit of rho).
+        const double noise = 1e-14 * p;
         for (int it = 0; it < 200; ++it) {
             const double f = v.f - p;
-            if (f == 0.0) return rho;
+            if (std::fabs(f) <= noise) return rho;
             double step = f / v.df;
             if (!(sign * step > 0.0)) return -1.0; // slope of the wrong sign: not outside
             double next = rho - step;
@@ -197,7 +201,7 @@ double saturated_density(double T, double p, bool liquid, double near) {
             // there may come out on either side, which is no reason to halve it)
             if (std::fabs(step) <= 1e-11 * rho) return next;
             roots::value_slope w = p3(next, T);
-            for (int half = 0; half < 60 && sign * (w.f - p) < 0.0; ++half) {
+            for (int half = 0; half < 60 && sign * (w.f - p) < -noise; ++half) {
                 step *= 0.5;
                 next = rho - step;
                 w = p3(next, T);
