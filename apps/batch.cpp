@@ -202,7 +202,7 @@ private:
 
 int run_batch(const command_line& cl) {
     if (cl.arguments.size() > 1) throw usage_error("batch reads one file at most");
-    const std::string inputspec = option(cl, "--spec", "PT");
+    const std::string inputspec = option(cl, "--inputspec", "PT");
     if (inputspec.size() < 2) throw usage_error("--spec wants two property symbols, such as PT");
     const auto columns = parse_columns(option(cl, "--columns", "1,2"));
     std::vector<std::string> requests;

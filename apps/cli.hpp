@@ -50,7 +50,7 @@ struct command_line {
 // The command's own options (beyond the common ones) and whether it takes positional arguments.
 struct command_spec {
     std::string_view name;
-    std::vector<std::string_view> options; // "--spec" ...
+    std::vector<std::string_view> options; // "--inputspec" ...
     int (*run)(const command_line&);
     std::string_view help;
 };

@@ -62,7 +62,7 @@ std::string fluid_name(const selection& fluid) {
 } // namespace
 
 int run_calc(const command_line& cl) {
-    expect_arguments(cl, 4, "PROP SPEC V1 V2");
+    expect_arguments(cl, 4, "PROP INPUTSPEC V1 V2");
     const double v1 = number(cl.arguments[2], "V1"), v2 = number(cl.arguments[3], "V2");
     select(cl.fluid);
     std::string errormsg;
@@ -74,7 +74,7 @@ int run_calc(const command_line& cl) {
 }
 
 int run_props(const command_line& cl) {
-    expect_arguments(cl, 3, "SPEC V1 V2");
+    expect_arguments(cl, 3, "INPUTSPEC V1 V2");
     const std::string& inputspec = cl.arguments[0];
     const double v1 = number(cl.arguments[1], "V1"), v2 = number(cl.arguments[2], "V2");
     select(cl.fluid);

@@ -16,14 +16,15 @@ Thermophysical properties from the command line. Without a command, zentropia sh
 property of water at 1 atm (101325 Pa) and 300 K.
 
 commands:
-  calc PROP SPEC V1 V2   one property (a keyword such as h, enthalpy, cp, c, eta) at a state
-  props SPEC V1 V2       every property of a state, as a table with units
-  batch [FILE]           a CSV of states (FILE or standard input) to a CSV of properties
-  info                   molar mass, critical point and temperature limits of the fluid
-  fluids                 the fluid names of the fluid table
-  units                  the unit of every property symbol in the chosen unit set
+  calc PROP INPUTSPEC V1 V2   one property (a keyword such as h, enthalpy, cp, c, eta) at a
+                              state
+  props INPUTSPEC V1 V2       every property of a state, as a table with units
+  batch [FILE]                a CSV of states (FILE or standard input) to a CSV of properties
+  info                        molar mass, critical point and temperature limits of the fluid
+  fluids                      the fluid names of the fluid table
+  units                       the unit of every property symbol in the chosen unit set
 
-A state is an input specification of two property symbols (PT, Ph, Ps, Td, Pq, Tq ...) and their
+A state is an INPUTSPEC, the symbols of two properties (PT, Ph, Ps, Td, Pq, Tq ...), and their
 two values, in the chosen units.
 
 options of every command:
@@ -45,9 +46,9 @@ examples:
   printf 'P,T\n1e5,300\n1e6,500\n' | zentropia batch --props h,s,c
 )";
 
-constexpr std::string_view calc_help = R"(usage: zentropia calc PROP SPEC V1 V2 [OPTIONS]
+constexpr std::string_view calc_help = R"(usage: zentropia calc PROP INPUTSPEC V1 V2 [OPTIONS]
 
-Prints one property of the state (SPEC, V1, V2) in the chosen units. PROP is a property keyword,
+Prints one property of the state (INPUTSPEC, V1, V2) in the chosen units. PROP is a property keyword,
 in any case: p pressure, t temperature, v specvolume, d density, h enthalpy, s entropy,
 u intenergy, q vaporqual, cv heatcapv, cp heatcapp, c soundspeed, alpha, beta, chi, fi, ksi, psi,
 zeta, theta, kappa, gamma, eta viscosity, lambda thermcond, sigma surftens, dpdt, dpdv, d2pdt2,
@@ -56,17 +57,17 @@ d2pdv2, d2pdtdv, dcvdt.
 example: zentropia calc enthalpy PT 101325 300    (J/kg of water at 1 atm and 300 K)
 )";
 
-constexpr std::string_view props_help = R"(usage: zentropia props SPEC V1 V2 [OPTIONS]
+constexpr std::string_view props_help = R"(usage: zentropia props INPUTSPEC V1 V2 [OPTIONS]
 
-Prints every property of the state (SPEC, V1, V2) as a table: keyword, meaning, value and unit.
+Prints every property of the state (INPUTSPEC, V1, V2) as a table: keyword, meaning, value and unit.
 Properties the model does not compute read "not computed".
 
 example: zentropia props Ph 10 2800 --units Zentropia    (steam at 10 bar, 2800 kJ/kg)
 )";
 
 constexpr std::string_view batch_help =
-    R"(usage: zentropia batch [FILE] [--spec SPEC] [--props LIST] [--columns I,J] [--output FILE]
-                       [OPTIONS]
+    R"(usage: zentropia batch [FILE] [--inputspec INPUTSPEC] [--props LIST] [--columns I,J]
+                       [--output FILE] [OPTIONS]
 
 Reads states from a CSV file (standard input when FILE is absent or "-") and writes one CSV row
 per state to standard output: the two inputs as given, the chosen properties and an error column
@@ -74,10 +75,10 @@ that is empty when the row succeeded. The rows stream through, so inputs of any 
 row that fails (a field that is not a number, a state the library refuses) gets the message in
 its error column and the run goes on; the exit status is then 3.
 
-  --spec SPEC     input specification of the two input columns (default PT)
-  --props LIST    comma-separated property keywords, as calc takes them (default h,s,c)
-  --columns I,J   the CSV columns (counted from 1) holding the two inputs (default 1,2)
-  --output FILE   write to FILE instead of standard output
+  --inputspec INPUTSPEC  the symbols of the two input columns (default PT)
+  --props LIST           comma-separated property keywords, as calc takes them (default h,s,c)
+  --columns I,J          the CSV columns (counted from 1) holding the two inputs (default 1,2)
+  --output FILE          write to FILE instead of standard output
 
 A first line whose input fields are not numbers is a header and is not evaluated; empty lines
 and lines starting with # are skipped.
@@ -109,7 +110,7 @@ const std::vector<command_spec>& commands() {
     static const std::vector<command_spec> table{
         {"calc", {}, &run_calc, calc_help},
         {"props", {}, &run_props, props_help},
-        {"batch", {"--spec", "--props", "--columns", "--output"}, &run_batch, batch_help},
+        {"batch", {"--inputspec", "--props", "--columns", "--output"}, &run_batch, batch_help},
         {"info", {}, &run_info, info_help},
         {"fluids", {"--by"}, &run_fluids, fluids_help},
         {"units", {}, &run_units, units_help},

@@ -45,7 +45,7 @@ class Fluid:
     unit_overrides: units of single properties, e.g. {"P": "MPa", "T": "C"}.
 
     The selection is made at once, so a bad name raises ZentropiaError here. States are given
-    by an input specification of two property symbols ("PT", "Ph", "Ts", "Pq" ...) and two
+    by an inputspec, the symbols of two properties ("PT", "Ph", "Ts", "Pq" ...), and two
     values, numbers or arrays (broadcast together), in the fluid's units. Properties that the
     model does not compute come back as NaN.
 
@@ -110,26 +110,26 @@ class Fluid:
             values[failed] = np.nan
             values[np.abs(values - _NOT_SET) < 0.1] = np.nan
 
-    def calc(self, prop, spec, input1, input2, errors="raise"):
+    def calc(self, prop, inputspec, input1, input2, errors="raise"):
         """The property named prop ("h" or "enthalpy", "cp", "c", "alpha", "eta" ... as calcprop
-        knows them) at the states (spec, input1, input2). Returns a float for numbers, else an
+        knows them) at the states (inputspec, input1, input2). Returns a float for numbers, else an
         array of the inputs' broadcast shape. errors="raise" raises ZentropiaError for the first
         state that fails; errors="nan" returns NaN for it instead."""
         self._select()
         shape, a, b = self._states(input1, input2)
-        values, failed, first, message = _core._calcprop_array(prop, spec, a, b)
+        values, failed, first, message = _core._calcprop_array(prop, inputspec, a, b)
         self._settle(shape, failed, first, message, errors, [values])
         return values.reshape(shape) if shape else float(values[0])
 
-    def props(self, spec, input1, input2, errors="raise"):
-        """Every property of allprops at the states (spec, input1, input2), as a dict of name to
+    def props(self, inputspec, input1, input2, errors="raise"):
+        """Every property of allprops at the states (inputspec, input1, input2), as a dict of name to
         float (for numbers) or array (of the inputs' broadcast shape): p, t, v, d, h, s, u, q, cv,
         cp, c, alpha, beta, chi, fi, ksi, psi, zeta, theta, kappa, gamma, eta, lambda, and the
         liquid and vapour compositions x and y (a last axis of one entry per component).
         errors as for calc."""
         self._select()
         shape, a, b = self._states(input1, input2)
-        values, x, y, failed, first, message = _core._allprops_array(spec, a, b)
+        values, x, y, failed, first, message = _core._allprops_array(inputspec, a, b)
         columns = [values[:, i] for i in range(values.shape[1])]
         ncmp = len(self.components)
         x, y = x[:, :ncmp], y[:, :ncmp]

@@ -66,7 +66,7 @@ TEST(If97Adapter, InputsAndKeywordsReachTheBackEndTranslated) {
     // liquid at 10 bar, 50 °C; vapour at 1 bar, 150 °C; wet steam at 1 bar
     const double v_liquid = backend("P", 10.0, "T", 50.0, "v");
     struct {
-        const char* spec;
+        const char* inputspec;
         double in1, in2;
         const char* keyword;
         const char* l1;
@@ -91,10 +91,10 @@ TEST(If97Adapter, InputsAndKeywordsReachTheBackEndTranslated) {
     };
     for (const auto& c : cases) {
         const double expected = backend(c.l1, c.b1, c.l2, c.b2, c.code);
-        const double got = if97_prop(c.spec, c.in1, c.in2, c.keyword, e);
-        EXPECT_EQ(e, "No errors") << c.spec << ' ' << c.keyword;
+        const double got = if97_prop(c.inputspec, c.in1, c.in2, c.keyword, e);
+        EXPECT_EQ(e, "No errors") << c.inputspec << ' ' << c.keyword;
         EXPECT_DOUBLE_EQ(got, c.reciprocal ? 1.0 / expected : expected)
-            << c.spec << ' ' << c.keyword;
+            << c.inputspec << ' ' << c.keyword;
     }
 }
 
@@ -125,7 +125,7 @@ TEST(If97Adapter, ListsAndLongKeywords) {
 
 TEST(If97Adapter, FullState) {
     struct {
-        const char* spec;
+        const char* inputspec;
         double in1, in2;
     } const states[] = {
         {"PT", 1.0, 26.85}, {"PT", 1.0, 300.0}, {"Pq", 1.0, 0.25}, {"PT", 300.0, 500.0}};
@@ -133,11 +133,11 @@ TEST(If97Adapter, FullState) {
         double p, t, v, d, h, en, u, q, cv, eta, lambda;
         composition x{}, y{};
         std::string e;
-        if97_allprops(s.spec, s.in1, s.in2, p, t, v, d, h, en, u, q, x, y, cv, eta, lambda, e);
-        ASSERT_EQ(e, "No errors") << s.spec << s.in1;
+        if97_allprops(s.inputspec, s.in1, s.in2, p, t, v, d, h, en, u, q, x, y, cv, eta, lambda, e);
+        ASSERT_EQ(e, "No errors") << s.inputspec << s.in1;
         EXPECT_EQ(p, s.in1);
         EXPECT_DOUBLE_EQ(d * v, 1.0);
-        EXPECT_DOUBLE_EQ(h, if97_prop(s.spec, s.in1, s.in2, "h", e));
+        EXPECT_DOUBLE_EQ(h, if97_prop(s.inputspec, s.in1, s.in2, "h", e));
         EXPECT_NEAR(u, h - p * 1e5 * v / 1e3, 1e-10 * std::fabs(h)); // u = h - Pv, kJ/kg
         EXPECT_DOUBLE_EQ(x[0] + y[0], 1.0);
         EXPECT_EQ(y[0], q);

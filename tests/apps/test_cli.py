@@ -86,7 +86,7 @@ def test_without_a_command_it_shows_water():
     (("calc", "h", "PT", "abc", 300), USAGE, "'abc' is not a number"),
     (("calc", "h", "PT", 1e5), USAGE, "calc takes 4 arguments"),
     (("frobnicate",), USAGE, "unknown command 'frobnicate'"),
-    (("calc", "h", "PT", 1e5, 300, "--spec", "PT"), USAGE, "does not belong to calc"),
+    (("calc", "h", "PT", 1e5, 300, "--inputspec", "PT"), USAGE, "does not belong to calc"),
     (("calc", "h", "PT", 1e5, 300, "-x"), USAGE, "unknown option -x"),
     (("calc", "h", "PT", 1e5, 300, "--unit", "MPa"), USAGE, "--unit wants SYMBOL=UNIT"),
     (("calc", "h", "PT", 1e5, 300, "--fluid", "water,nitrogen"), USAGE, "--conc is needed"),
@@ -141,7 +141,7 @@ def test_batch_columns_spec_file_and_output(tmp_path):
     source = tmp_path / "states.csv"
     source.write_text("id,p,h\n1,10,2800\n2,1,500\n")
     target = tmp_path / "out.csv"
-    run("batch", source, "--spec", "Ph", "--columns", "2,3", "--props", "T,q,sigma",
+    run("batch", source, "--inputspec", "Ph", "--columns", "2,3", "--props", "T,q,sigma",
         "--units", "Zentropia", "--output", target, check=OK)
     table = rows(target.read_text())
     assert table[0] == ["p", "h", "T", "q", "sigma", "error"]

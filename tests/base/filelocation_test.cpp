@@ -62,7 +62,7 @@ TEST(FileLocation, SearchDirectoryByPattern) {
     const auto d = dir.string() + "/";
     struct {
         std::string dirname;
-        const char* spec;
+        const char* pattern;
         std::vector<std::string> names;
     } const cases[] = {
         {d, "*.vmx", {".hidden.vmx", "a.vmx", "ab.vmx", "b.vmx"}}, // directories are not listed
@@ -75,9 +75,10 @@ TEST(FileLocation, SearchDirectoryByPattern) {
     };
     for (const auto& c : cases) {
         std::vector<std::string> names{"stale"};
-        EXPECT_EQ(fl::searchdirectory(c.dirname, c.spec, names), static_cast<int>(c.names.size()))
-            << c.spec;
-        EXPECT_EQ(names, c.names) << c.dirname << c.spec;
+        EXPECT_EQ(fl::searchdirectory(c.dirname, c.pattern, names),
+                  static_cast<int>(c.names.size()))
+            << c.pattern;
+        EXPECT_EQ(names, c.names) << c.dirname << c.pattern;
     }
 }
 

@@ -15,24 +15,26 @@ namespace zd = zentropia_derivative;
 using water_support::not_set;
 
 // One property of a state, which must evaluate.
-double at(std::string_view spec, double in1, double in2, std::string_view key) {
+double at(std::string_view inputspec, double in1, double in2, std::string_view key) {
     std::string errormsg;
-    const double value = zentropia_base::calculate(spec, in1, in2, key, errormsg);
-    EXPECT_EQ(errormsg, "No errors") << spec << " " << in1 << " " << in2 << " " << key;
+    const double value = zentropia_base::calculate(inputspec, in1, in2, key, errormsg);
+    EXPECT_EQ(errormsg, "No errors") << inputspec << " " << in1 << " " << in2 << " " << key;
     return value;
 }
 // Central differences of key by the first and by the second input.
-double diff1(std::string_view spec, double in1, double in2, std::string_view key, double step) {
-    return (at(spec, in1 + step, in2, key) - at(spec, in1 - step, in2, key)) / (2 * step);
+double diff1(std::string_view inputspec, double in1, double in2, std::string_view key,
+             double step) {
+    return (at(inputspec, in1 + step, in2, key) - at(inputspec, in1 - step, in2, key)) / (2 * step);
 }
-double diff2(std::string_view spec, double in1, double in2, std::string_view key, double step) {
-    return (at(spec, in1, in2 + step, key) - at(spec, in1, in2 - step, key)) / (2 * step);
+double diff2(std::string_view inputspec, double in1, double in2, std::string_view key,
+             double step) {
+    return (at(inputspec, in1, in2 + step, key) - at(inputspec, in1, in2 - step, key)) / (2 * step);
 }
-double value_of(double (*op)(std::string_view, double, double, std::string&), std::string_view spec,
-                double in1, double in2) {
+double value_of(double (*op)(std::string_view, double, double, std::string&),
+                std::string_view inputspec, double in1, double in2) {
     std::string errormsg;
-    const double value = op(spec, in1, in2, errormsg);
-    EXPECT_EQ(errormsg, "No errors") << spec << " " << in1 << " " << in2;
+    const double value = op(inputspec, in1, in2, errormsg);
+    EXPECT_EQ(errormsg, "No errors") << inputspec << " " << in1 << " " << in2;
     return value;
 }
 
@@ -42,9 +44,9 @@ double value_of(double (*op)(std::string_view, double, double, std::string&), st
 struct expected_derivatives {
     double alpha, beta, zeta, c, gamma, cv;
 };
-expected_derivatives by_differences(std::string_view spec, double in1, double in2) {
-    const double v = at(spec, in1, in2, "v"), u = at(spec, in1, in2, "u");
-    const double s = at(spec, in1, in2, "s"), t = at(spec, in1, in2, "T");
+expected_derivatives by_differences(std::string_view inputspec, double in1, double in2) {
+    const double v = at(inputspec, in1, in2, "v"), u = at(inputspec, in1, in2, "u");
+    const double s = at(inputspec, in1, in2, "s"), t = at(inputspec, in1, in2, "T");
     const double dv = 1e-5 * v, du = 1e-5 * std::fabs(u) + 1e-3;
     expected_derivatives e;
     e.alpha = -v * v * diff1("vu", v, u, "P", dv) * 1e5;
@@ -129,13 +131,13 @@ TEST(DerivativeConsistency, SinglePropertiesOfTwoPhaseStates) {
 TEST(DerivativeConsistency, PhaseTest) {
     // The marker stands at characters 4 to 6, behind a separator: "PT liq".
     // clang-format off
-    for (const auto& [spec, q, single] : {
+    for (const auto& [inputspec, q, single] : {
              std::tuple{"PT", 0.5, false}, {"PT liq", 0.5, true}, {"Pq_vap", 0.5, true},
              {"PTliq", 0.5, false}, {"PT LIQ", 0.5, false}, {"PT  ph", 0.5, true}, {"", 0.5, false},
              {"PT", 1e-9, true}, {"PT", 2e-8, false}, {"PT", 0.999999995, true}, {"PT", 0.0, true},
              {"PT", -0.3, true}, {"PT", 1.4, true}})
         // clang-format on
-        EXPECT_EQ(zd::is_single_phase(spec, q), single) << spec << " " << q;
+        EXPECT_EQ(zd::is_single_phase(inputspec, q), single) << inputspec << " " << q;
 }
 
 TEST(DerivativeConsistency, SaturationLineFunctions) {
@@ -190,14 +192,15 @@ TEST(DerivativeConsistency, SaturationLineFunctions) {
 struct bundle_result {
     double cv0, cv, cp, c, alpha, beta, chi, fi, ksi, psi, zeta, theta, kappa, gamma;
 };
-bundle_result bundle(std::string_view spec, double in1, double in2, std::string& errormsg) {
+bundle_result bundle(std::string_view inputspec, double in1, double in2, std::string& errormsg) {
     double p, t, v, d, h, s, u, q, dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, sigma;
     water_support::composition x{}, y{};
     bundle_result r;
-    zentropia_base::allthermophys(spec, in1, in2, p, t, v, d, h, s, u, q, x, y, r.cv0, dpdt, dpdv,
-                                  d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, sigma, errormsg);
+    zentropia_base::allthermophys(inputspec, in1, in2, p, t, v, d, h, s, u, q, x, y, r.cv0, dpdt,
+                                  dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, sigma,
+                                  errormsg);
     r.cv = r.cv0;
-    zd::allderivative(spec, in1, in2, p, t, v, d, q, r.cv, dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv,
+    zd::allderivative(inputspec, in1, in2, p, t, v, d, q, r.cv, dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv,
                       dcvdt, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi, r.ksi, r.psi, r.zeta, r.theta,
                       r.kappa, r.gamma, errormsg);
     return r;

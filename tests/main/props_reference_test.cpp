@@ -50,7 +50,7 @@ TEST(PropsReference, VerificationTablesInEveryUnitSet) {
             std::map<std::string, double> in{{row["in1_name"], row.number("in1")}};
             if (row.has("in2_name")) in[row["in2_name"]] = row.number("in2");
             const bool by_p = in.contains("p"), one = in.size() == 1, rho = in.contains("rho");
-            const std::string spec = one ? (by_p ? "Pq" : "Tq") : rho ? "Td" : "PT";
+            const std::string inputspec = one ? (by_p ? "Pq" : "Tq") : rho ? "Td" : "PT";
             const double i1 =
                 by_p ? to_set(set, kind::P, in["p"] * 1e6) : to_set(set, kind::T, in["T"]);
             const double i2 = one   ? 0.0
@@ -58,7 +58,7 @@ TEST(PropsReference, VerificationTablesInEveryUnitSet) {
                                     : to_set(set, kind::T, in["T"]);
             const property_map& prop = properties.at(row["output"]);
             std::string errormsg;
-            const double value = zm::calcprop(prop.keyword, spec, i1, i2, errormsg);
+            const double value = zm::calcprop(prop.keyword, inputspec, i1, i2, errormsg);
             if (!tables.at(row["table"]) && errormsg != "No errors")
                 continue; // outside IF97's range
             ASSERT_EQ(errormsg, "No errors") << row["table"] << " " << row["inputs"];

@@ -16,13 +16,13 @@ using entry_point = double (*)(std::string_view, double, double, std::string&);
 
 // allprops in one array: p t v d h s u q cv cp c alpha beta chi fi ksi psi zeta theta kappa gamma
 // eta lambda.
-std::array<double, 23> allprops(std::string_view spec, double in1, double in2,
+std::array<double, 23> allprops(std::string_view inputspec, double in1, double in2,
                                 std::string& errormsg) {
     std::array<double, 23> o;
     composition x{}, y{};
-    zm::allprops(spec, in1, in2, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7], x, y, o[8], o[9],
-                 o[10], o[11], o[12], o[13], o[14], o[15], o[16], o[17], o[18], o[19], o[20], o[21],
-                 o[22], errormsg);
+    zm::allprops(inputspec, in1, in2, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7], x, y, o[8],
+                 o[9], o[10], o[11], o[12], o[13], o[14], o[15], o[16], o[17], o[18], o[19], o[20],
+                 o[21], o[22], errormsg);
     return o;
 }
 
@@ -254,11 +254,13 @@ TEST(EntryPoints, PhaseMarkersConvertWithThePhasesMolarMass) {
     std::string errormsg;
     const double rho = 1.0 / zentropia_base::calculate("PT", 10.0, 76.85, "v", errormsg);
     const double h = 1000.0 * zentropia_base::calculate("PT", 10.0, 76.85, "h", errormsg);
-    for (const auto& [spec, m] :
+    for (const auto& [inputspec, m] :
          {std::pair{"PT", m_fluid}, std::pair{"PT liq", m_liquid}, std::pair{"PT vap", m_vapour},
           std::pair{"PTliq", m_fluid}, std::pair{"PT", m_fluid}}) {
-        EXPECT_NEAR(zm::density(spec, 1e6, 350.0, errormsg), rho / m, 1e-9 * rho / m) << spec;
-        EXPECT_NEAR(zm::enthalpy(spec, 1e6, 350.0, errormsg), h * m, 1e-9 * h * m) << spec;
+        EXPECT_NEAR(zm::density(inputspec, 1e6, 350.0, errormsg), rho / m, 1e-9 * rho / m)
+            << inputspec;
+        EXPECT_NEAR(zm::enthalpy(inputspec, 1e6, 350.0, errormsg), h * m, 1e-9 * h * m)
+            << inputspec;
         EXPECT_EQ(errormsg, "No errors");
     }
     // heatcapp keeps its own operation with a marker, heatcapv takes the full evaluation's cv.
@@ -273,17 +275,17 @@ TEST(EntryPoints, PhaseCompositions) {
     composition liquid, vapour;
     std::string errormsg;
     struct case_ {
-        const char* spec;
+        const char* inputspec;
         double in1, in2, liquid, vapour;
     };
     for (const case_& c : {case_{"Pq", 1.0, 0.5, 1.0, 1.0}, case_{"PT", 1.0, 20.0, 1.0, 0.0},
                            case_{"PT", 1.0, 200.0, 0.0, 1.0}}) {
         liquid.fill(-1.0), vapour.fill(-1.0);
-        zm::liquidcmp(c.spec, c.in1, c.in2, liquid, errormsg);
-        zm::vaporcmp(c.spec, c.in1, c.in2, vapour, errormsg);
+        zm::liquidcmp(c.inputspec, c.in1, c.in2, liquid, errormsg);
+        zm::vaporcmp(c.inputspec, c.in1, c.in2, vapour, errormsg);
         ASSERT_EQ(errormsg, "No errors");
-        EXPECT_EQ(liquid[0], c.liquid) << c.spec << " " << c.in2;
-        EXPECT_EQ(vapour[0], c.vapour) << c.spec << " " << c.in2;
+        EXPECT_EQ(liquid[0], c.liquid) << c.inputspec << " " << c.in2;
+        EXPECT_EQ(vapour[0], c.vapour) << c.inputspec << " " << c.in2;
         EXPECT_EQ(liquid[1], -1.0) << "beyond the caller's components nothing is written";
     }
     // A component of zero concentration is not passed to the back-end and gets 0.
@@ -329,7 +331,7 @@ TEST(BadInput, FailuresAreReportedAndTheLibraryStaysUsable) {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double inf = std::numeric_limits<double>::infinity();
     struct case_ {
-        const char* spec;
+        const char* inputspec;
         double in1, in2;
     };
     for (const case_& c :
@@ -337,12 +339,13 @@ TEST(BadInput, FailuresAreReportedAndTheLibraryStaysUsable) {
           case_{"PT", -5.0, 100.0}, case_{"PT", 5000.0, 100.0}, case_{"PT", 10.0, 5000.0},
           case_{"Pq", 10.0, 1.5}, case_{"Xy", 1.0, 2.0}, case_{"", 1.0, 2.0}, case_{"P", 1, 2}}) {
         std::string errormsg;
-        zm::calcprop("h", c.spec, c.in1, c.in2, errormsg);
-        EXPECT_TRUE(errormsg.starts_with("Error in")) << c.spec << " " << c.in1 << ": " << errormsg;
-        allprops(c.spec, c.in1, c.in2, errormsg);
+        zm::calcprop("h", c.inputspec, c.in1, c.in2, errormsg);
+        EXPECT_TRUE(errormsg.starts_with("Error in"))
+            << c.inputspec << " " << c.in1 << ": " << errormsg;
+        allprops(c.inputspec, c.in1, c.in2, errormsg);
         EXPECT_TRUE(errormsg.starts_with("Error in")) << errormsg;
         for (auto entry : {zm::density, zm::soundspeed, zm::gamma, zm::viscosity, zm::alpha}) {
-            entry(c.spec, c.in1, c.in2, errormsg);
+            entry(c.inputspec, c.in1, c.in2, errormsg);
             EXPECT_NE(errormsg, "No errors");
         }
         EXPECT_GT(zm::enthalpy("PT", 10.0, 100.0, errormsg), 400.0);
