@@ -961,9 +961,16 @@ state from_vy(double vv, variable Y, double y, int lvl, std::string& errormsg) {
             found = properties::helmholtz_state(1.0 / vv, T, caloric);
             return {value_of(found, Y) - y, dT_at_v(found, Y)};
         };
-        const roots::result r = roots::newton_bracketed(fn, T13, T_b23_top, 0.5 * (T13 + T_b23_top),
-                                                        true, tol, false, false);
-        if (r.converged && in_region(found, r3)) return finish(found, lvl);
+        // (for v, h, s, u alone the last step, below 1e-8, is carried)
+        const bool may_carry = lvl <= properties::basic;
+        const roots::last_step r =
+            roots::newton_to_last_step(fn, T13, T_b23_top, 0.5 * (T13 + T_b23_top), true,
+                                       may_carry ? 1e-8 : tol, false, false);
+        if (r.converged) {
+            if (!may_carry && std::fabs(r.step) > 4e-16 * r.x) fn(r.x - r.step);
+            const state st = may_carry ? carried(found, 0.0, -r.step) : found;
+            if (in_region(st, r3)) return finish(st, lvl);
+        }
     }
 
     // Where the isochore meets the dome: below that temperature the state is a mixture, above
