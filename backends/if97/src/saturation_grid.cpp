@@ -78,6 +78,17 @@ struct cubic {
     }
 };
 
+// Property q of one phase at T between two neighbouring nodes, and its slope.
+roots::value_slope interpolated(const node& n0, const node& n1, bool liquid, property q, double T) {
+    const cubic c{n0.T, n1.T - n0.T};
+    const phase_values& p0 = liquid ? n0.liquid : n0.vapour;
+    const phase_values& p1 = liquid ? n1.liquid : n1.vapour;
+    if (q != v || liquid) return c.at(p0.y[q], p0.dy[q], p1.y[q], p1.dy[q], T);
+    const roots::value_slope ln = c.at(p0.ln_v, p0.dln_v, p1.ln_v, p1.dln_v, T);
+    const double vol = std::exp(ln.f);
+    return {vol, vol * ln.df};
+}
+
 // Quality of the mixture with property a = ya at a node; outside 0..1 beyond the dome.
 double node_quality(const node& n, property a, double ya) {
     return (ya - n.liquid.y[a]) / (n.vapour.y[a] - n.liquid.y[a]);
@@ -119,14 +130,8 @@ double mixture_T(property a, double ya, property b, double yb) {
     }
     const node& n0 = g[below];
     const node& n1 = g[above];
-    const cubic c{n0.T, n1.T - n0.T};
     auto phase = [&](bool liquid, property q, double T) {
-        const phase_values& p0 = liquid ? n0.liquid : n0.vapour;
-        const phase_values& p1 = liquid ? n1.liquid : n1.vapour;
-        if (q != v || liquid) return c.at(p0.y[q], p0.dy[q], p1.y[q], p1.dy[q], T);
-        const roots::value_slope ln = c.at(p0.ln_v, p0.dln_v, p1.ln_v, p1.dln_v, T);
-        const double vol = std::exp(ln.f);
-        return roots::value_slope{vol, vol * ln.df};
+        return interpolated(n0, n1, liquid, q, T);
     };
 
     // Where the interval holds the edge of the dome for ya (x reaching 0 or 1), the root lies
@@ -172,14 +177,8 @@ volumes saturated_volumes(double T) {
     int k = std::clamp(int((1.0 - r) * node_count), 0, node_count - 2);
     if (k > 0 && g[k].T > T) --k;
     if (k < node_count - 2 && g[k + 1].T <= T) ++k;
-    const node& n0 = g[k];
-    const node& n1 = g[k + 1];
-    const cubic c{n0.T, n1.T - n0.T};
-    const double liquid =
-        c.at(n0.liquid.y[v], n0.liquid.dy[v], n1.liquid.y[v], n1.liquid.dy[v], T).f;
-    const double ln_vapour =
-        c.at(n0.vapour.ln_v, n0.vapour.dln_v, n1.vapour.ln_v, n1.vapour.dln_v, T).f;
-    return {liquid, std::exp(ln_vapour)};
+    return {interpolated(g[k], g[k + 1], true, v, T).f,
+            interpolated(g[k], g[k + 1], false, v, T).f};
 }
 
 } // namespace if97::saturation_grid
