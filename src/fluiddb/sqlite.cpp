@@ -41,7 +41,11 @@ void open_database(std::string_view dbpath) {
     if (ierr != SQLITE_OK) {
         sqlite3_close(dbhandle);
         dbhandle = nullptr;
+        return;
     }
+    // The file is only read and the connection lives as long as the process: keeping its shared
+    // lock spares every later query the locking and the check for changes by other writers.
+    sqlite3_exec(dbhandle, "PRAGMA locking_mode = EXCLUSIVE;", nullptr, nullptr, nullptr);
 }
 
 // column 0 of the current row, without trailing blanks and cut to line_length (a NULL value gives
@@ -93,16 +97,14 @@ void encrypt(std::string& string, const scrambling_key& key) {
 }
 
 void decrypt(std::string& string, const scrambling_key& key) {
+    // Written without branches on the data: the loader unscrambles every byte of a fluid's text.
     const auto length = zp_common::trim(string).size();
+    auto* text = reinterpret_cast<unsigned char*>(string.data());
     for (std::size_t i = 0; i < length; ++i) {
-        int s = static_cast<unsigned char>(string[i]);
-        if (s == scrambled_apostrophe)
-            s = '\'';
-        else if (s == scrambled_blank)
-            s = ' ';
-        int c = s - key[i % key_length];
-        if (c < 1) c += 127;
-        string[i] = static_cast<char>(static_cast<unsigned char>(c));
+        int s = text[i];
+        s = s == scrambled_apostrophe ? '\'' : s == scrambled_blank ? ' ' : s;
+        const int c = s - key[i % key_length];
+        text[i] = static_cast<unsigned char>(c < 1 ? c + 127 : c);
     }
 }
 
