@@ -52,8 +52,11 @@ void open_database(std::string_view dbpath) {
 // an empty text)
 void take_column(sqlite3_stmt* statement, std::string& element) {
     const unsigned char* text = sqlite3_column_text(statement, 0);
-    const auto n = std::min(c_length(text), line_length);
-    element.assign(reinterpret_cast<const char*>(text), n);
+    if (text == nullptr) {
+        element.clear();
+        return;
+    }
+    element.assign(reinterpret_cast<const char*>(text), std::min(c_length(text), line_length));
 }
 
 // a text inside a quoted SQL literal: apostrophes doubled
