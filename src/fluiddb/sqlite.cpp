@@ -48,7 +48,7 @@ void open_database(std::string_view dbpath) {
     sqlite3_exec(dbhandle, "PRAGMA locking_mode = EXCLUSIVE;", nullptr, nullptr, nullptr);
 }
 
-// column 0 of the current row, without trailing blanks and cut to line_length (a NULL value gives
+// column 0 of the current row, cut to line_length (a NULL value gives
 // an empty text)
 void take_column(sqlite3_stmt* statement, std::string& element) {
     const unsigned char* text = sqlite3_column_text(statement, 0);
