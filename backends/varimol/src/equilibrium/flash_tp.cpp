@@ -28,7 +28,12 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
     for (int it = 0; it < 60; ++it) {
         for (int i = 0; i < n; ++i) K[i] = std::exp(lnk[i]);
         const int side = rachford_rice(n, z, K.data(), beta, x.data(), y.data());
-        if (side != 0) return 1; // the split collapsed to one phase
+        if (side != 0) {
+            // rough K-values: follow the root outside [0, 1] until they settle
+            if (it > 30) return 1;
+            beta = 0.5;
+            rachford_rice_extended(n, z, K.data(), beta, x.data(), y.data());
+        }
         double sx = 0.0, sy = 0.0;
         for (int i = 0; i < n; ++i) sx += x[i], sy += y[i];
         for (int i = 0; i < n; ++i) x[i] /= sx, y[i] /= sy;
@@ -42,7 +47,10 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
             triv += lnk[i] * lnk[i];
         }
         if (triv < 1e-8) return 1; // trivial solution
-        if (rn < 1e-10) break;     // close enough for the Newton steps
+        if (rn < 1e-10) {          // close enough for the Newton steps
+            if (side != 0) return 1; // converged outside: one phase
+            break;
+        }
         if (it % 5 == 4 && have_old) {
             double num = 0.0, den = 0.0;
             for (int i = 0; i < n; ++i) num += r[i] * rold[i], den += rold[i] * rold[i];
@@ -57,19 +65,24 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         rold = r;
         have_old = true;
     }
-    // Newton on the Gibbs energy with the vapour amounts v_i as variables; gradient
-    // ln f_i^V - ln f_i^L, Hessian (Michelsen and Mollerup, ch. 10, eq. 10.27)
+    // Newton on the Gibbs energy with the amounts of the smaller phase as variables (so that
+    // the other phase, z minus them, is formed without cancellation); gradient
+    // ln f_i^V - ln f_i^L, Hessian of Michelsen and Mollerup, ch. 10
+    const bool small_vapour = beta <= 0.5;
     vec vv{};
-    for (int i = 0; i < n; ++i) vv[i] = beta * y[i];
+    for (int i = 0; i < n; ++i) vv[i] = small_vapour ? beta * y[i] : (1.0 - beta) * x[i];
     mat dl, dv;
     for (int it = 0; it < 40; ++it) {
-        double b = 0.0;
-        for (int i = 0; i < n; ++i) b += vv[i];
-        if (!(b > 0.0 && b < 1.0)) return 441;
+        double s = 0.0;
+        for (int i = 0; i < n; ++i) s += vv[i];
+        if (!(s > 0.0 && s < 1.0)) return 441;
+        vec& small = small_vapour ? y : x;
+        vec& large = small_vapour ? x : y;
         for (int i = 0; i < n; ++i) {
-            y[i] = vv[i] / b;
-            x[i] = (z[i] - vv[i]) / (1.0 - b);
+            small[i] = vv[i] / s;
+            large[i] = (z[i] - vv[i]) / (1.0 - s);
         }
+        const double b = small_vapour ? s : 1.0 - s;
         if (eval_phase(f, t, P, x.data(), root_choice::stable, L, &dl) ||
             eval_phase(f, t, P, y.data(), root_choice::stable, V, &dv))
             return 441;
@@ -77,6 +90,7 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         double gmax = 0.0, triv = 0.0;
         for (int i = 0; i < n; ++i) {
             g[i] = std::log(y[i]) + V.lnphi[i] - std::log(x[i]) - L.lnphi[i];
+            if (!small_vapour) g[i] = -g[i];
             gmax = std::max(gmax, std::abs(g[i]));
             const double lk = std::log(y[i] / x[i]);
             triv += lk * lk;
@@ -95,7 +109,7 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         vec step{};
         for (int i = 0; i < n; ++i) step[i] = -g[i];
         if (!solve_linear(n, H.data(), mc, step.data())) return 441;
-        // stay inside 0 < v_i < z_i
+        // stay inside 0 < amounts < z_i
         double fac = 1.0;
         for (int i = 0; i < n; ++i) {
             const double nv = vv[i] + step[i];

@@ -68,4 +68,35 @@ int rachford_rice(int n, const double* z, const double* K, double& beta, double*
     return 0;
 }
 
+void rachford_rice_extended(int n, const double* z, const double* K, double& beta, double* x,
+                            double* y) {
+    double kmax = K[0], kmin = K[0];
+    for (int i = 1; i < n; ++i) kmax = std::max(kmax, K[i]), kmin = std::min(kmin, K[i]);
+    double lo = kmax > 1.0 ? 1.0 / (1.0 - kmax) : -1e300;
+    double hi = kmin < 1.0 ? 1.0 / (1.0 - kmin) : 1e300;
+    lo = std::max(lo, -1e6);
+    hi = std::min(hi, 1e6);
+    double b = std::clamp(beta, lo + 1e-12 * (hi - lo), hi - 1e-12 * (hi - lo));
+    for (int it = 0; it < 200; ++it) {
+        double f = 0.0, df = 0.0;
+        for (int i = 0; i < n; ++i) {
+            const double km1 = K[i] - 1.0;
+            const double t = km1 / (1.0 + b * km1);
+            f += z[i] * t;
+            df -= z[i] * t * t;
+        }
+        if (f > 0.0) lo = b; else hi = b;
+        double bn = b - f / df;
+        if (!(bn > lo && bn < hi)) bn = 0.5 * (lo + hi);
+        const double step = std::abs(bn - b);
+        b = bn;
+        if (f == 0.0 || step <= 1e-15 * std::max(1.0, std::abs(b))) break;
+    }
+    beta = b;
+    for (int i = 0; i < n; ++i) {
+        x[i] = z[i] / (1.0 + b * (K[i] - 1.0));
+        y[i] = K[i] * x[i];
+    }
+}
+
 } // namespace varimol

@@ -12,4 +12,10 @@ namespace varimol {
 // found to full relative precision.
 int rachford_rice(int n, const double* z, const double* K, double& beta, double* x, double* y);
 
+// The root outside [0, 1] ("negative flash", Whitson and Michelsen 1989): beta in the window
+// 1/(1 - Kmax) < beta < 1/(1 - Kmin) where every 1 + beta (K_i - 1) stays positive, with the
+// compositions x and y. Used while the K-values of an iteration are still rough.
+void rachford_rice_extended(int n, const double* z, const double* K, double& beta, double* x,
+                            double* y);
+
 } // namespace varimol

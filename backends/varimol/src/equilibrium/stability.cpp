@@ -64,8 +64,9 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             o.converged = true;
             break;
         }
-        // a trial composition below the tangent plane already proves instability
-        if (tpd_of_w() < -1e-8) {
+        // a trial composition below the tangent plane already proves instability; it is taken
+        // once it has settled enough to start the phase split
+        if (gn < 1e-4 && tpd_of_w() < -1e-8) {
             o.converged = true;
             break;
         }
@@ -109,6 +110,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             }
             return true;
         };
+        double gn_prev = INFINITY;
         for (int k = 0; k < 60; ++k) {
             if (evaluate(true, &dn)) break;
             double gn = 0.0, tm = 1.0;
@@ -121,10 +123,12 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
                 gn += G * G;
                 tm += W[i] * (G - 1.0);
             }
-            if (gn < 1e-24) {
+            // converged, or stalled at the rounding level of ln phi
+            if (gn < 1e-24 || (gn < 1e-18 && gn > 0.25 * gn_prev)) {
                 o.converged = true;
                 break;
             }
+            gn_prev = gn;
             if (trivial_now()) {
                 o.trivial = true;
                 o.converged = true;
