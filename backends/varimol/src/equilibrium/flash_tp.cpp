@@ -153,10 +153,12 @@ int flash_tp(const fluid& f, double T, double P, const double* z, flash_result& 
         homogeneous_result(f, z, zp, out);
         return se;
     }
+    // K from the fugacity coefficients of the feed and of the trial phase: with w/z alone the
+    // Rachford-Rice root would sit exactly at 0 (or 1), on a side decided by rounding
     vec lnk{};
     for (int i = 0; i < f.n; ++i) {
-        const double lw = std::log(st.w[i]) - std::log(z[i]);
-        lnk[i] = st.lighter ? lw : -lw;
+        const double lk = zp.lnphi[i] - st.lnphi_w[i];
+        lnk[i] = st.lighter ? lk : -lk;
     }
     const int e = flash_split(f, t, P, z, lnk, out);
     if (e == 1) {

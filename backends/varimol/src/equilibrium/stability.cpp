@@ -23,6 +23,7 @@ struct trial_outcome {
     bool trivial;
     bool converged;
     vec w;
+    vec lnphi;
     double v;
 };
 
@@ -153,15 +154,15 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
                     lw[i] = std::log(0.25 * a * a);
                 }
                 double tmn;
-                if (pos && tm_of(lw, tmn) && tmn <= tm + 1e-14 * std::abs(tm)) {
+                if (pos && tm_of(lw, tmn) && tmn <= tm + 1e-15) {
                     ok = true;
                     break;
                 }
                 fac *= 0.5;
             }
             if (!ok) {
-                // no descent is left at rounding level: the point is stationary
-                o.converged = gn < 1e-16;
+                // no descent is left at the rounding level of tm: the point is stationary
+                o.converged = gn < 1e-12;
                 break;
             }
             lnw = lw;
@@ -169,6 +170,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
     }
     evaluate(false, nullptr);
     o.w = w;
+    o.lnphi = ph.lnphi;
     o.v = ph.v;
     o.tpd = o.trivial ? 0.0 : tpd_of_w();
     if (o.trivial) o.converged = true;
@@ -208,6 +210,7 @@ int stability(const fluid& f, const temperature_terms<double>& t, double P, cons
         if (!o.trivial && o.tpd < out.tpd) {
             out.tpd = o.tpd;
             out.w = o.w;
+            out.lnphi_w = o.lnphi;
             out.lighter = o.v > zphase.v;
         }
         if (out.tpd < -1e-3) break; // clearly unstable: no further trial needed

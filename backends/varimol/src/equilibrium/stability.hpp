@@ -13,6 +13,7 @@ struct stability_result {
     bool stable = true;
     double tpd = 0.0;  // lowest tangent-plane distance found, -ln(sum W) at its stationary point
     vec w{};           // normalised composition of that trial phase
+    vec lnphi_w{};     // its ln phi
     bool lighter = true; // the trial phase is less dense than the tested one
 };
 
