@@ -4,6 +4,7 @@
 #include "equilibrium/rachford_rice.hpp"
 
 #include <cmath>
+#include <utility>
 
 namespace varimol {
 
@@ -13,6 +14,20 @@ void homogeneous_result(const fluid& f, const double* z, const phase& ph, flash_
     for (int i = 0; i < f.n; ++i) out.x[i] = out.y[i] = z[i];
     out.liq = out.vap = ph;
     out.beta = ph.smaller ? 0.0 : 1.0;
+}
+// Names the phases: the vapour is the one richer in the volatile components, by Wilson's
+// K-values, so that near a bubble line the incipient phase is the vapour even where it is the
+// denser one (at high pressure the two may exchange their densities).
+void orient(const fluid& f, double T, double P, flash_result& r) {
+    if (r.nphase != 2) return;
+    vec lnk{};
+    wilson_k(f, T, P, lnk.data());
+    double s = 0.0;
+    for (int i = 0; i < f.n; ++i) s += (r.y[i] - r.x[i]) * lnk[i];
+    if (s >= 0.0) return;
+    std::swap(r.x, r.y);
+    std::swap(r.liq, r.vap);
+    r.beta = 1.0 - r.beta;
 }
 } // namespace
 
@@ -65,66 +80,66 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         rold = r;
         have_old = true;
     }
-    // Newton on the Gibbs energy with the amounts of the smaller phase as variables (so that
-    // the other phase, z minus them, is formed without cancellation); gradient
-    // ln f_i^V - ln f_i^L, Hessian of Michelsen and Mollerup, ch. 10
-    const bool small_vapour = beta <= 0.5;
-    vec vv{};
-    for (int i = 0; i < n; ++i) vv[i] = small_vapour ? beta * y[i] : (1.0 - beta) * x[i];
+    // Newton on the Gibbs energy (Michelsen and Mollerup, ch. 10). The variable of component i
+    // is the smaller of its two amounts v_i (vapour) and l_i = z_i - v_i (liquid), so that the
+    // larger one, z_i minus it, is formed without cancellation; gradient g_i = ln f_i^V -
+    // ln f_i^L with respect to v_i, sign-flipped for the components whose variable is l_i.
+    vec u{}, sgn{}, va{}, la{};
+    for (int i = 0; i < n; ++i) {
+        const double vi = beta * y[i], li = (1.0 - beta) * x[i];
+        sgn[i] = vi <= li ? 1.0 : -1.0;
+        u[i] = vi <= li ? vi : li;
+    }
     mat dl, dv;
+    int tail = 0; // Newton steps taken below 1e-11
     for (int it = 0; it < 40; ++it) {
-        double s = 0.0;
-        for (int i = 0; i < n; ++i) s += vv[i];
-        if (!(s > 0.0 && s < 1.0)) return 441;
-        vec& small = small_vapour ? y : x;
-        vec& large = small_vapour ? x : y;
+        double sv = 0.0, sl = 0.0;
         for (int i = 0; i < n; ++i) {
-            small[i] = vv[i] / s;
-            large[i] = (z[i] - vv[i]) / (1.0 - s);
+            va[i] = sgn[i] > 0.0 ? u[i] : z[i] - u[i];
+            la[i] = sgn[i] > 0.0 ? z[i] - u[i] : u[i];
+            sv += va[i];
+            sl += la[i];
         }
-        const double b = small_vapour ? s : 1.0 - s;
+        if (!(sv > 0.0 && sl > 0.0)) return 441;
+        for (int i = 0; i < n; ++i) y[i] = va[i] / sv, x[i] = la[i] / sl;
+        const double b = sv / (sv + sl);
         if (eval_phase(f, t, P, x.data(), root_choice::stable, L, &dl) ||
             eval_phase(f, t, P, y.data(), root_choice::stable, V, &dv))
             return 441;
         vec g{};
         double gmax = 0.0, triv = 0.0;
         for (int i = 0; i < n; ++i) {
-            g[i] = std::log(y[i]) + V.lnphi[i] - std::log(x[i]) - L.lnphi[i];
-            if (!small_vapour) g[i] = -g[i];
+            g[i] = sgn[i] * (std::log(y[i]) + V.lnphi[i] - std::log(x[i]) - L.lnphi[i]);
             gmax = std::max(gmax, std::abs(g[i]));
             const double lk = std::log(y[i] / x[i]);
             triv += lk * lk;
         }
         beta = b;
         if (triv < 1e-8) return 1;
-        if (gmax < 1e-12) {
+        // to the rounding of ln f: near a bubble or dew line the small phase amount is a small
+        // difference of K-values, which need their last digits
+        if (gmax < 1e-15 || (gmax < 1e-11 && ++tail > 2)) {
             converged = true;
             break;
         }
         std::array<double, mc * mc> H{};
         for (int i = 0; i < n; ++i)
             for (int j = 0; j < n; ++j)
-                H[i * mc + j] = (dv[i * mc + j] - 1.0) / b + (dl[i * mc + j] - 1.0) / (1.0 - b) +
-                                (i == j ? z[i] / (x[i] * y[i] * b * (1.0 - b)) : 0.0);
+                H[i * mc + j] =
+                    sgn[i] * sgn[j] *
+                    ((dv[i * mc + j] - 1.0) / b + (dl[i * mc + j] - 1.0) / (1.0 - b) +
+                     (i == j ? z[i] / (x[i] * y[i] * b * (1.0 - b)) : 0.0));
         vec step{};
         for (int i = 0; i < n; ++i) step[i] = -g[i];
         if (!solve_linear(n, H.data(), mc, step.data())) return 441;
-        // stay inside 0 < amounts < z_i
+        // stay inside 0 < u_i < z_i
         double fac = 1.0;
         for (int i = 0; i < n; ++i) {
-            const double nv = vv[i] + step[i];
-            if (nv <= 0.0) fac = std::min(fac, 0.9 * vv[i] / -step[i]);
-            if (nv >= z[i]) fac = std::min(fac, 0.9 * (z[i] - vv[i]) / step[i]);
+            const double nu = u[i] + step[i];
+            if (nu <= 0.0) fac = std::min(fac, 0.9 * u[i] / -step[i]);
+            if (nu >= z[i]) fac = std::min(fac, 0.9 * (z[i] - u[i]) / step[i]);
         }
-        double smax = 0.0;
-        for (int i = 0; i < n; ++i) {
-            vv[i] += fac * step[i];
-            smax = std::max(smax, std::abs(fac * step[i]) / z[i]);
-        }
-        if (smax < 1e-15 && gmax < 1e-9) {
-            converged = true;
-            break;
-        }
+        for (int i = 0; i < n; ++i) u[i] += fac * step[i];
     }
     if (!converged) return 441;
     out.nphase = 2;
@@ -160,21 +175,17 @@ int flash_tp(const fluid& f, double T, double P, const double* z, flash_result& 
         const double lk = zp.lnphi[i] - st.lnphi_w[i];
         lnk[i] = st.lighter ? lk : -lk;
     }
-    const int e = flash_split(f, t, P, z, lnk, out);
-    if (e == 1) {
-        // the split fell back onto the feed: try the Wilson K-values once
+    int e = flash_split(f, t, P, z, lnk, out);
+    if (e != 0) {
+        // the split fell back onto the feed or did not converge: try Wilson's K-values once
         wilson_k(f, T, P, lnk.data());
-        const int e2 = flash_split(f, t, P, z, lnk, out);
-        if (e2 == 0) return 0;
+        e = flash_split(f, t, P, z, lnk, out);
+    }
+    if (e != 0) {
         homogeneous_result(f, z, zp, out);
         return 441;
     }
-    if (e != 0) {
-        wilson_k(f, T, P, lnk.data());
-        if (flash_split(f, t, P, z, lnk, out) == 0) return 0;
-        homogeneous_result(f, z, zp, out);
-        return e;
-    }
+    orient(f, T, P, out);
     return 0;
 }
 

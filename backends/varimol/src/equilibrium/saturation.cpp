@@ -32,14 +32,21 @@ int pure_saturation_pressure(const fluid& f, double T, double& P, phase& L, phas
             p = lo > 0.0 ? 0.5 * (lo + hi) : 0.5 * p;
             continue;
         }
-        const double g = L.lnphi[0] - V.lnphi[0]; // > 0: liquid less stable, P below psat
+        const double g = L.lnphi[0] - V.lnphi[0]; // > 0: the liquid is the less stable root
+        // equal fugacity to the rounding of ln phi
+        if (std::abs(g) <= 4e-16 * (1.0 + std::abs(L.lnphi[0]))) {
+            P = p;
+            return 0;
+        }
         if (g > 0.0) lo = p; else hi = p;
         const double dg = (L.Z - V.Z) / p;
         double pn = p - g / dg;
-        if (!(pn > lo && pn < hi)) pn = lo > 0.0 ? 0.5 * (lo + hi) : 0.5 * (p + std::min(p, hi));
+        // a step of rounding size is kept even if it crosses the bracket's end
+        if (std::abs(pn - p) > 1e-15 * p && !(pn > lo && pn < hi))
+            pn = lo > 0.0 ? 0.5 * (lo + hi) : 0.5 * (p + std::min(p, hi));
         const double dp = std::abs(pn - p);
         p = pn;
-        if (dp <= 1e-15 * p || std::abs(g) < 1e-15) {
+        if (dp <= 1e-15 * p) {
             eval_phase(f, t, p, x, root_choice::liquid, L);
             eval_phase(f, t, p, x, root_choice::vapour, V);
             if (L.nroots < 2) return 106;
@@ -74,13 +81,20 @@ int pure_saturation_temperature(const fluid& f, double P, double& T, phase& L, p
         eval_phase_t(f, tt, p, x, root_choice::liquid, l, nullptr, nullptr, &dtl);
         eval_phase_t(f, tt, p, x, root_choice::vapour, v, nullptr, nullptr, &dtv);
         const double dlnp_dt = -(dtl[0] - dtv[0]) / (l.Z - v.Z);
-        if (p > P) hi = t; else lo = t;
         const double r = std::log(P / p);
+        if (std::abs(r) <= 1e-15) {
+            L = l;
+            V = v;
+            T = t;
+            return 0;
+        }
+        if (p > P) hi = t; else lo = t;
         double tn = t + r / dlnp_dt;
-        if (!(tn > lo && tn < hi)) tn = 0.5 * (std::max(lo, 0.5 * t) + hi);
+        if (std::abs(tn - t) > 1e-14 * t && !(tn > lo && tn < hi))
+            tn = 0.5 * (std::max(lo, 0.5 * t) + hi);
         const double dt = std::abs(tn - t);
         t = tn;
-        if (dt <= 1e-14 * t || std::abs(r) < 1e-15) {
+        if (dt <= 1e-14 * t) {
             double pf;
             if (pure_saturation_pressure(f, t, pf, L, V)) return 106;
             T = t;
