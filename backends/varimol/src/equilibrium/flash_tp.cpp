@@ -15,6 +15,17 @@ void homogeneous_result(const fluid& f, const double* z, const phase& ph, flash_
     out.liq = out.vap = ph;
     out.beta = ph.smaller ? 0.0 : 1.0;
 }
+// G/RT of the split, relative to the pure components as ideal gases at P
+double gibbs(double sv, double sl, const vec& x, const vec& y, const phase& L, const phase& V,
+             int n) {
+    double gv = V.lng, gl = L.lng;
+    for (int i = 0; i < n; ++i) {
+        if (y[i] > 0.0) gv += y[i] * std::log(y[i]);
+        if (x[i] > 0.0) gl += x[i] * std::log(x[i]);
+    }
+    return sv * gv + sl * gl;
+}
+
 // Names the phases: the vapour is the one richer in the volatile components, by Wilson's
 // K-values, so that near a bubble line the incipient phase is the vapour even where it is the
 // denser one (at high pressure the two may exchange their densities).
@@ -123,23 +134,78 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
             break;
         }
         std::array<double, mc * mc> H{};
-        for (int i = 0; i < n; ++i)
+        double dmean = 0.0;
+        for (int i = 0; i < n; ++i) {
             for (int j = 0; j < n; ++j)
                 H[i * mc + j] =
                     sgn[i] * sgn[j] *
                     ((dv[i * mc + j] - 1.0) / b + (dl[i * mc + j] - 1.0) / (1.0 - b) +
                      (i == j ? z[i] / (x[i] * y[i] * b * (1.0 - b)) : 0.0));
-        vec step{};
-        for (int i = 0; i < n; ++i) step[i] = -g[i];
-        if (!solve_linear(n, H.data(), mc, step.data())) return 441;
-        // stay inside 0 < u_i < z_i
-        double fac = 1.0;
-        for (int i = 0; i < n; ++i) {
-            const double nu = u[i] + step[i];
-            if (nu <= 0.0) fac = std::min(fac, 0.9 * u[i] / -step[i]);
-            if (nu >= z[i]) fac = std::min(fac, 0.9 * (z[i] - u[i]) / step[i]);
+            dmean += std::abs(H[i * mc + i]) / n;
         }
-        for (int i = 0; i < n; ++i) u[i] += fac * step[i];
+        // Gibbs energy of the split (per RT), for the descent test of the steps
+        const double g0 = gibbs(sv, sl, x, y, L, V, n);
+        // Newton step; where the Hessian is not positive definite (near a critical point) it is
+        // shifted (Levenberg-Marquardt) until it is, and the step must lower the Gibbs energy or,
+        // below its rounding, the gradient
+        bool moved = false;
+        double mu = 0.0;
+        for (int k = 0; k < 40 && !moved; ++k) {
+            std::array<double, mc * mc> A = H;
+            for (int i = 0; i < n; ++i) A[i * mc + i] += mu * dmean;
+            vec step{};
+            for (int i = 0; i < n; ++i) step[i] = -g[i];
+            if (!solve_cholesky(n, A.data(), mc, step.data())) {
+                mu = mu == 0.0 ? 1e-6 : 4.0 * mu;
+                continue;
+            }
+            double slope = 0.0;
+            for (int i = 0; i < n; ++i) slope += g[i] * step[i];
+            double fac = 1.0; // stay inside 0 < u_i < z_i
+            for (int i = 0; i < n; ++i) {
+                const double nu = u[i] + step[i];
+                if (nu <= 0.0) fac = std::min(fac, 0.9 * u[i] / -step[i]);
+                if (nu >= z[i]) fac = std::min(fac, 0.9 * (z[i] - u[i]) / step[i]);
+            }
+            vec un{};
+            for (int i = 0; i < n; ++i) un[i] = u[i] + fac * step[i];
+            // close to the solution, on a convex Gibbs surface, the Newton step is taken as is
+            if (gmax < 1e-8 && mu == 0.0) {
+                u = un;
+                moved = true;
+                break;
+            }
+            double svn = 0.0, sln = 0.0;
+            vec xn{}, yn{};
+            for (int i = 0; i < n; ++i) {
+                va[i] = sgn[i] > 0.0 ? un[i] : z[i] - un[i];
+                la[i] = sgn[i] > 0.0 ? z[i] - un[i] : un[i];
+                svn += va[i];
+                sln += la[i];
+            }
+            for (int i = 0; i < n; ++i) yn[i] = va[i] / svn, xn[i] = la[i] / sln;
+            phase Ln, Vn;
+            if (!eval_phase(f, t, P, xn.data(), root_choice::stable, Ln) &&
+                !eval_phase(f, t, P, yn.data(), root_choice::stable, Vn)) {
+                const double gn = gibbs(svn, sln, xn, yn, Ln, Vn, n);
+                const double resolution = 1e-14 * (std::abs(g0) + 1.0);
+                bool accept = gn <= g0 + 1e-4 * fac * slope && fac * std::abs(slope) > resolution;
+                if (!accept && std::abs(gn - g0) <= resolution) {
+                    double gmn = 0.0;
+                    for (int i = 0; i < n; ++i)
+                        gmn = std::max(gmn, std::abs(std::log(yn[i]) + Vn.lnphi[i] -
+                                                     std::log(xn[i]) - Ln.lnphi[i]));
+                    accept = gmn < gmax;
+                }
+                if (accept) {
+                    u = un;
+                    moved = true;
+                    break;
+                }
+            }
+            mu = mu == 0.0 ? 1e-4 : 4.0 * mu;
+        }
+        if (!moved) return 441;
     }
     if (!converged) return 441;
     out.nphase = 2;
@@ -176,6 +242,13 @@ int flash_tp(const fluid& f, double T, double P, const double* z, flash_result& 
         lnk[i] = st.lighter ? lk : -lk;
     }
     int e = flash_split(f, t, P, z, lnk, out);
+    if (e != 0 && st.tpd > -1e-6) {
+        // near a critical point the trial phase is the incipient one, on the far side of a flat
+        // saddle of the Gibbs energy; the split lies between it and the feed: start halfway
+        vec half{};
+        for (int i = 0; i < f.n; ++i) half[i] = 0.5 * lnk[i];
+        e = flash_split(f, t, P, z, half, out);
+    }
     if (e != 0) {
         // the split fell back onto the feed or did not converge: try Wilson's K-values once
         wilson_k(f, T, P, lnk.data());

@@ -34,4 +34,32 @@ inline bool solve_linear(int n, double* a, int ld, double* b) {
     return true;
 }
 
+// Cholesky solve of a symmetric matrix; false when it is not positive definite (a and b are
+// then left partly overwritten).
+inline bool solve_cholesky(int n, double* a, int ld, double* b) {
+    for (int j = 0; j < n; ++j) {
+        double d = a[j * ld + j];
+        for (int k = 0; k < j; ++k) d -= a[j * ld + k] * a[j * ld + k];
+        if (!(d > 0.0)) return false;
+        d = std::sqrt(d);
+        a[j * ld + j] = d;
+        for (int i = j + 1; i < n; ++i) {
+            double s = a[i * ld + j];
+            for (int k = 0; k < j; ++k) s -= a[i * ld + k] * a[j * ld + k];
+            a[i * ld + j] = s / d;
+        }
+    }
+    for (int i = 0; i < n; ++i) {
+        double s = b[i];
+        for (int k = 0; k < i; ++k) s -= a[i * ld + k] * b[k];
+        b[i] = s / a[i * ld + i];
+    }
+    for (int i = n - 1; i >= 0; --i) {
+        double s = b[i];
+        for (int k = i + 1; k < n; ++k) s -= a[k * ld + i] * b[k];
+        b[i] = s / a[i * ld + i];
+    }
+    return true;
+}
+
 } // namespace varimol
