@@ -61,7 +61,9 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             g[i] = d[i] - ph.lnphi[i] - lnw[i];
             gn += g[i] * g[i];
         }
-        if (gn < 1e-24) {
+        // converged, or close enough to a stationary point well above the tangent plane, where
+        // the remaining steps cannot bring it below
+        if (gn < 1e-24 || (gn < 1e-12 && tpd_of_w() > 1e-6)) {
             o.converged = true;
             break;
         }
@@ -125,7 +127,8 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
                 tm += W[i] * (G - 1.0);
             }
             // converged, or stalled at the rounding level of ln phi
-            if (gn < 1e-24 || (gn < 1e-18 && gn > 0.25 * gn_prev)) {
+            if (gn < 1e-24 || (gn < 1e-18 && gn > 0.25 * gn_prev) ||
+                (gn < 1e-12 && tm > 1e-6)) {
                 o.converged = true;
                 break;
             }
