@@ -73,7 +73,7 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
             triv += lnk[i] * lnk[i];
         }
         if (triv < 1e-8) return 1; // trivial solution
-        if (rn < 1e-10) {          // close enough for the Newton steps
+        if (rn < 1e-7) {           // close enough for the Newton steps
             if (side != 0) return 1; // converged outside: one phase
             break;
         }
@@ -114,8 +114,9 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         if (!(sv > 0.0 && sl > 0.0)) return 441;
         for (int i = 0; i < n; ++i) y[i] = va[i] / sv, x[i] = la[i] / sl;
         const double b = sv / (sv + sl);
-        if (eval_phase(f, t, P, x.data(), root_choice::stable, L, &dl) ||
-            eval_phase(f, t, P, y.data(), root_choice::stable, V, &dv))
+        // the composition derivatives only when another step follows
+        if (eval_phase(f, t, P, x.data(), root_choice::stable, L) ||
+            eval_phase(f, t, P, y.data(), root_choice::stable, V))
             return 441;
         vec g{};
         double gmax = 0.0, triv = 0.0;
@@ -129,10 +130,13 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         if (triv < 1e-8) return 1;
         // to the rounding of ln f: near a bubble or dew line the small phase amount is a small
         // difference of K-values, which need their last digits
-        if (gmax < 1e-15 || (gmax < 1e-11 && ++tail > 2)) {
+        if (gmax < 1e-15 || (gmax < 1e-11 && ++tail > 1)) {
             converged = true;
             break;
         }
+        if (eval_phase(f, t, P, x.data(), root_choice::stable, L, &dl) ||
+            eval_phase(f, t, P, y.data(), root_choice::stable, V, &dv))
+            return 441;
         std::array<double, mc * mc> H{};
         double dmean = 0.0;
         for (int i = 0; i < n; ++i) {
@@ -170,7 +174,7 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
             vec un{};
             for (int i = 0; i < n; ++i) un[i] = u[i] + fac * step[i];
             // close to the solution, on a convex Gibbs surface, the Newton step is taken as is
-            if (gmax < 1e-8 && mu == 0.0) {
+            if (gmax < 1e-4 && mu == 0.0) {
                 u = un;
                 moved = true;
                 break;

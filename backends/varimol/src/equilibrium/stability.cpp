@@ -63,7 +63,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
         }
         // converged, or close enough to a stationary point well above the tangent plane, where
         // the remaining steps cannot bring it below
-        if (gn < 1e-24 || (gn < 1e-12 && tpd_of_w() > 1e-6)) {
+        if (gn < 1e-24 || (gn < 1e-8 && tpd_of_w() > 1e-6)) {
             o.converged = true;
             break;
         }
@@ -128,7 +128,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             }
             // converged, or stalled at the rounding level of ln phi
             if (gn < 1e-24 || (gn < 1e-18 && gn > 0.25 * gn_prev) ||
-                (gn < 1e-12 && tm > 1e-6)) {
+                (gn < 1e-8 && tm > 1e-6)) {
                 o.converged = true;
                 break;
             }
