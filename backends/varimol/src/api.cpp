@@ -87,13 +87,16 @@ int homogeneous_tp(const fluid& f, double T, double P, root_choice r, phase& ph,
 void two_phase_outputs(const fluid& f, double T, const flash_result& fr, double q,
                        const outputs& o, composition& x, composition& y, composition& lnphi) {
     state_props sl, sv;
-    homogeneous(f, T, fr.liq.v, fr.x.data(), sl);
-    homogeneous(f, T, fr.vap.v, fr.y.data(), sv);
     if (q == 0.0) {
+        homogeneous(f, T, fr.liq.v, fr.x.data(), sl);
         put_props(sl, o);
     } else if (q == 1.0) {
+        homogeneous(f, T, fr.vap.v, fr.y.data(), sv);
         put_props(sv, o);
     } else {
+        // inside the dome only the caloric properties are formed
+        caloric(f, T, fr.liq.v, fr.x.data(), sl);
+        caloric(f, T, fr.vap.v, fr.y.data(), sv);
         *o.v = (1.0 - q) * sl.v + q * sv.v;
         *o.u = (1.0 - q) * sl.u + q * sv.u;
         *o.h = (1.0 - q) * sl.h + q * sv.h;
