@@ -2,6 +2,7 @@
 // quality convention, and no heap allocation on the evaluation paths.
 // (GCC cannot see that the replaced operators below pair malloc with free)
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#include "model/properties.hpp"
 #include "varimol_fluids.hpp"
 
 #include <gtest/gtest.h>
@@ -183,6 +184,48 @@ TEST(VarimolApi, OnePhaseModesReturnTheStateTheyCameFrom) {
             EXPECT_NEAR(c.r.cv, a.cv, 1e-8 * a.cv);
         }
     }
+}
+
+TEST(VarimolApi, SaturationForAKappa1AndWongSandlerCompositions) {
+    ASSERT_EQ(varimol_test::select(1, {{"CH4"}, {1.0}}), 0);
+    const state sat = tmd(12, 120.0, 0.0, 0.0); // Tr = 0.63, where kappa1 acts
+    ASSERT_EQ(sat.ierr, 0);
+    double psat = 0.0, psat2 = 0.0;
+    int ierr = -1;
+    vm3_psat_k1(-0.00159, 120.0, psat, ierr); // the data's kappa1 of methane
+    EXPECT_EQ(ierr, 0);
+    EXPECT_NEAR(psat, sat.p, 1e-12 * sat.p);
+    vm3_psat_k1(0.05, 120.0, psat2, ierr); // a larger alpha below Tr = 0.7: lower pressure
+    EXPECT_EQ(ierr, 0);
+    EXPECT_LT(psat2, psat);
+    vm3_psat_k1(0.0, 200.0, psat, ierr);
+    EXPECT_EQ(ierr, 102);
+
+    // the compositions of the binary satisfy equal fugacity under PRSV with Wong-Sandler mixing
+    // and the given NRTL parameters
+    const varimol_test::mixture_spec bin{{"CH4", "C2H6"}, {0.5, 0.5}};
+    ASSERT_EQ(varimol_test::select(1, bin), 0);
+    std::array<double, 2> x{}, y{};
+    vm3_xy_a_alfa(0.1, 0.2, 0.3, 2e6, 200.0, x, y, ierr);
+    ASSERT_EQ(ierr, 0);
+    fluid_parameters fp;
+    binary_parameters bp;
+    varimol_test::make_parameters(bin, fp, bp);
+    bp[binary_index(bin_nrtl_tau, 0, 1)] = 0.1;
+    bp[binary_index(bin_nrtl_tau, 1, 0)] = 0.2;
+    bp[binary_index(bin_nrtl_alpha, 0, 1)] = bp[binary_index(bin_nrtl_alpha, 1, 0)] = 0.3;
+    fluid f;
+    ASSERT_EQ(set_fluid(f, model_prsv_ws, fp, bp, 2), 0);
+    temperature_terms<double> t;
+    at_temperature(f, 200.0, t);
+    phase l, v;
+    ASSERT_EQ(eval_phase(f, t, 2e6, x.data(), root_choice::stable, l), 0);
+    ASSERT_EQ(eval_phase(f, t, 2e6, y.data(), root_choice::stable, v), 0);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_NEAR(std::log(x[i]) + l.lnphi[i], std::log(y[i]) + v.lnphi[i], 1e-10);
+    EXPECT_GT(y[0], x[0]);
+    vm3_xy_a_alfa(0.1, 0.2, 0.3, 2e6, 400.0, x, y, ierr); // no two phases above both Tc
+    EXPECT_EQ(ierr, 441);
 }
 
 TEST(VarimolApi, NoHeapAllocationOnTheEvaluationPaths) {
