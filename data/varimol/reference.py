@@ -432,8 +432,7 @@ def spinodal_pressures(m, T):
 def pure_saturation(m, T):
     """Saturation pressure of a pure fluid: ln phi_L = ln phi_V, solved by bracketed
     Newton in p (d(ln phi_L - ln phi_V)/dp = (v_L - v_V)/RT < 0)."""
-    sp = spinodal_pressures(m, T)
-    pmin, pmax = sp
+    pmin, pmax = spinodal_pressures(m, T)
     lo, hi = max(pmin, 0.0), pmax
     tc, pc, w = m.tc[0], m.pc[0], m.w[0]
     p = pc * 10.0 ** (7.0 / 3.0 * (1.0 + w) * (1.0 - tc / T))
@@ -443,8 +442,8 @@ def pure_saturation(m, T):
     best = None
     for it in range(200):
         vs = m.volume_roots(T, p, x)
-        if len(vs) < 2:   # numerically at a spinodal: move inward
-            p = 0.5 * (p + (hi if p <= lo or (vs and vs[0] > m.ab_values(T, x)[1] * 2) else lo))
+        if len(vs) < 2:   # numerically on a spinodal: bisect the bracket
+            p = 0.5 * (lo + hi) if lo > 0 else 0.5 * min(p, hi)
             continue
         L, V = m.phase(T, vs[0], x, p), m.phase(T, vs[-1], x, p)
         G = L['lnphi'][0] - V['lnphi'][0]
@@ -457,8 +456,8 @@ def pure_saturation(m, T):
         if abs(G) < 1e-16 or (it > 5 and abs(G) < 4e-15 and abs(best[0]) <= abs(G)):
             break
         pn = p - G * R * T / (L['v'] - V['v'])
-        if not lo < pn < hi:
-            pn = 0.5 * (lo + hi) if lo > 0 else 0.5 * hi if p == hi else math.sqrt(lo * hi) if lo > 0 else 0.5 * p
+        if not lo < pn < hi:   # Newton left the bracket: bisect (halve p while lo is 0)
+            pn = 0.5 * (lo + hi) if lo > 0 else 0.5 * p
         if abs(pn - p) <= 1e-17 * p:
             break
         p = pn
