@@ -29,8 +29,28 @@ for r in csv.DictReader(open(D + 'inputs_kij.csv')):
 _cache = {}
 
 
-def model(eos, names):
-    key = (eos, tuple(names))
+def prsv_kappa(name, T):
+    """Stryjek-Vera kappa at T; with it fixed, thermopack's one-parameter classic alpha
+    (1 + kappa(1 - sqrt Tr))^2 equals the PRSV alpha at that T (ln phi and v need no
+    temperature derivative of alpha)."""
+    c = comps[name]
+    w, tr, k1 = float(c['acentric']), T / float(c['tc_K']), float(c['kappa1'])
+    k0 = 0.378893 + 1.4897153 * w - 0.17131848 * w ** 2 + 0.0196554 * w ** 3
+    return k0 + (k1 * (1 + tr ** 0.5) * (0.7 - tr) if tr < 0.7 else 0.0)
+
+
+def model(eos, names, T=None):
+    if eos == 'PRSV':   # a PR instance of its own whose alpha is reset for each row
+        m = model_plain('PR', names, 'PRSV')
+        m.activate()    # set_alpha_corr acts on the active model
+        for i, n in enumerate(names):
+            m.set_alpha_corr(i + 1, 'CLASSICFIT', [prsv_kappa(n, T)])
+        return m
+    return model_plain(eos, names, eos)
+
+
+def model_plain(eos, names, key_eos):
+    key = (key_eos, tuple(names))
     if key in _cache:
         return _cache[key]
     m = cubic(','.join(['PSEUDO'] * len(names)), eos)
@@ -44,6 +64,31 @@ def model(eos, names):
     return m
 
 
+RG = 8.314462618
+T0, P0 = 298.15, 101325.0
+
+
+def ideal_hs(names, x, T, p):
+    """Ideal-gas h and s of the tables' reference state (h = s = 0 at T0, P0 per component)."""
+    h = s = 0.0
+    for n, xi in zip(names, x):
+        a = [float(comps[n]['cp0_a%d' % k]) for k in range(5)]
+        h += xi * RG * sum(a[k] * (T ** (k + 1) - T0 ** (k + 1)) / (k + 1) for k in range(5))
+        s += xi * RG * (a[0] * np.log(T / T0) + sum(a[k] * (T ** k - T0 ** k) / k for k in range(1, 5)))
+        if xi > 0:
+            s -= RG * xi * np.log(xi)
+    return h, s - RG * np.log(p / P0)
+
+
+def residual_hs_error(m, names, x, T, p, ph, h_tab, s_tab):
+    """Relative differences of the residual h and s (at T, p) of a table row and thermopack."""
+    hi, si = ideal_hs(names, x, T, p)
+    hr = m.enthalpy(T, p, np.asarray(x), ph, residual=True)
+    sr = m.entropy(T, p, np.asarray(x), ph, residual=True)
+    hr, sr = float(np.atleast_1d(hr)[0]), float(np.atleast_1d(sr)[0])
+    return abs((h_tab - hi) - hr) / max(abs(hr), RG * T * 1e-3), abs((s_tab - si) - sr) / max(abs(sr), RG * 1e-3)
+
+
 def lnphi(m, T, p, x, ph):
     lf, d = m.thermo(T, p, np.asarray(x), ph, dlnfugdp=True)
     return np.array(lf), np.atleast_1d(np.array(d.dp))
@@ -55,14 +100,20 @@ def stats(name, errs):
 
 
 def main():
+    for fam in (('PR', 'SRK'), ('PRSV',)):
+        print('models', ', '.join(fam))
+        compare(fam)
+
+
+def compare(models):
     R = 8.314462618
     # pure saturation: delta = lnphiL - lnphiV; one Newton step in p gives the psat error
-    e_p, e_vl, e_vv = [], [], []
+    e_p, e_vl, e_vv, e_hs = [], [], [], []
     for r in csv.DictReader(open(D + 'pure_saturation.csv')):
-        if r['model'] not in ('PR', 'SRK'):
+        if r['model'] not in models:
             continue
-        m = model(r['model'], [r['fluid']])
         T, p = float(r['T_K']), float(r['psat_Pa'])
+        m = model(r['model'], [r['fluid']], T)
         lL, dL = lnphi(m, T, p, [1.0], m.LIQPH)
         lV, dV = lnphi(m, T, p, [1.0], m.VAPPH)
         delta = lL[0] - lV[0]
@@ -72,20 +123,26 @@ def main():
         vV = m.specific_volume(T, p, [1.0], m.VAPPH)
         e_vl.append(vL / float(r['vL_m3_per_mol']) - 1)
         e_vv.append(vV / float(r['vV_m3_per_mol']) - 1)
+        if r['model'] != 'PRSV':   # thermopack's PRSV stand-in has no T-dependent kappa1 term
+            for ph, hk, sk in ((m.LIQPH, 'hL_J_per_mol', 'sL_J_per_molK'), (m.VAPPH, 'hV_J_per_mol', 'sV_J_per_molK')):
+                eh, es = residual_hs_error(m, [r['fluid']], [1.0], T, p, ph, float(r[hk]), float(r[sk]))
+                e_hs.append(max(eh, es))
     stats('pure psat (rel, via Newton step on tp lnphi)', e_p)
     stats('pure vL (rel)', e_vl)
     stats('pure vV (rel)', e_vv)
+    if e_hs:
+        stats('pure residual h, s (rel)', e_hs)
 
     # single-phase lnphi and v
-    e_l, e_v = [], []
+    e_l, e_v, e_mhs = [], [], []
     for r in csv.DictReader(open(D + 'mixture_lnphi.csv')):
-        if r['model'] not in ('PR', 'SRK'):
+        if r['model'] not in models:
             continue
         nc = int(r['nc'])
         names = [r['fluid%d' % (i + 1)] for i in range(nc)]
         z = [float(r['z%d' % (i + 1)]) for i in range(nc)]
-        m = model(r['model'], names)
         T, p = float(r['T_K']), float(r['p_Pa'])
+        m = model(r['model'], names, T)
         ph = m.LIQPH if r['root'] == 'L' else m.VAPPH
         lf, _ = lnphi(m, T, p, z, ph)
         v = m.specific_volume(T, p, z, ph)
@@ -95,19 +152,24 @@ def main():
         ours = np.array([float(r['lnphi%d' % (i + 1)]) for i in range(nc)])
         e_l.append(np.max(np.abs(lf - ours)))
         e_v.append(v / float(r['v_m3_per_mol']) - 1)
+        if r['model'] != 'PRSV':
+            eh, es = residual_hs_error(m, names, z, T, p, ph, float(r['h_J_per_mol']), float(r['s_J_per_molK']))
+            e_mhs.append(max(eh, es))
     stats('mixture lnphi (abs)', e_l)
     stats('mixture v (rel)', e_v)
+    if e_mhs:
+        stats('mixture residual h, s (rel)', e_mhs)
 
     # flashes: residual of our x, y in thermopack's model; and thermopack's own flash
     e_res, e_beta, e_x = [], [], []
     near = []
     for r in csv.DictReader(open(D + 'flash_pt.csv')):
-        if r['model'] not in ('PR', 'SRK'):
+        if r['model'] not in models:
             continue
         nc = int(r['nc'])
         names = [r['fluid%d' % (i + 1)] for i in range(nc)]
-        m = model(r['model'], names)
         T, p = float(r['T_K']), float(r['p_Pa'])
+        m = model(r['model'], names, T)
         x = np.array([float(r['x%d' % (i + 1)]) for i in range(nc)])
         y = np.array([float(r['y%d' % (i + 1)]) for i in range(nc)])
         z = np.array([float(r['z%d' % (i + 1)]) for i in range(nc)])
@@ -130,12 +192,12 @@ def main():
     # bubble/dew: residual of our solution in thermopack's model
     e_bd, e_raw = [], []
     for r in csv.DictReader(open(D + 'bubble_dew.csv')):
-        if r['model'] not in ('PR', 'SRK'):
+        if r['model'] not in models:
             continue
         nc = int(r['nc'])
         names = [r['fluid%d' % (i + 1)] for i in range(nc)]
-        m = model(r['model'], names)
         T, p = float(r['T_K']), float(r['p_Pa'])
+        m = model(r['model'], names, T)
         z = np.array([float(r['z%d' % (i + 1)]) for i in range(nc)])
         w = np.array([float(r['w%d' % (i + 1)]) for i in range(nc)])
         if r['kind'] == 'bubble_p':
@@ -166,12 +228,16 @@ if __name__ == '__main__' and len(sys.argv) == 1:
 
 
 def ws_compare():
-    import numpy as np
-    best = {}
-    for swap in (False, True):
-        errs, errs_b = [], []
+    for ws_name in ('PR-WS', 'PRSV-WS'):
+        for swap in (False, True):
+            ws_one(ws_name, swap)
+
+
+def ws_one(ws_name, swap):
+    if True:
+        errs, errs_b, errs_hs = [], [], []
         for r in csv.DictReader(open(D + 'wong_sandler.csv')):
-            if r['model'] != 'PR-WS':
+            if r['model'] != ws_name:
                 continue
             names = [r['fluid1'], r['fluid2']]
             m = cubic('PSEUDO,PSEUDO', 'PR', mixing='WS')
@@ -183,20 +249,29 @@ def ws_compare():
                 t12, t21 = t21, t12
             m.set_ws_param(1, 2, float(r['alpha12']), float(r['alpha21']), float(r['kws12']), float(r['kws12']), t12, t21)
             T, p = float(r['T_K']), float(r['p_Pa'])
+            if ws_name == 'PRSV-WS':
+                m.activate()
+                for i, n in enumerate(names):
+                    m.set_alpha_corr(i + 1, 'CLASSICFIT', [prsv_kappa(n, T)])
             x = np.array([float(r['x1']), float(r['x2'])])
             if r['kind'].startswith('lnphi'):
                 ph = m.LIQPH if r['kind'] == 'lnphi_L' else m.VAPPH
                 lf, _ = lnphi(m, T, p, x, ph)
                 ours = np.array([float(r['lnphi1']), float(r['lnphi2'])])
                 errs.append(np.max(np.abs(lf - ours)))
+                if ws_name == 'PR-WS':
+                    eh, es = residual_hs_error(m, names, x, T, p, ph, float(r['h_J_per_mol']), float(r['s_J_per_molK']))
+                    errs_hs.append(max(eh, es))
             else:
                 y = np.array([float(r['y1']), float(r['y2'])])
                 lL, _ = lnphi(m, T, p, x, m.LIQPH)
                 lV, _ = lnphi(m, T, p, y, m.VAPPH)
                 errs_b.append(np.max(np.abs(np.log(y) + lV - np.log(x) - lL)))
-        print('swap tau' if swap else 'tau as written')
+        print(ws_name, 'with tau12 and tau21 swapped' if swap else 'with tau as written')
         stats('  WS lnphi (abs)', errs)
         stats('  WS bubble: our solution, max |dlnf| in tp model', errs_b)
+        if errs_hs:
+            stats('  WS residual h, s (rel)', errs_hs)
 
 
 if __name__ == '__main__' and len(sys.argv) > 1 and sys.argv[1] == 'ws':
