@@ -106,7 +106,6 @@ def main():
 
 
 def compare(models):
-    R = 8.314462618
     # pure saturation: delta = lnphiL - lnphiV; one Newton step in p gives the psat error
     e_p, e_vl, e_vv, e_hs = [], [], [], []
     for r in csv.DictReader(open(D + 'pure_saturation.csv')):

@@ -24,7 +24,7 @@ import sys
 
 import numpy as np
 
-R = 8.314462618          # J/(mol K), CODATA 2018 exact value
+R = 8.314462618          # J/(mol K): CODATA 2018 N_A k_B to ten digits, as in the back-end
 T_REF = 298.15           # K, ideal-gas reference temperature
 P_REF = 101325.0         # Pa, ideal-gas reference pressure
 
@@ -188,7 +188,7 @@ CUBICS = {
 for _name, _c in CUBICS.items():
     _c['Oa'], _c['Ob'], _c['Zc'] = critical_omegas(_c['d1'], _c['d2'])
 
-# the values the back-end is specified with; the criticality conditions must give them
+# the published values; the criticality conditions must give them
 _STATED = {'PR': (0.4572355289213822, 0.07779607390388846),
            'SRK': (1.0 / (9.0 * (2.0 ** (1.0 / 3.0) - 1.0)), (2.0 ** (1.0 / 3.0) - 1.0) / 3.0)}
 for _name, (_oa, _ob) in _STATED.items():
@@ -368,7 +368,6 @@ class Model:
         ln f_i = F_ni + ln(x_i RT/v) depends on v only, and a liquid's pressure
         recomputed from v carries the rounding of v times its large bulk modulus."""
         x = np.asarray(x, dtype=float)
-        N = self.N
         F = self.helmholtz(T, v, x)      # n = x (one mole), V = v
         g, H = F.g, F.H
         RT = R * T
@@ -533,14 +532,6 @@ def tpd_min(m, T, p, z, extra_trials=()):
     return best
 
 
-def tpd_of(m, T, p, z, w):
-    """Modified tangent-plane distance of trial w (mole fractions) against feed z:
-    sum w_i (ln w_i + ln phi_i(w) - ln z_i - ln phi_i(z))."""
-    fz = m.phase_tp(T, p, z)
-    fw = m.phase_tp(T, p, w)
-    return float(w @ (np.log(w) + fw['lnphi'] - np.log(z) - fz['lnphi']))
-
-
 def flash_residual(m, T, p, vmol, lmol):
     V, L = vmol.sum(), lmol.sum()
     y, x = vmol / V, lmol / L
@@ -642,17 +633,17 @@ def pt_flash(m, T, p, z, K0=None):
                 residual=float(err), vmol=vmol, lmol=lmol)
 
 
-def saturation_point(m, z, kind, spec, value, guess=None, max_it=200):
-    """Bubble or dew point of feed z at given T (spec='T', unknown p) or given p
-    (spec='p', unknown T).  Newton on (ln K_i, ln S), S the unknown of p or T.
+def saturation_point(m, z, kind, given, value, guess=None, max_it=200):
+    """Bubble or dew point of feed z at given T (given='T', unknown p) or given p
+    (given='p', unknown T).  Newton on (ln K_i, ln S), S the unknown of p or T.
     Without a guess, starts from Wilson K-values at the Wilson estimate of S and,
     if that ends in the trivial solution, at S scaled away from it.
     Returns dict(S, T, p, inc (incipient composition), lnK, residual)."""
     z = np.asarray(z, dtype=float)
     if guess is not None:
-        return _saturation_newton(m, z, kind, spec, value, np.array(guess[0], dtype=float), math.log(guess[1]), max_it,
+        return _saturation_newton(m, z, kind, given, value, np.array(guess[0], dtype=float), math.log(guess[1]), max_it,
                                   False)
-    if spec == 'T':
+    if given == 'T':
         T = value
         c = m.pc * np.exp(5.373 * (1 + m.w) * (1 - m.tc / T))
         S0 = float(z @ c) if kind == 'bubble' else 1.0 / float(z @ (1.0 / c))
@@ -675,9 +666,9 @@ def saturation_point(m, z, kind, spec, value, guess=None, max_it=200):
     last = None
     for f in factors:
         S = S0 * f
-        T, p = (value, S) if spec == 'T' else (S, value)
+        T, p = (value, S) if given == 'T' else (S, value)
         try:
-            sol = _saturation_newton(m, z, kind, spec, value, np.log(wilson_k(m, T, p)), math.log(S), max_it, True)
+            sol = _saturation_newton(m, z, kind, given, value, np.log(wilson_k(m, T, p)), math.log(S), max_it, True)
         except (ValueError, np.linalg.LinAlgError) as e:
             last = e
             continue
@@ -689,7 +680,7 @@ def saturation_point(m, z, kind, spec, value, guess=None, max_it=200):
     raise ValueError('no %s point found: %s' % (kind, last))
 
 
-def _saturation_newton(m, z, kind, spec, value, lnK, lnS, max_it, presolve):
+def _saturation_newton(m, z, kind, given, value, lnK, lnS, max_it, presolve):
     N = m.N
     # the feed on its own side of the cubic, the incipient phase on the other
     rf, ri = ('L', 'V') if kind == 'bubble' else ('V', 'L')
@@ -698,14 +689,14 @@ def _saturation_newton(m, z, kind, spec, value, lnK, lnS, max_it, presolve):
         # condition, to get near the solution before the full Newton
         for it in range(100):
             S = math.exp(lnS)
-            T, p = (value, S) if spec == 'T' else (S, value)
+            T, p = (value, S) if given == 'T' else (S, value)
             K = np.exp(lnK)
             wv = z * K if kind == 'bubble' else z / K
             inc = wv / wv.sum()
             ph_f, ph_i = m.phase_tp(T, p, z, rf), m.phase_tp(T, p, inc, ri)
             phV, phL = (ph_i, ph_f) if kind == 'bubble' else (ph_f, ph_i)
             lnK_new = phL['lnphi'] - phV['lnphi']
-            if spec == 'T':
+            if given == 'T':
                 dlnK = p * (phL['dlnphi_dp'] - phV['dlnphi_dp'])
             else:
                 dlnK = T * (phL['dlnphi_dT'] - phV['dlnphi_dT'])
@@ -725,7 +716,7 @@ def _saturation_newton(m, z, kind, spec, value, lnK, lnS, max_it, presolve):
     stall = 0
     for it in range(max_it):
         S = math.exp(lnS)
-        T, p = (value, S) if spec == 'T' else (S, value)
+        T, p = (value, S) if given == 'T' else (S, value)
         K = np.exp(lnK)
         if kind == 'bubble':
             wv = z * K
@@ -755,7 +746,7 @@ def _saturation_newton(m, z, kind, spec, value, lnK, lnS, max_it, presolve):
         else:
             J[:N, :N] = np.eye(N) + incp['dlnphi_dn'] * inc[None, :]
             J[N, :N] = -wv
-        if spec == 'T':
+        if given == 'T':
             J[:N, N] = p * (lnphiV['dlnphi_dp'] - lnphiL['dlnphi_dp'])
         else:
             J[:N, N] = T * (lnphiV['dlnphi_dT'] - lnphiL['dlnphi_dT'])
@@ -814,7 +805,7 @@ PURE_TR = [0.5, 0.6, 0.68, 0.8, 0.9, 0.98, 0.999]   # T/Tc; 0.7 (kink of the PRS
 VDW_MODELS = ['PRSV', 'PR', 'SRK']
 
 MIXTURES = {
-    # name: (components, mole fractions, flash temperature K, bubble/dew specs)
+    # name: (components, mole fractions, flash temperature K)
     'CH4/C2H6': (['CH4', 'C2H6'], [0.6, 0.4], 220.0),
     'CH4/nC10': (['CH4', 'nC10'], [0.7, 0.3], 400.0),
     'gas5': (['CH4', 'C2H6', 'C3H8', 'N2', 'CO2'], [0.85, 0.06, 0.03, 0.04, 0.02], 180.0),
@@ -843,22 +834,22 @@ def approach_critical(m, z, T0, kmax=0.05, kmin=0.01):
     z = np.asarray(z, dtype=float)
     sol = saturation_point(m, z, 'bubble', 'T', T0)
     assert sol['residual'] < 1e-12 and np.max(np.abs(sol['lnK'])) > 1e-3
-    for spec in ('T', 'p'):
-        step = 2.0 if spec == 'T' else 0.02      # K, or relative p
-        while step > (1e-5 if spec == 'T' else 1e-7):
+    for given in ('T', 'p'):
+        step = 2.0 if given == 'T' else 0.02      # K, or relative p
+        while step > (1e-5 if given == 'T' else 1e-7):
             cur = np.max(np.abs(sol['lnK']))
             if cur < kmax:
                 return sol
-            if spec == 'T':
+            if given == 'T':
                 val, guess = sol['T'] + step, (sol['lnK'], sol['p'])
             else:
                 val, guess = sol['p'] * (1.0 + step), (sol['lnK'], sol['T'])
             try:
-                new = saturation_point(m, z, 'bubble', spec, val, guess=guess)
+                new = saturation_point(m, z, 'bubble', given, val, guess=guess)
             except (ValueError, np.linalg.LinAlgError):
                 new = None
             ok = (new is not None and new['residual'] < 1e-13 and kmin < np.max(np.abs(new['lnK'])) < cur
-                  and abs(math.log(new['S'] / sol['S' if spec == 'T' else 'S'])) < 0.5)
+                  and abs(math.log(new['S'] / sol['S'])) < 0.5)
             if ok:
                 sol = new
                 step *= 1.5
@@ -970,8 +961,8 @@ BUBDEW = {
 
 
 def bubdew_row(m, mixture, kind, z, T=None, p=None, extra=None):
-    spec, value = ('T', T) if T is not None else ('p', p)
-    sol = saturation_point(m, z, kind, spec, value)
+    given, value = ('T', T) if T is not None else ('p', p)
+    sol = saturation_point(m, z, kind, given, value)
     assert sol['residual'] < TOL_EQ, (m.name, mixture, kind, value, sol['residual'])
     assert np.max(np.abs(sol['lnK'])) > 1e-3
     note_res('bubble_dew', sol['residual'])
