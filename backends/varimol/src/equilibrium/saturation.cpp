@@ -169,6 +169,14 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
         const double rs = sy - sx;
         if (triv < 1e-8) return base + 2;
         if (rn < 1e-12 && std::abs(rs) < 1e-14) {
+            // the vapour must be the phase richer in the volatile components: an iteration that
+            // ends with the roles exchanged has found the other saturation point of the feed
+            // (its dew point in place of its bubble point), which is not asked for
+            vec lw{};
+            wilson_k(f, T, P, lw.data());
+            double orient = 0.0;
+            for (int i = 0; i < n; ++i) orient += (yn[i] - xn[i]) * lw[i];
+            if (orient < 0.0) return 2;
             converged = true;
             out.x = xn;
             out.y = yn;
