@@ -240,9 +240,10 @@ TEST(VarimolReference, BubblePressuresAndDewTemperatures) {
         if (bubble) w.add(P, num(r, "p_Pa"), 0.0, where + " p");
         else w.add(T, num(r, "T_K"), 0.0, where + " T");
         const vec& inc = bubble ? fr.y : fr.x;
-        for (int i = 0; i < f.n; ++i)
-            w.add(inc[i], num(r, "w" + std::to_string(i + 1)), 0.0,
-                  where + " w" + std::to_string(i + 1));
+        for (int i = 0; i < f.n; ++i) {
+            const std::string k = std::string("w").append(std::to_string(i + 1));
+            w.add(inc[i], num(r, k), 0.0, where + " " + k);
+        }
         w.add(bubble ? fr.liq.v : fr.vap.v, num(r, "v_feed_m3_per_mol"), 0.0, where + " v feed");
         w.add(bubble ? fr.vap.v : fr.liq.v, num(r, "v_incipient_m3_per_mol"), 0.0,
               where + " v incipient");
