@@ -297,7 +297,7 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
         bool found = false;
         double tt = t0, pp = p0;
         for (int k = 0; k < 150 && !found; ++k) {
-            if (given_t) pp *= bubble_side ? 0.8 : 1.25;
+            if (given_t) pp *= bubble_side ? 0.7 : 1.4;
             else tt *= bubble_side ? 1.01 : 0.99;
             flash_result fr;
             if (flash_tp(f, tt, pp, z, fr) == 0 && fr.nphase == 2 &&
