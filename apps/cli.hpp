@@ -1,6 +1,6 @@
 #pragma once
 // The zentropia command-line tool: its command line, the selection it makes, and its commands.
-#include "zentropia/zentropia.hpp"
+#include "main/property_table.hpp"
 
 #include <array>
 #include <cstdio>
@@ -45,6 +45,7 @@ struct command_line {
     std::map<std::string, std::string> options; // the command's own options, by name
     selection fluid;
     bool help = false;
+    bool version = false;
 };
 
 // The command's own options (beyond the common ones) and whether it takes positional arguments.

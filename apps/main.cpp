@@ -1,6 +1,7 @@
 // zentropia: thermophysical properties from the command line (calc, props, batch, info, fluids,
 // units). Without a command it shows every property of water at 1 atm and 300 K.
 #include "cli.hpp"
+#include "zentropia/version.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -35,6 +36,7 @@ options of every command:
   --basis BASIS        PerMass (default) or PerMole
   --unit SYMBOL=UNIT   the unit of one property, e.g. --unit P=MPa --unit T=C (repeatable)
   -h, --help           this help; zentropia COMMAND --help explains a command
+  --version            the version of zentropia
 
 exit status: 0 success, 1 the library reported a failure (its message on standard error),
 2 a wrong command line, 3 batch ran to its end but some rows failed.
@@ -131,6 +133,10 @@ int run(int argc, char** argv) {
     if (cl.command == "help") {
         cl.help = true;
         cl.command = cl.arguments.empty() ? "" : cl.arguments.front();
+    }
+    if (cl.version) {
+        std::printf("zentropia %s\n", ZENTROPIA_VERSION);
+        return exit_ok;
     }
     if (cl.command.empty() && cl.help) {
         std::fputs(general_help.data(), stdout);

@@ -62,6 +62,8 @@ command_line parse(int argc, char** argv) {
         const std::string_view arg = argv[i];
         if (arg == "-h" || arg == "--help") {
             cl.help = true;
+        } else if (arg == "--version") {
+            cl.version = true;
         } else if (arg.starts_with("--")) {
             const auto eq = arg.find('=');
             const std::string name(arg.substr(0, eq));

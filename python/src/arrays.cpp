@@ -1,7 +1,7 @@
 #include "arrays.hpp"
 
 #include "binder.hpp"
-#include "zentropia/zentropia.hpp"
+#include "main/property_table.hpp"
 
 #include <pybind11/numpy.h>
 
