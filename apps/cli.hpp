@@ -42,7 +42,8 @@ struct selection {
 struct command_line {
     std::string command;
     std::vector<std::string> arguments;         // positional arguments after the command
-    std::map<std::string, std::string> options; // the command's own options, by name
+    std::map<std::string, std::string> options; // the command's own options, by name ("" for a
+                                                // flag)
     selection fluid;
     bool help = false;
     bool version = false;
@@ -77,12 +78,13 @@ std::string latin1_to_utf8(std::string_view text);
 // A value for people: ten significant digits, or "not computed" for the sentinel.
 std::string readable(double value);
 
-inline constexpr std::size_t n_allprops = zentropia::allprops_outputs.size();
-// Evaluates allprops; values in the order of zentropia::allprops_outputs, x and y the phase
-// compositions.
-void allprops(std::string_view inputspec, double input1, double input2,
-              std::array<double, n_allprops>& values, zp_common::composition& x,
-              zp_common::composition& y, std::string& errormsg);
+// Throws usage_error unless the first two letters of inputspec are input symbols of the unit sets
+// (P, T, v, d, h, s, u) or the quality q; their case matters ("PT", not "pt").
+void check_inputspec(std::string_view inputspec);
+// "h [J/kg]": a property keyword with its unit in the chosen units ("q" alone where it has none)
+std::string labelled(std::string_view keyword);
+// Throws usage_error unless keyword is a property keyword of calcprop.
+void check_keyword(std::string_view keyword);
 
 int run_calc(const command_line& cl);
 int run_props(const command_line& cl);
@@ -90,5 +92,6 @@ int run_batch(const command_line& cl);
 int run_info(const command_line& cl);
 int run_fluids(const command_line& cl);
 int run_units(const command_line& cl);
+int run_models(const command_line& cl);
 
 } // namespace cli

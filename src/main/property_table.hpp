@@ -1,63 +1,158 @@
 #pragma once
-// The single-value outputs of allprops by name, for the programs of this tree that name
-// properties (the command-line tool, the Python extension): keyword, meaning, unit symbol and the
-// property's own entry point.
+// The properties of a state by name, for the programs of this tree that name properties (the
+// command-line tool, the Python extension), and the one answer each gets there: the value of the
+// model's full state (allprops, calcprop) where it holds one, else the property's own entry
+// point, which derives it from single properties (IF97's full state carries no pressure
+// derivatives, so alpha ... gamma and the surface tension come from there). A property neither
+// computes stays -8888.8, with the reason.
 #include "base/common.hpp"
+#include "base/zentropia_base.hpp"
 #include "main/zentropia_main.hpp"
 
 #include <array>
 #include <string>
 #include <string_view>
 
-namespace zentropia {
+namespace zp_props {
 
-// One single-value output of zentropia_main::allprops, for programs that name properties.
+using entry_point = double (*)(std::string_view inputspec, double input1, double input2,
+                               std::string& errormsg);
+
 struct property {
     std::string_view name;        // the short keyword of calcprop
     std::string_view keyword;     // the long keyword of calcprop ("" where there is none)
     std::string_view description; // for people
     std::string_view unit_symbol; // the unit symbol ("" for the dimensionless q and gamma)
-    // The property's own entry point, where it answers as calcprop does; null for the derivative
-    // properties alpha to gamma, which the entry points compute from single properties while
-    // calcprop takes them from the model's full state.
-    double (*entry)(std::string_view inputspec, double input1, double input2,
-                    std::string& errormsg);
+    // The property's own entry point where it answers as calcprop does (so it can stand in for
+    // calcprop and evaluate that property alone); null where calcprop reads the full state.
+    entry_point entry;
+    // The entry point that derives the property when the full state lacks it; null: none.
+    entry_point fallback;
 };
 
-// The outputs of allprops other than the compositions x and y, in its argument order.
-inline constexpr std::array<property, 23> allprops_outputs{{
-    {"p", "pressure", "pressure", "P", &zentropia_main::pressure},
-    {"t", "temperature", "temperature", "T", &zentropia_main::temperature},
-    {"v", "specvolume", "specific volume", "v", &zentropia_main::specvolume},
-    {"d", "density", "density", "d", &zentropia_main::density},
-    {"h", "enthalpy", "specific enthalpy", "h", &zentropia_main::enthalpy},
-    {"s", "entropy", "specific entropy", "s", &zentropia_main::entropy},
-    {"u", "intenergy", "specific internal energy", "u", &zentropia_main::intenergy},
-    {"q", "vaporqual", "vapour quality", "", &zentropia_main::vaporqual},
-    {"cv", "heatcapv", "isochoric heat capacity", "cv", &zentropia_main::heatcapv},
-    {"cp", "heatcapp", "isobaric heat capacity", "cp", &zentropia_main::heatcapp},
-    {"c", "soundspeed", "speed of sound", "c", &zentropia_main::soundspeed},
-    {"alpha", "", "derivative alpha", "alpha", nullptr},
-    {"beta", "", "derivative beta", "beta", nullptr},
-    {"chi", "", "derivative chi", "chi", nullptr},
-    {"fi", "", "derivative fi", "fi", nullptr},
-    {"ksi", "", "derivative ksi", "ksi", nullptr},
-    {"psi", "", "derivative psi", "psi", nullptr},
-    {"zeta", "", "derivative zeta", "zeta", nullptr},
-    {"theta", "", "isobaric expansion coefficient", "theta", nullptr},
-    {"kappa", "", "isothermal compressibility", "kappa", nullptr},
-    {"gamma", "", "fundamental derivative", "", nullptr},
-    {"eta", "viscosity", "dynamic viscosity", "eta", &zentropia_main::viscosity},
-    {"lambda", "thermcond", "thermal conductivity", "lambda", &zentropia_main::thermcond},
-}};
+namespace zm = zentropia_main;
 
-// The position in allprops_outputs of a calcprop keyword (either form, any case), or -1.
-inline int allprops_output_index(std::string_view keyword) {
+// The outputs of allprops other than the compositions x and y, in its argument order, then the
+// surface tension, which allprops does not return.
+inline constexpr std::size_t n_allprops = 23;
+inline constexpr std::array<property, n_allprops + 1> properties{{
+    {"p", "pressure", "pressure", "P", &zm::pressure, nullptr},
+    {"t", "temperature", "temperature", "T", &zm::temperature, nullptr},
+    {"v", "specvolume", "specific volume", "v", &zm::specvolume, nullptr},
+    {"d", "density", "density", "d", &zm::density, nullptr},
+    {"h", "enthalpy", "specific enthalpy", "h", &zm::enthalpy, nullptr},
+    {"s", "entropy", "specific entropy", "s", &zm::entropy, nullptr},
+    {"u", "intenergy", "specific internal energy", "u", &zm::intenergy, nullptr},
+    {"q", "vaporqual", "vapour quality", "", &zm::vaporqual, nullptr},
+    {"cv", "heatcapv", "isochoric heat capacity", "cv", &zm::heatcapv, nullptr},
+    {"cp", "heatcapp", "isobaric heat capacity", "cp", &zm::heatcapp, nullptr},
+    {"c", "soundspeed", "speed of sound", "c", &zm::soundspeed, nullptr},
+    {"alpha", "", "derivative alpha", "alpha", nullptr, &zm::alpha},
+    {"beta", "", "derivative beta", "beta", nullptr, &zm::beta},
+    {"chi", "", "derivative chi", "chi", nullptr, &zm::chi},
+    {"fi", "", "derivative fi", "fi", nullptr, &zm::fi},
+    {"ksi", "", "derivative ksi", "ksi", nullptr, &zm::ksi},
+    {"psi", "", "derivative psi", "psi", nullptr, &zm::psi},
+    {"zeta", "", "derivative zeta", "zeta", nullptr, &zm::zeta},
+    {"theta", "", "isobaric expansion coefficient", "theta", nullptr, &zm::theta},
+    {"kappa", "", "isothermal compressibility", "kappa", nullptr, &zm::kappa},
+    {"gamma", "", "fundamental derivative", "", nullptr, &zm::gamma},
+    {"eta", "viscosity", "dynamic viscosity", "eta", &zm::viscosity, nullptr},
+    {"lambda", "thermcond", "thermal conductivity", "lambda", &zm::thermcond, nullptr},
+    {"sigma", "surftens", "surface tension", "sigma", nullptr, &zm::surftens},
+}};
+inline constexpr std::size_t n_properties = properties.size();
+
+// The position in properties of a calcprop keyword (either form, any case), or -1.
+inline int property_index(std::string_view keyword) {
     const std::string key = zp_common::lower(zp_common::strip(keyword));
-    for (std::size_t i = 0; i < allprops_outputs.size(); ++i)
-        if (key == allprops_outputs[i].name || key == allprops_outputs[i].keyword)
-            return static_cast<int>(i);
+    for (std::size_t i = 0; i < properties.size(); ++i)
+        if (key == properties[i].name || key == properties[i].keyword) return static_cast<int>(i);
     return -1;
 }
 
-} // namespace zentropia
+// The one answer of property `column` at a state whose full state gave `value`: value itself when
+// computed, else the fallback entry point's. A property that stays uncomputed is -8888.8 and
+// `reason` says why (the entry point's text, or "not computed"); reason is untouched otherwise.
+inline double one_answer(int column, std::string_view inputspec, double input1, double input2,
+                         double value, std::string& reason) {
+    if (zp_common::isnotinit(value)) return value;
+    const entry_point fallback = column < 0 ? nullptr : properties[column].fallback;
+    if (fallback != nullptr) {
+        std::string errormsg;
+        const double derived = fallback(inputspec, input1, input2, errormsg);
+        if (zp_common::is_ok(errormsg) && zp_common::isnotinit(derived)) return derived;
+        if (!zp_common::is_ok(errormsg)) {
+            reason = errormsg;
+            return zp_common::not_set;
+        }
+    }
+    reason = "not computed";
+    return zp_common::not_set;
+}
+
+// Every property of properties at a state: one allprops evaluation, completed by one_answer.
+// reasons[i] is empty for a computed property. For a fluid of one component, x and y are 1.0 where
+// the phase exists and -8888.8 where it does not (the phase of phase_of); mixtures keep the
+// model's phase compositions. errormsg reports a state that failed as a whole.
+enum class phase : int { liquid = 0, vapour = 1, two_phase = 2, supercritical = 3, unknown = 4 };
+inline constexpr std::array<std::string_view, 5> phase_names{"liquid", "vapour", "two-phase",
+                                                             "supercritical", ""};
+
+// The phase of a state from its quality q and its temperature and pressure against the critical
+// point (all in one unit set; t_crit or p_crit -8888.8 when unknown): two-phase for 0 < q < 1
+// (the bounds of the two-phase test of the derivative properties), supercritical above both
+// critical values, else vapour above the critical temperature or for q >= 1 (the models report
+// superheated vapour with q > 1), liquid otherwise.
+inline phase phase_of(double q, double t, double p, double t_crit, double p_crit) {
+    if (zp_common::isinit(q) || q != q) return phase::unknown;
+    if (q > 1e-8 && q < 0.99999999) return phase::two_phase;
+    const bool critical_known = zp_common::isnotinit(t_crit) && zp_common::isnotinit(p_crit);
+    if (critical_known && t >= t_crit && p >= p_crit) return phase::supercritical;
+    if (critical_known && t >= t_crit) return phase::vapour;
+    if (critical_known && p >= p_crit) return phase::liquid;
+    return q >= 0.5 ? phase::vapour : phase::liquid;
+}
+
+// the critical temperature and pressure of the selection in the caller's units (-8888.8 when the
+// model does not give them)
+inline void critical_point(double& t_crit, double& p_crit) {
+    std::string errormsg;
+    t_crit = p_crit = zp_common::not_set;
+    double m_mol, t_min, t_max, tc, pc;
+    zm::allinfo(m_mol, tc, pc, t_min, t_max, errormsg);
+    if (zp_common::is_ok(errormsg)) t_crit = tc, p_crit = pc;
+}
+
+struct state {
+    std::array<double, n_properties> values;
+    std::array<std::string, n_properties> reasons;
+    zp_common::composition x, y;
+    phase label = phase::unknown;
+};
+
+inline void state_of(std::string_view inputspec, double input1, double input2, double t_crit,
+                     double p_crit, state& s, std::string& errormsg) {
+    auto& r = s.values;
+    r.fill(zp_common::not_set);
+    zm::allprops(inputspec, input1, input2, r[0], r[1], r[2], r[3], r[4], r[5], r[6], r[7], s.x,
+                 s.y, r[8], r[9], r[10], r[11], r[12], r[13], r[14], r[15], r[16], r[17], r[18],
+                 r[19], r[20], r[21], r[22], errormsg);
+    if (!zp_common::is_ok(errormsg)) return;
+    for (std::size_t i = 0; i < n_properties; ++i) {
+        s.reasons[i].clear();
+        r[i] = one_answer(static_cast<int>(i), inputspec, input1, input2, r[i], s.reasons[i]);
+    }
+    s.label = phase_of(r[7], r[1], r[0], t_crit, p_crit);
+    if (zentropia_base::selection().usr_ncmp == 1) {
+        const bool liquid = s.label == phase::liquid || s.label == phase::two_phase ||
+                            s.label == phase::supercritical;
+        const bool vapour = s.label == phase::vapour || s.label == phase::two_phase ||
+                            s.label == phase::supercritical;
+        s.x.fill(0.0), s.y.fill(0.0);
+        s.x[0] = liquid ? 1.0 : zp_common::not_set;
+        s.y[0] = vapour ? 1.0 : zp_common::not_set;
+    }
+}
+
+} // namespace zp_props

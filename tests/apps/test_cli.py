@@ -38,19 +38,27 @@ def test_calc_prints_the_value_exactly(args, units):
     assert errormsg == "No errors" and float(out) == expected
 
 
+def props_table(out):
+    """The rows of the props table by keyword (up to the blank line before the notes)."""
+    lines = out.splitlines()[2:]
+    return {line.split()[0]: line for line in lines[:lines.index("")] if line.strip()}
+
+
 def test_props_is_a_table_with_units():
     out = run("props", "PT", 1, 26.85, "--units", "Zentropia", check=OK).stdout
-    table = {line.split()[0]: line for line in out.splitlines()[2:]}
-    assert len(table) == 23
+    table = props_table(out)
+    assert len(table) == 1 + 24 + 2  # phase, the properties, x1 and y1
+    assert table["phase"].split()[-1] == "liquid" and float(table["x1"].split()[-1]) == 1.0
     assert table["h"].split()[-1] == "kJ/kg" and table["t"].split()[-1] == "\u00b0C"
     assert float(table["p"].split()[-2]) == pytest.approx(1.0)  # in bar
     assert "not computed" in table["kappa"]                     # IF97 does not give it
+    assert "kappa: IF97: calculation of Kappa not available." in out
 
 
 def test_props_fills_the_derivatives_from_their_entry_points():
     # Dilute steam is nearly an ideal gas: the fundamental derivative tends to (cp/cv + 1) / 2.
     out = run("props", "PT", 0.01, 400, "--units", "Zentropia", check=OK).stdout
-    table = {line.split()[0]: line.split() for line in out.splitlines()[2:]}
+    table = {k: line.split() for k, line in props_table(out).items()}
     cp, cv = float(table["cp"][-2]), float(table["cv"][-2])
     assert float(table["gamma"][-1]) == pytest.approx((cp / cv + 1) / 2, rel=1e-2)  # no unit
 
@@ -80,7 +88,7 @@ def test_without_a_command_it_shows_water():
 @pytest.mark.parametrize("args, status, message", [
     (("calc", "h", "PT", 1e5, 300, "--model", "NoSuchModel"), FAILURE,
      "Error in Zentropia: invalid model name NoSuchModel"),
-    (("calc", "nonsense", "PT", 1e5, 300), FAILURE, "Unknown property specified..."),
+    (("calc", "nonsense", "PT", 1e5, 300), USAGE, "unknown property 'nonsense'"),
     (("calc", "h", "PT", -1, 300), FAILURE, "Error in IF97"),
     (("calc", "h", "PT", 1e5, 300, "--units", "Metric"), FAILURE, 'Unit set "Metric" unknown'),
     (("calc", "h", "PT", "abc", 300), USAGE, "'abc' is not a number"),
@@ -104,10 +112,11 @@ def test_batch_evaluates_every_row():
     states = [(1e5, 300.0), (1e6, 500.0), (2e7, 700.0), (5e7, 1000.0)]
     text = "P,T\n" + "".join(f"{p!r},{t!r}\n" for p, t in states)
     table = rows(run("batch", "--props", "h,s,c,cp,eta,lambda", stdin=text, check=OK).stdout)
-    assert table[0] == ["P", "T", "h", "s", "c", "cp", "eta", "lambda", "error"]
+    assert table[0] == ["P", "T", "h [J/kg]", "s [J/kg/K]", "c [m/s]", "cp [J/kg/K]",
+                        "eta [Pa.s]", "lambda [W/m/K]", "error"]
     for (p, t), row in zip(states, table[1:]):
         assert row[-1] == ""
-        for keyword, value in zip(table[0][2:-1], row[2:-1]):
+        for keyword, value in zip(["h", "s", "c", "cp", "eta", "lambda"], row[2:-1]):
             assert float(value) == pytest.approx(zentropia.calcprop(keyword, "PT", p, t)[0],
                                                   rel=1e-12)
 
@@ -116,7 +125,8 @@ def test_one_by_one_and_whole_state_evaluations_agree():
     text = "".join(f"{1e5 * k},{280.0 + 40 * k}\n" for k in range(1, 20))
     few = rows(run("batch", "--props", "h,s,c", stdin=text, check=OK).stdout)
     many = rows(run("batch", "--props", "h,s,c,v,d", stdin=text, check=OK).stdout)
-    assert few[0] == ["P", "T", "h", "s", "c", "error"]  # no header in the input: the symbols
+    # no header in the input: the symbols, with units
+    assert few[0] == ["P [Pa]", "T [K]", "h [J/kg]", "s [J/kg/K]", "c [m/s]", "error"]
     for a, b in zip(few[1:], many[1:]):
         assert [float(x) for x in a[2:5]] == pytest.approx([float(x) for x in b[2:5]], rel=1e-12)
 
@@ -144,7 +154,7 @@ def test_batch_columns_spec_file_and_output(tmp_path):
     run("batch", source, "--inputspec", "Ph", "--columns", "2,3", "--props", "T,q,sigma",
         "--units", "Zentropia", "--output", target, check=OK)
     table = rows(target.read_text())
-    assert table[0] == ["p", "h", "T", "q", "sigma", "error"]
+    assert table[0] == ["p", "h", "T [\u00b0C]", "q", "sigma [N/m]", "error"]
     zentropia.setunits("Zentropia", "PerMass", "", "")
     for row in table[1:]:
         p, h = float(row[0]), float(row[1])

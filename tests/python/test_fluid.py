@@ -35,7 +35,7 @@ def test_numbers_give_floats_and_not_computed_values_are_nan():
     water = Fluid("IF97", "water")
     assert isinstance(water.calc("h", "PT", 1e5, 300.0), float)
     props = water.props("PT", 1e5, 300.0)
-    assert set(props) == set(zp._core._allprops_columns) | {"x", "y"}
+    assert set(props) == set(zp._core._allprops_columns) | {"x", "y", "phase"}
     assert isinstance(props["h"], float) and np.isnan(props["kappa"])
     assert props["h"] == water.calc("enthalpy", "PT", 1e5, 300.0)
 
