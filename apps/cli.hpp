@@ -75,7 +75,7 @@ void check(const std::string& errormsg);
 std::string unit_of(std::string_view symbol);
 // A Latin-1 library text (unit texts carry the degree sign as byte 0xB0) as UTF-8.
 std::string latin1_to_utf8(std::string_view text);
-// A value for people: ten significant digits, or "not computed" for the sentinel.
+// A value exactly, in the fewest digits that read back to it, or "not computed" for the sentinel.
 std::string readable(double value);
 
 // Throws usage_error unless the first two letters of inputspec are input symbols of the unit sets

@@ -23,7 +23,7 @@ void print_exact(double value) {
 
 void print_row(std::string_view name, std::string_view meaning, double value,
                std::string_view unit) {
-    std::printf("  %-8.*s %-32.*s %16s  %.*s\n", static_cast<int>(name.size()), name.data(),
+    std::printf("  %-8.*s %-32.*s %22s  %.*s\n", static_cast<int>(name.size()), name.data(),
                 static_cast<int>(meaning.size()), meaning.data(), readable(value).c_str(),
                 static_cast<int>(unit.size()), unit.data());
 }
@@ -71,7 +71,7 @@ int run_props(const command_line& cl) {
                 cl.fluid.unitset.c_str(), cl.fluid.basis.c_str(), inputspec.c_str(),
                 cl.arguments[1].c_str(), cl.arguments[2].c_str());
     const std::string_view phase = zp_props::phase_names[static_cast<int>(state.label)];
-    std::printf("  %-8s %-32s %16.*s\n", "phase", "phase of the state",
+    std::printf("  %-8s %-32s %22.*s\n", "phase", "phase of the state",
                 static_cast<int>(phase.size()), phase.data());
     std::map<std::string, std::string> reasons; // reason -> the properties it concerns
     for (std::size_t i = 0; i < zp_props::n_properties; ++i) {

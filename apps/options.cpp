@@ -224,8 +224,7 @@ std::string unit_of(std::string_view symbol) {
 std::string readable(double value) {
     if (zp_common::isinit(value)) return "not computed";
     char text[32];
-    std::snprintf(text, sizeof text, "%.10g", value);
-    return text;
+    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
 } // namespace cli

@@ -101,6 +101,19 @@ def test_without_a_command_it_shows_water():
     (("fluids", "--by", "colour"), USAGE, "--by is long, short or cas"),
     (("batch", "--columns", "1,1"), USAGE, "--columns names one column twice"),
     (("batch", "no/such/file.csv"), FAILURE, "cannot open no/such/file.csv"),
+    (("calc", "h", "PT", 1e5, 300, "--frobnicate", "1"), USAGE, "unknown option --frobnicate"),
+    (("calc", "h", "pt", 1e5, 300), USAGE, "the symbols P, T, v, d, h, s, u and q"),
+    (("calc", "h", "PT", 1e5, 300, "--fluid", "nitrogen"), FAILURE,
+     'model IF97 cannot compute "nitrogen"'),
+    (("calc", "h", "PT", 1e5, 300, "--fluid", "water,methane", "--conc", "0.5,0.5"), FAILURE,
+     "not a mixture of 2 components"),
+    (("calc", "h", "PT", 1e5, 300, "--model", "TPSI"), FAILURE, "back-end library not installed"),
+    (("fluids", "--model", "refprop"), FAILURE, "back-end library not installed"),
+    (("calc", "h", "PT", 1, 300, "--unit", "P=furlong"), FAILURE, 'unit "furlong" of P'),
+    (("calc", "kappa", "PT", 1e5, 300), FAILURE, "kappa is not computed for this state"),
+    (("batch", "--props", "h,nonsense"), USAGE, "unknown property 'nonsense'"),
+    (("batch", "--format", "xml"), USAGE, "--format is csv or json"),
+    (("batch", "--precision", "40"), USAGE, "--precision is a number"),
 ])
 def test_failures_print_a_message_and_exit_non_zero(args, status, message):
     result = run(*args)
@@ -182,3 +195,47 @@ def test_batch_streams_without_holding_the_input(tmp_path):
             assert sum(1 for _ in out) == n + 1
     assert peaks[1] - peaks[0] < 4000, f"peak memory {peaks[0]} kB for 10 rows, {peaks[1]} kB " \
                                        "for 500,000"
+
+
+@pytest.mark.parametrize("args, same_as", [
+    (("--units", "si"), ("--units", "SI")),
+    (("--units", "ZENTROPIA", "--basis", "permole"), ("--units", "Zentropia", "--basis", "PerMole")),
+    (("--unit", "P=psi", "--unit", "T=degF"), ("--unit", "P=psia", "--unit", "T=F")),
+    (("--unit", "T=\u00b0C", "--unit", "s=kJ/(kg K)"), ("--unit", "T=C", "--unit", "s=kJ/kg/K")),
+])
+def test_unit_spellings_mean_the_canonical_units(args, same_as):
+    for prop in ("h", "s", "eta"):
+        got = run("calc", prop, "PT", 100, 300, *args, check=OK).stdout
+        assert got == run("calc", prop, "PT", 100, 300, *same_as, check=OK).stdout
+
+
+def test_centipoise_is_a_thousandth_of_a_pascal_second():
+    eta = float(run("calc", "eta", "PT", 1e5, 300, check=OK).stdout)
+    assert float(run("calc", "eta", "PT", 1e5, 300, "--unit", "eta=cP", check=OK).stdout) == \
+        pytest.approx(eta * 1000, rel=1e-14)
+
+
+def test_batch_keep_delimiter_precision_and_json():
+    text = "id;P;T;note\n7;1e5;300;cold\n8;1e5;-5;broken\n"
+    out = run("batch", "--columns", "2,3", "--delimiter", ";", "--keep", "--precision", "6",
+              "--props", "h,kappa", stdin=text)
+    assert out.returncode == FAILED_ROWS
+    header, good, bad = [line.split(";") for line in out.stdout.splitlines()]
+    assert header == ["id", "P", "T", "note", "h [J/kg]", "kappa [Pa^-1]", "error"]
+    assert good == ["7", "1e5", "300", "cold", "112664", "", ""]  # 6 digits; kappa not computed
+    assert bad[:4] == ["8", "1e5", "-5", "broken"] and bad[-1].startswith("Error in IF97")
+    assert "kappa not computed in 1 of 2 rows" in out.stderr
+    import json
+    rows_json = json.loads(run("batch", "--format", "json", "--props", "h,kappa",
+                               stdin="P,T\n1e5,300\n", check=OK).stdout)
+    assert rows_json == [{"P": 1e5, "T": 300, "h": pytest.approx(112663.82328242698),
+                          "kappa": None, "error": None}]
+
+
+def test_models_fluids_and_version():
+    models = dict(line.split(None, 1) for line in run("models", check=OK).stdout.splitlines())
+    assert models.pop("model") == "back-end"
+    assert models["IF97"] == "installed" and models["TPSI"] == "back-end library not installed"
+    assert run("fluids", "--model", "IF97", check=OK).stdout == "water\n"
+    assert run("fluids", "--model", "IF97", "--by", "cas", check=OK).stdout == "7732-18-5\n"
+    assert run("--version", check=OK).stdout == f"zentropia {zentropia.__version__}\n"
