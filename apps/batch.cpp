@@ -88,11 +88,23 @@ public:
     void put(double value) {
         if (zp_common::isinit(value)) return;
         char digits[40];
-        if (precision_ > 0)
-            text_.append(digits, static_cast<std::size_t>(std::snprintf(
-                                     digits, sizeof digits, "%.*g", precision_, value)));
-        else
-            text_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+        text_.append(digits, format(digits, value));
+    }
+    // the delimiter, then the value (one append: the row loop is the tool's hot path)
+    void put_delimited(double value) {
+        char digits[41];
+        digits[0] = delimiter_;
+        text_.append(digits, zp_common::isinit(value) ? 1 : 1 + format(digits + 1, value));
+    }
+    void put_delimited(std::string_view s) {
+        put(delimiter_);
+        put(s);
+    }
+    // the delimiter before an empty error column and the line end
+    void end_good_row() {
+        const char end[2] = {delimiter_, '\n'};
+        text_.append(end, 2);
+        end_row_quiet();
     }
     // a value, or null for one the model does not compute (JSON)
     void put_json(double value) {
@@ -143,6 +155,13 @@ public:
     }
 
 private:
+    // the digits of value written at `to` (room for 40 characters); their count
+    std::size_t format(char* to, double value) const {
+        if (precision_ > 0)
+            return static_cast<std::size_t>(std::snprintf(to, 40, "%.*g", precision_, value));
+        return static_cast<std::size_t>(std::to_chars(to, to + 40, value).ptr - to);
+    }
+
     std::FILE* out_;
     std::string text_;
     char delimiter_;
@@ -221,18 +240,19 @@ public:
     }
     // the requested values at (a, b); errormsg holds the first failure
     const std::vector<double>& at(double a, double b, std::string& errormsg) {
-        errormsg = single_ = zp_common::no_errors;
+        errormsg = zp_common::no_errors;
         if (whole_state_) allprops(a, b, errormsg);
         for (std::size_t i = 0; i < keywords_.size(); ++i) {
             const int column = columns_[i];
-            if (column >= 0 && column < static_cast<int>(zp_props::n_allprops) && whole_state_)
+            if (whole_state_ && column >= 0 && column < static_cast<int>(zp_props::n_allprops)) {
                 values_[i] = state_[column];
-            else
+            } else {
                 values_[i] = column >= 0 && entry(column)
                                  ? entry(column)(inputspec_, a, b, single_)
                                  : zentropia_main::calcprop(keywords_[i], inputspec_, a, b,
                                                             single_);
-            if (zp_common::is_ok(errormsg) && !zp_common::is_ok(single_)) errormsg = single_;
+                if (zp_common::is_ok(errormsg) && !zp_common::is_ok(single_)) errormsg = single_;
+            }
             if (zp_common::isinit(values_[i]) && zp_common::is_ok(errormsg)) {
                 values_[i] = zp_props::one_answer(column, inputspec_, a, b, values_[i], reason_);
                 if (zp_common::isinit(values_[i])) ++absent_[i], reasons_[i] = reason_;
@@ -317,7 +337,7 @@ int run_batch(const command_line& cl) {
 
     std::size_t rows = 0, failed = 0, line_number = 0;
     bool first = true;
-    std::string errormsg;
+    std::string errormsg, row_message;
     std::string_view line;
     std::array<std::string_view, 2> fields;
     std::vector<std::string_view> kept;
@@ -374,13 +394,14 @@ int run_batch(const command_line& cl) {
         block_writer& out = *writer;
         ++rows;
         const std::vector<double>* values = nullptr;
-        std::string message;
+        std::string_view message; // empty when the row succeeded
         if (numbers) {
             values = &evaluate.at(a, b, errormsg);
             if (!zp_common::is_ok(errormsg)) message = errormsg, values = nullptr;
         } else {
-            message = "line " + std::to_string(line_number) +
-                      (complete ? ": the inputs are not numbers" : ": too few columns");
+            row_message = "line " + std::to_string(line_number) +
+                          (complete ? ": the inputs are not numbers" : ": too few columns");
+            message = row_message;
         }
         if (!message.empty()) ++failed;
         // the input fields: all of them with --keep, else the two inputs
@@ -409,18 +430,22 @@ int run_batch(const command_line& cl) {
             out.put('}');
             out.end_row_quiet();
         } else {
-            for (std::size_t k = 0; k < n_inputs; ++k) {
-                if (k) out.delimiter();
-                if (numbers && !keep) out.put(input_field(k));
-                else out.put_field(input_field(k));
+            if (numbers && !keep) {
+                out.put(fields[0]), out.put_delimited(fields[1]);
+            } else {
+                for (std::size_t k = 0; k < n_inputs; ++k) {
+                    if (k) out.delimiter();
+                    out.put_field(input_field(k));
+                }
             }
-            for (std::size_t i = 0; i < requests.size(); ++i) {
-                out.delimiter();
-                if (values) out.put((*values)[i]);
+            for (std::size_t i = 0; i < requests.size(); ++i)
+                out.put_delimited(values ? (*values)[i] : zp_common::not_set);
+            if (message.empty()) {
+                out.end_good_row();
+            } else {
+                out.delimiter(), out.put_field(message);
+                out.end_row();
             }
-            out.delimiter();
-            if (!message.empty()) out.put_field(message);
-            out.end_row();
         }
     }
     if (!writer) { // an empty input: the header alone
