@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <memory>
 
@@ -247,10 +247,10 @@ public:
             if (whole_state_ && column >= 0 && column < static_cast<int>(zp_props::n_allprops)) {
                 values_[i] = state_[column];
             } else {
-                values_[i] = column >= 0 && entry(column)
-                                 ? entry(column)(inputspec_, a, b, single_)
-                                 : zentropia_main::calcprop(keywords_[i], inputspec_, a, b,
-                                                            single_);
+                values_[i] =
+                    column >= 0 && entry(column)
+                        ? entry(column)(inputspec_, a, b, single_)
+                        : zentropia_main::calcprop(keywords_[i], inputspec_, a, b, single_);
                 if (zp_common::is_ok(errormsg) && !zp_common::is_ok(single_)) errormsg = single_;
             }
             if (zp_common::isinit(values_[i]) && zp_common::is_ok(errormsg)) {
@@ -359,8 +359,9 @@ int run_batch(const command_line& cl) {
             all_fields(line, delimiter, line_fields);
             width = line_fields.size();
             if (std::max(columns[0], columns[1]) >= width)
-                throw usage_error("--columns " + option(cl, "--columns", "1,2") + ": the input has " +
-                                  std::to_string(width) + " column" + (width == 1 ? "" : "s") +
+                throw usage_error("--columns " + option(cl, "--columns", "1,2") +
+                                  ": the input has " + std::to_string(width) + " column" +
+                                  (width == 1 ? "" : "s") +
                                   (delimiter == ',' ? "" : " (with --delimiter)"));
             const bool header =
                 complete && !parse_number(fields[0], a) && !parse_number(fields[1], b);
@@ -369,13 +370,14 @@ int run_batch(const command_line& cl) {
                 header ? std::string(fields[1]) : labelled(inputspec.substr(1, 1))};
             if (keep)
                 for (std::size_t k = 0; k < width; ++k)
-                    names.push_back(header                ? std::string(line_fields[k])
-                                    : k == columns[0]     ? input_names[0]
-                                    : k == columns[1]     ? input_names[1]
-                                                          : "column " + std::to_string(k + 1));
+                    names.push_back(header            ? std::string(line_fields[k])
+                                    : k == columns[0] ? input_names[0]
+                                    : k == columns[1] ? input_names[1]
+                                                      : "column " + std::to_string(k + 1));
             else
                 names.assign(input_names.begin(), input_names.end());
-            for (const auto& keyword : requests) names.push_back(json ? keyword : labelled(keyword));
+            for (const auto& keyword : requests)
+                names.push_back(json ? keyword : labelled(keyword));
             names.emplace_back("error");
             if (output != "-") out_file = open(output, "wb");
             writer = std::make_unique<block_writer>(out_file ? out_file.get() : stdout, delimiter,
@@ -414,8 +416,10 @@ int run_batch(const command_line& cl) {
             for (std::size_t k = 0; k < n_inputs && k < names.size() - requests.size() - 1; ++k) {
                 out.put_string(names[k]), out.put(':');
                 double v;
-                if (parse_number(input_field(k), v)) out.put(input_field(k));
-                else out.put_string(input_field(k));
+                if (parse_number(input_field(k), v))
+                    out.put(input_field(k));
+                else
+                    out.put_string(input_field(k));
                 out.put(',');
             }
             const std::size_t first_value = names.size() - requests.size() - 1;
@@ -425,8 +429,10 @@ int run_batch(const command_line& cl) {
                 out.put(',');
             }
             out.put("\"error\":");
-            if (message.empty()) out.put("null");
-            else out.put_string(message);
+            if (message.empty())
+                out.put("null");
+            else
+                out.put_string(message);
             out.put('}');
             out.end_row_quiet();
         } else {
@@ -457,7 +463,8 @@ int run_batch(const command_line& cl) {
         } else {
             writer->put_field(labelled(inputspec.substr(0, 1))), writer->delimiter();
             writer->put_field(labelled(inputspec.substr(1, 1)));
-            for (const auto& keyword : requests) writer->delimiter(), writer->put_field(labelled(keyword));
+            for (const auto& keyword : requests)
+                writer->delimiter(), writer->put_field(labelled(keyword));
             writer->delimiter(), writer->put("error"), writer->end_row();
         }
     }

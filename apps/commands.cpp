@@ -137,8 +137,7 @@ int run_fluids(const command_line& cl) {
                 std::string shown = name;
                 for (std::size_t row = 0; row < table[k].size(); ++row)
                     for (int j = 0; j < 3; ++j)
-                        if (row < table[j].size() && table[j][row] == name)
-                            shown = table[k][row];
+                        if (row < table[j].size() && table[j][row] == name) shown = table[k][row];
                 names.push_back(shown);
             }
         }
@@ -155,8 +154,8 @@ int run_models(const command_line& cl) {
         const auto& model = zp_models::of(static_cast<zp_models::model_id>(id));
         std::string errormsg;
         const auto offered = zentropia::getcompset(model.name, errormsg);
-        const bool installed = model.adapter != nullptr &&
-                               errormsg.find("not installed") == std::string::npos;
+        const bool installed =
+            model.adapter != nullptr && errormsg.find("not installed") == std::string::npos;
         std::printf("%-12.*s %s\n", static_cast<int>(model.name.size()), model.name.data(),
                     installed ? "installed" : "back-end library not installed");
     }

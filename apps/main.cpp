@@ -130,8 +130,8 @@ const std::vector<command_spec>& commands() {
         {"calc", {}, &run_calc, calc_help},
         {"props", {}, &run_props, props_help},
         {"batch",
-         {"--inputspec", "--props", "--columns", "--output", "--keep", "--delimiter",
-          "--precision", "--format"},
+         {"--inputspec", "--props", "--columns", "--output", "--keep", "--delimiter", "--precision",
+          "--format"},
          &run_batch,
          batch_help},
         {"info", {}, &run_info, info_help},
@@ -182,8 +182,8 @@ int run(int argc, char** argv) {
             continue;
         bool elsewhere = false;
         for (const auto& c : commands())
-            elsewhere = elsewhere ||
-                        std::find(c.options.begin(), c.options.end(), name) != c.options.end();
+            elsewhere =
+                elsewhere || std::find(c.options.begin(), c.options.end(), name) != c.options.end();
         throw usage_error(elsewhere ? "option " + name + " does not belong to " + cl.command
                                     : "unknown option " + name);
     }

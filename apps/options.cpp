@@ -130,8 +130,9 @@ void select_units(const selection& fluid) {
     const std::string basis = unit_spelling::basis(fluid.basis);
     std::string symbols, units, errormsg;
     for (const auto& [symbol, unit] : fluid.overrides) {
-        symbols += (symbols.empty() ? "" : ",") + symbol;
-        units += (units.empty() ? "" : ",") + unit_spelling::unit(unit);
+        if (!symbols.empty()) symbols += ',', units += ',';
+        symbols += symbol;
+        units += unit_spelling::unit(unit);
     }
     zentropia_units::setunits(set, basis, symbols, units, errormsg);
     if (zp_common::is_ok(errormsg)) return;

@@ -79,8 +79,7 @@ inline std::string first_names(const std::vector<std::string>& names) {
 }
 
 inline double or_nan(double value) {
-    return std::fabs(value - not_computed) < 0.1 ? std::numeric_limits<double>::quiet_NaN()
-                                                 : value;
+    return std::fabs(value - not_computed) < 0.1 ? std::numeric_limits<double>::quiet_NaN() : value;
 }
 
 } // namespace detail
@@ -115,9 +114,9 @@ inline void setfluid(std::string_view model, const std::vector<std::string>& com
 inline double calcprop(std::string_view propspec, std::string_view inputspec, double input1,
                        double input2, std::string& errormsg) {
     detail::message m;
-    const double value = zentropia_calcprop(detail::c_text(propspec).c_str(),
-                                            detail::c_text(inputspec).c_str(), input1, input2,
-                                            m.text, sizeof m.text);
+    const double value =
+        zentropia_calcprop(detail::c_text(propspec).c_str(), detail::c_text(inputspec).c_str(),
+                           input1, input2, m.text, sizeof m.text);
     m.to(errormsg);
     return value;
 }
@@ -129,7 +128,7 @@ inline double calcprop(std::string_view propspec, std::string_view inputspec, do
     inline double name(std::string_view inputspec, double input1, double input2,                   \
                        std::string& errormsg) {                                                    \
         detail::message m;                                                                         \
-        const double value = zentropia_##name(detail::c_text(inputspec).c_str(), input1, input2,  \
+        const double value = zentropia_##name(detail::c_text(inputspec).c_str(), input1, input2,   \
                                               m.text, sizeof m.text);                              \
         m.to(errormsg);                                                                            \
         return value;                                                                              \
@@ -149,9 +148,9 @@ inline void allprops(std::string_view inputspec, double input1, double input2, s
     detail::message m;
     zentropia_allprops(detail::c_text(inputspec).c_str(), input1, input2, &r.p, &r.t, &r.v, &r.d,
                        &r.h, &r.s, &r.u, &r.q, r.x.data(), max_components, r.y.data(),
-                       max_components, &r.cv, &r.cp, &r.c, &r.alpha, &r.beta, &r.chi, &r.fi,
-                       &r.ksi, &r.psi, &r.zeta, &r.theta, &r.kappa, &r.gamma, &r.eta, &r.lambda,
-                       m.text, sizeof m.text);
+                       max_components, &r.cv, &r.cp, &r.c, &r.alpha, &r.beta, &r.chi, &r.fi, &r.ksi,
+                       &r.psi, &r.zeta, &r.theta, &r.kappa, &r.gamma, &r.eta, &r.lambda, m.text,
+                       sizeof m.text);
     m.to(errormsg);
 }
 
@@ -170,10 +169,9 @@ inline double solve(std::string_view funcspec, double funcval, std::string_view 
                     int targt, double fixedval, double minval, double maxval,
                     std::string& errormsg) {
     detail::message m;
-    const double value =
-        zentropia_solve(detail::c_text(funcspec).c_str(), funcval,
-                        detail::c_text(inputspec).c_str(), targt, fixedval, minval, maxval, m.text,
-                        sizeof m.text);
+    const double value = zentropia_solve(detail::c_text(funcspec).c_str(), funcval,
+                                         detail::c_text(inputspec).c_str(), targt, fixedval, minval,
+                                         maxval, m.text, sizeof m.text);
     m.to(errormsg);
     return value;
 }
@@ -291,8 +289,7 @@ public:
           std::vector<double> composition = {}, std::string units = "SI",
           std::string basis = "PerMass")
         : model_(std::move(model)), components_(std::move(components)),
-          composition_(std::move(composition)), units_(std::move(units)),
-          basis_(std::move(basis)) {
+          composition_(std::move(composition)), units_(std::move(units)), basis_(std::move(basis)) {
         units_ = canonical(units_, {"SI", "Zentropia", "Anglo-Saxon"});
         basis_ = canonical(basis_, {"PerMass", "PerMole"});
         if (composition_.empty() && components_.size() == 1) composition_.push_back(1.0);
@@ -306,8 +303,7 @@ public:
 
     // a property by keyword at one state, in the fluid's units; NaN when the model does not
     // compute it there; throws error when the state fails
-    double calc(std::string_view prop, std::string_view inputspec, double input1,
-                double input2) {
+    double calc(std::string_view prop, std::string_view inputspec, double input1, double input2) {
         select();
         std::string errormsg;
         const double value = calcprop(prop, inputspec, input1, input2, errormsg);
@@ -322,9 +318,9 @@ public:
         std::string errormsg;
         allprops(inputspec, input1, input2, r, errormsg);
         if (!detail::succeeded(errormsg)) throw error(errormsg);
-        for (double* v : {&r.p,    &r.t,     &r.v,    &r.d,   &r.h,    &r.s,    &r.u,    &r.q,
-                          &r.cv,   &r.cp,    &r.c,    &r.alpha, &r.beta, &r.chi, &r.fi, &r.ksi,
-                          &r.psi,  &r.zeta,  &r.theta, &r.kappa, &r.gamma, &r.eta, &r.lambda})
+        for (double* v : {&r.p,   &r.t,    &r.v,     &r.d,     &r.h,     &r.s,   &r.u,     &r.q,
+                          &r.cv,  &r.cp,   &r.c,     &r.alpha, &r.beta,  &r.chi, &r.fi,    &r.ksi,
+                          &r.psi, &r.zeta, &r.theta, &r.kappa, &r.gamma, &r.eta, &r.lambda})
             *v = detail::or_nan(*v);
         return r;
     }
@@ -334,7 +330,8 @@ public:
 
 private:
     // name in the spelling of the first of names it equals in any case; else name unchanged
-    static std::string canonical(const std::string& name, std::initializer_list<const char*> names) {
+    static std::string canonical(const std::string& name,
+                                 std::initializer_list<const char*> names) {
         for (const char* n : names)
             if (detail::same_name(name, n)) return n;
         return name;
