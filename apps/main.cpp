@@ -63,8 +63,10 @@ example: zentropia calc enthalpy PT 101325 300    (J/kg of water at 1 atm and 30
 
 constexpr std::string_view props_help = R"(usage: zentropia props INPUTSPEC V1 V2 [OPTIONS]
 
-Prints every property of the state (INPUTSPEC, V1, V2) as a table: keyword, meaning, value and unit.
-Properties the model does not compute read "not computed".
+Prints the phase (liquid, vapour, two-phase, supercritical) and every property of the state
+(INPUTSPEC, V1, V2) as a table: keyword, meaning, value and unit. A property the model's full
+state lacks comes from its own entry point, as calc gives it; one that nothing computes reads
+"not computed", with the reason under the table.
 
 example: zentropia props Ph 10 2800 --units Zentropia    (steam at 10 bar, 2800 kJ/kg)
 )";

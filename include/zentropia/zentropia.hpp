@@ -22,6 +22,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zentropia {
@@ -279,6 +280,37 @@ inline void check_components(std::string_view model, const std::vector<std::stri
     }
 }
 
+// ---- The phase of a state ---------------------------------------------------------------------
+
+enum class phase : int { liquid = 0, vapour = 1, two_phase = 2, supercritical = 3, unknown = 4 };
+inline constexpr std::array<std::string_view, 5> phase_names{"liquid", "vapour", "two-phase",
+                                                             "supercritical", ""};
+
+// The phase of a state from its quality q and its temperature and pressure against the critical
+// point (all in one unit set; t_crit or p_crit -8888.8 or NaN when unknown): two-phase for
+// 0 < q < 1 (the bounds of the two-phase test of the derivative properties), supercritical at or
+// above both critical values, else vapour at or above the critical temperature or for q >= 1 (the
+// models report superheated vapour with q > 1), liquid otherwise.
+inline phase phase_of(double q, double t, double p, double t_crit, double p_crit) {
+    const auto known = [](double v) { return v == v && std::fabs(v - not_computed) >= 0.1; };
+    if (!known(q)) return phase::unknown;
+    if (q > 1e-8 && q < 0.99999999) return phase::two_phase;
+    const bool critical_known = known(t_crit) && known(p_crit);
+    if (critical_known && t >= t_crit && p >= p_crit) return phase::supercritical;
+    if (critical_known && t >= t_crit) return phase::vapour;
+    if (critical_known && p >= p_crit) return phase::liquid;
+    return q >= 0.5 ? phase::vapour : phase::liquid;
+}
+
+// whether the liquid and the vapour phase exist in a state of phase `label` (both in the two-phase
+// region and above the critical point, where a pure fluid is one phase that is either)
+inline bool has_liquid(phase label) {
+    return label == phase::liquid || label == phase::two_phase || label == phase::supercritical;
+}
+inline bool has_vapour(phase label) {
+    return label == phase::vapour || label == phase::two_phase || label == phase::supercritical;
+}
+
 // ---- fluid: the convenience layer ---------------------------------------------------------------
 
 class fluid {
@@ -308,20 +340,45 @@ public:
         std::string errormsg;
         const double value = calcprop(prop, inputspec, input1, input2, errormsg);
         if (!detail::succeeded(errormsg)) throw error(errormsg);
-        return detail::or_nan(value);
+        const entry from = derived_entry(prop);
+        return detail::or_nan(from ? derive(from, inputspec, input1, input2, value) : value);
     }
 
-    // every output of allprops; NaN for what the model does not compute
-    state props(std::string_view inputspec, double input1, double input2) {
+    // every output of allprops; a property the full state lacks comes from its own entry point
+    // (IF97's full state has no pressure derivatives), else NaN; sigma the surface tension; the
+    // phase. For a pure fluid x[0] and y[0] are 1.0 where the phase exists, NaN where it does not.
+    struct properties : state {
+        double sigma;
+        zentropia::phase phase;
+    };
+    properties props(std::string_view inputspec, double input1, double input2) {
         select();
-        state r{};
+        properties r{};
         std::string errormsg;
         allprops(inputspec, input1, input2, r, errormsg);
         if (!detail::succeeded(errormsg)) throw error(errormsg);
-        for (double* v : {&r.p,   &r.t,    &r.v,     &r.d,     &r.h,     &r.s,   &r.u,     &r.q,
-                          &r.cv,  &r.cp,   &r.c,     &r.alpha, &r.beta,  &r.chi, &r.fi,    &r.ksi,
-                          &r.psi, &r.zeta, &r.theta, &r.kappa, &r.gamma, &r.eta, &r.lambda})
+        r.sigma = not_computed;
+        const std::pair<double*, std::string_view> derived[] = {
+            {&r.alpha, "alpha"}, {&r.beta, "beta"},   {&r.chi, "chi"},    {&r.fi, "fi"},
+            {&r.ksi, "ksi"},     {&r.psi, "psi"},     {&r.zeta, "zeta"},  {&r.theta, "theta"},
+            {&r.kappa, "kappa"}, {&r.gamma, "gamma"}, {&r.sigma, "sigma"}};
+        for (const auto& [value, name] : derived)
+            *value = derive(derived_entry(name), inputspec, input1, input2, *value);
+        for (double* v :
+             {&r.p,   &r.t,    &r.v,     &r.d,     &r.h,     &r.s,   &r.u,      &r.q,
+              &r.cv,  &r.cp,   &r.c,     &r.alpha, &r.beta,  &r.chi, &r.fi,     &r.ksi,
+              &r.psi, &r.zeta, &r.theta, &r.kappa, &r.gamma, &r.eta, &r.lambda, &r.sigma})
             *v = detail::or_nan(*v);
+        double m_mol, t_crit, p_crit, t_min, t_max;
+        allinfo(m_mol, t_crit, p_crit, t_min, t_max, errormsg);
+        if (!detail::succeeded(errormsg)) t_crit = p_crit = not_computed;
+        r.phase = phase_of(r.q, r.t, r.p, t_crit, p_crit);
+        if (components_.size() == 1) {
+            const double nan = std::numeric_limits<double>::quiet_NaN();
+            r.x.fill(0.0), r.y.fill(0.0);
+            r.x[0] = has_liquid(r.phase) ? 1.0 : nan;
+            r.y[0] = has_vapour(r.phase) ? 1.0 : nan;
+        }
         return r;
     }
 
@@ -329,6 +386,31 @@ public:
     const std::vector<std::string>& components() const { return components_; }
 
 private:
+    using entry = double (*)(const char*, double, double, char*, int);
+    // The entry point that derives a property the model's full state may lack (IF97 has no
+    // pressure derivatives there), by keyword in any case; null for the others.
+    static entry derived_entry(std::string_view keyword) {
+        const std::pair<std::string_view, entry> entries[] = {
+            {"alpha", &zentropia_alpha},    {"beta", &zentropia_beta},
+            {"chi", &zentropia_chi},        {"fi", &zentropia_fi},
+            {"ksi", &zentropia_ksi},        {"psi", &zentropia_psi},
+            {"zeta", &zentropia_zeta},      {"theta", &zentropia_theta},
+            {"kappa", &zentropia_kappa},    {"gamma", &zentropia_gamma},
+            {"sigma", &zentropia_surftens}, {"surftens", &zentropia_surftens}};
+        for (const auto& [name, from] : entries)
+            if (detail::same_name(keyword, name)) return from;
+        return nullptr;
+    }
+    // value when computed, else what `from` derives at the state (-8888.8 when it cannot)
+    static double derive(entry from, std::string_view inputspec, double input1, double input2,
+                         double value) {
+        if (from == nullptr || std::fabs(value - not_computed) >= 0.1) return value;
+        detail::message m;
+        const double v =
+            from(detail::c_text(inputspec).c_str(), input1, input2, m.text, sizeof m.text);
+        return std::string_view(m.text) == "No errors" ? v : not_computed;
+    }
+
     // name in the spelling of the first of names it equals in any case; else name unchanged
     static std::string canonical(const std::string& name,
                                  std::initializer_list<const char*> names) {

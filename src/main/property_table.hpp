@@ -8,6 +8,7 @@
 #include "base/common.hpp"
 #include "base/zentropia_base.hpp"
 #include "main/zentropia_main.hpp"
+#include "zentropia/zentropia.hpp"
 
 #include <array>
 #include <string>
@@ -91,28 +92,11 @@ inline double one_answer(int column, std::string_view inputspec, double input1, 
     return zp_common::not_set;
 }
 
-// Every property of properties at a state: one allprops evaluation, completed by one_answer.
-// reasons[i] is empty for a computed property. For a fluid of one component, x and y are 1.0 where
-// the phase exists and -8888.8 where it does not (the phase of phase_of); mixtures keep the
-// model's phase compositions. errormsg reports a state that failed as a whole.
-enum class phase : int { liquid = 0, vapour = 1, two_phase = 2, supercritical = 3, unknown = 4 };
-inline constexpr std::array<std::string_view, 5> phase_names{"liquid", "vapour", "two-phase",
-                                                             "supercritical", ""};
-
-// The phase of a state from its quality q and its temperature and pressure against the critical
-// point (all in one unit set; t_crit or p_crit -8888.8 when unknown): two-phase for 0 < q < 1
-// (the bounds of the two-phase test of the derivative properties), supercritical above both
-// critical values, else vapour above the critical temperature or for q >= 1 (the models report
-// superheated vapour with q > 1), liquid otherwise.
-inline phase phase_of(double q, double t, double p, double t_crit, double p_crit) {
-    if (zp_common::isinit(q) || q != q) return phase::unknown;
-    if (q > 1e-8 && q < 0.99999999) return phase::two_phase;
-    const bool critical_known = zp_common::isnotinit(t_crit) && zp_common::isnotinit(p_crit);
-    if (critical_known && t >= t_crit && p >= p_crit) return phase::supercritical;
-    if (critical_known && t >= t_crit) return phase::vapour;
-    if (critical_known && p >= p_crit) return phase::liquid;
-    return q >= 0.5 ? phase::vapour : phase::liquid;
-}
+using zentropia::has_liquid;
+using zentropia::has_vapour;
+using zentropia::phase;
+using zentropia::phase_names;
+using zentropia::phase_of;
 
 // the critical temperature and pressure of the selection in the caller's units (-8888.8 when the
 // model does not give them)
@@ -124,6 +108,10 @@ inline void critical_point(double& t_crit, double& p_crit) {
     if (zp_common::is_ok(errormsg)) t_crit = tc, p_crit = pc;
 }
 
+// Every property of properties at a state: one allprops evaluation, completed by one_answer.
+// reasons[i] is empty for a computed property. For a fluid of one component, x and y are 1.0 where
+// the phase exists and -8888.8 where it does not (the phase of phase_of); mixtures keep the
+// model's phase compositions. errormsg reports a state that failed as a whole.
 struct state {
     std::array<double, n_properties> values;
     std::array<std::string, n_properties> reasons;
@@ -145,13 +133,9 @@ inline void state_of(std::string_view inputspec, double input1, double input2, d
     }
     s.label = phase_of(r[7], r[1], r[0], t_crit, p_crit);
     if (zentropia_base::selection().usr_ncmp == 1) {
-        const bool liquid = s.label == phase::liquid || s.label == phase::two_phase ||
-                            s.label == phase::supercritical;
-        const bool vapour = s.label == phase::vapour || s.label == phase::two_phase ||
-                            s.label == phase::supercritical;
         s.x.fill(0.0), s.y.fill(0.0);
-        s.x[0] = liquid ? 1.0 : zp_common::not_set;
-        s.y[0] = vapour ? 1.0 : zp_common::not_set;
+        s.x[0] = has_liquid(s.label) ? 1.0 : zp_common::not_set;
+        s.y[0] = has_vapour(s.label) ? 1.0 : zp_common::not_set;
     }
 }
 
