@@ -5,12 +5,15 @@
 #   include/    zentropia/zentropia.h, zentropia.hpp, version.h
 #   bin/        the zentropia tool
 #   lib/cmake/Zentropia/   find_package(Zentropia);  lib/pkgconfig/zentropia.pc
-#   ZP_PYTHON_DIR/zentropia   the Python package (default: P's site-packages path)
+#   ZP_PYTHON_DIR/zentropia   the Python package (default: P's site-packages path,
+#                             lib/python3.X/dist-packages for Debian's interpreter)
 set(ZP_LIB_DIR lib CACHE STRING "Where the libraries and fluids/ are installed, relative to the prefix")
 if(NOT DEFINED ZP_PYTHON_DIR)
+    # Debian's interpreter reads P/lib/python3.X/dist-packages (so a prefix of /usr/local needs
+    # no PYTHONPATH); others read the site-packages directory of their prefix scheme.
     execute_process(
         COMMAND ${Python3_EXECUTABLE} -c
-            "import sysconfig; print(sysconfig.get_path('platlib', 'posix_prefix', vars={'platbase': '', 'base': ''}).lstrip('/'))"
+            "import sysconfig as s; d = s.get_path('platlib', 'posix_prefix', vars={'platbase': '', 'base': ''}).lstrip('/'); print(d.replace('site-packages', 'dist-packages') if s.get_default_scheme() == 'posix_local' else d)"
         OUTPUT_VARIABLE ZP_PYTHON_DEFAULT_DIR OUTPUT_STRIP_TRAILING_WHITESPACE)
     set(ZP_PYTHON_DIR ${ZP_PYTHON_DEFAULT_DIR} CACHE STRING
         "Where the Python package is installed, relative to the prefix")

@@ -31,7 +31,7 @@ echo "== Fortran"
 ./consumer_f
 
 echo "== Python"
-site=$(cd "$prefix" && ls -d lib/python3*/site-packages)
+site=$(cd "$prefix" && ls -d lib/python3*/*-packages)
 env -u LD_LIBRARY_PATH PYTHONPATH="$prefix/$site" "$python" - "$prefix" <<'PY'
 import os, sys
 import zentropia
