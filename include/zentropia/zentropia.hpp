@@ -276,7 +276,8 @@ inline void check_components(std::string_view model, const std::vector<std::stri
         }
         if (!known)
             throw error("Error in Zentropia: model " + std::string(model) + " cannot compute \"" +
-                        c + "\"; it computes " + detail::first_names(offered));
+                        (c.size() > 64 ? c.substr(0, 64) + "..." : c) + "\"; it computes " +
+                        detail::first_names(offered));
     }
 }
 

@@ -45,7 +45,8 @@ def _check_components(model, components):
                              any(_same(n, o) for n in row for o in offered) for row in rows)
         if not known:
             raise ZentropiaError('Error in Zentropia: model %s cannot compute "%s"; it computes %s'
-                                 % (model, name, ", ".join(offered[:12])))
+                                 % (model, name if len(name) <= 64 else name[:64] + "...",
+                                    ", ".join(offered[:12])))
 
 
 def _check_inputspec(inputspec):
