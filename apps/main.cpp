@@ -19,7 +19,7 @@ property of water at 1 atm (101325 Pa) and 300 K.
 commands:
   calc PROP INPUTSPEC V1 V2   one property (a keyword such as h, enthalpy, cp, c, eta) at a
                               state
-  props INPUTSPEC V1 V2       every property of a state, as a table with units
+  props INPUTSPEC V1 V2       the phase and every property of a state, as a table with units
   batch [FILE]                a CSV of states (FILE or standard input) to a CSV of properties
   info                        molar mass, critical point and temperature limits of the fluid
   fluids                      the fluid names of the fluid table; with --model, what that
@@ -34,9 +34,10 @@ options of every command:
   --model NAME         model (default IF97)
   --fluid A[,B...]     components, comma-separated (default water)
   --conc X[,Y...]      concentrations, one per component (default 1 for a single component)
-  --units SET          SI (default), Zentropia or Anglo-Saxon
+  --units SET          SI (default), Zentropia or Anglo-Saxon, in any case
   --basis BASIS        PerMass (default) or PerMole
-  --unit SYMBOL=UNIT   the unit of one property, e.g. --unit P=MPa --unit T=C (repeatable)
+  --unit SYMBOL=UNIT   the unit of one property, e.g. --unit P=MPa --unit T=degC, psi, cP,
+                       kJ/(kg K) (repeatable)
   -h, --help           this help; zentropia COMMAND --help explains a command
   --version            the version of zentropia
 
@@ -76,10 +77,11 @@ constexpr std::string_view batch_help =
                        [--output FILE] [OPTIONS]
 
 Reads states from a CSV file (standard input when FILE is absent or "-") and writes one CSV row
-per state to standard output: the two inputs as given, the chosen properties (with their units in
-the header) and an error column that is empty when the row succeeded. The rows stream through, so inputs of any length work. A
-row that fails (a field that is not a number, a state the library refuses) gets the message in
-its error column and the run goes on; the exit status is then 3.
+per state to standard output: the two inputs as given, the chosen properties (with their units
+in the header) and an error column that is empty when the row succeeded. The rows stream
+through, so inputs of any length work. A row that fails (a field that is not a number, a state
+the library refuses) gets the message in its error column and the run goes on; the exit status
+is then 3.
 
   --inputspec INPUTSPEC  the symbols of the two input columns (default PT)
   --props LIST           comma-separated property keywords, as calc takes them (default h,s,c)
