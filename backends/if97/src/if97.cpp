@@ -405,8 +405,9 @@ void if97_main(std::string_view letter1, double value1, std::string_view letter2
 
 void if97_sub() {}
 
+// The version of the build, set once in the top-level CMakeLists.txt.
 void getversion(std::array<int, 4>& version) {
-    version = {1, 0, 0, 0};
+    version = {ZP_VERSION_MAJOR, ZP_VERSION_MINOR, ZP_VERSION_PATCH, 0};
 }
 
 void uninit_if97() {
