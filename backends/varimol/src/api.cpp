@@ -1,6 +1,7 @@
 // The entry points: range checks, mode dispatch, assembly of the outputs, and the codes.
 #include "varimol/varimol.hpp"
 
+#include "equilibrium/critical.hpp"
 #include "equilibrium/flash_tp.hpp"
 #include "equilibrium/saturation.hpp"
 #include "model/ideal_gas.hpp"
@@ -265,6 +266,15 @@ void vm3_setfluid(int model_code, const fluid_parameters& fp, const binary_param
                   int n_comps, int& ierr) {
     fluid f;
     ierr = set_fluid(f, model_code, fp, bp, n_comps);
+    if (ierr == 0 && f.n > 1) {
+        // the mixture's critical point replaces the pseudo-critical estimate of set_fluid
+        critical_state c;
+        ierr = critical_point(f, f.z.data(), 0.0, 0.0, c);
+        if (ierr == 0) {
+            f.tcrit = c.T;
+            f.pcrit = c.P;
+        }
+    }
     if (ierr == 0) {
         configured = f;
         is_configured = true;
