@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <cstdio>
 using namespace varimol;
+
 TEST(Scratch, Crit) {
     std::vector<varimol_test::mixture_spec> ms = {
         {{"CH4", "C2H6"}, {0.85, 0.15}},
@@ -27,6 +28,15 @@ TEST(Scratch, Env) {
         {{"CH4", "nC10"}, {0.9999, 0.0001}},
         {{"CH4", "nC6"}, {0.7, 0.3}},
         {{"R32", "R125"}, {0.7, 0.3}},
+        {{"CO2", "C3H8"}, {0.5, 0.5}},
+        {{"CH4", "C2H6", "C3H8", "N2", "CO2"}, {0.85, 0.06, 0.03, 0.04, 0.02}},
+        {{"CH4", "C2H6", "C3H8", "N2", "CO2", "nC10"}, {0.8999, 0.05, 0.02, 0.02, 0.01, 1e-4}},
+        {{"CH4", "C2H6", "nC10"}, {0.8499, 0.15, 1e-4}},
+        {{"CH4", "nC10"}, {0.999, 0.001}},
+        {{"CH4", "nC10"}, {0.99, 0.01}},
+        {{"CH4", "nC8"}, {0.9999, 0.0001}},
+        {{"CH4", "C3H8"}, {0.9999, 0.0001}},
+        {{"CH4", "nC4"}, {0.95, 0.05}},
     };
     std::vector<double> T(500), p(500);
     std::vector<composition> x(500), y(500);
@@ -34,7 +44,7 @@ TEST(Scratch, Env) {
         int e = varimol_test::select(1, m);
         int np = 500, ierr;
         vm3_phaseenvelope(np, T, p, x, y, ierr);
-        std::printf("%s e=%d ierr=%d np=%d\n", m.names[1].c_str(), e, ierr, np);
+        std::printf("%s e=%d ierr=%d np=%d ", m.names[1].c_str(), e, ierr, np);std::printf("\n");
         if (getenv("PTS")) for (int i = 0; i < np; ++i) std::printf("  %d %.6f %.6f %.4g %.4g\n", i, T[i], p[i]/1e5, x[i][0], y[i][0]);
     }
 }

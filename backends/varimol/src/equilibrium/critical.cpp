@@ -209,6 +209,48 @@ struct searcher {
     }
 };
 
+
+// Illinois regula falsi in ln(V/b) between two volumes where the cubic form has opposite signs
+int refine(const searcher& s, double bmix, double ra, double ca, double ta, double rb, double cb,
+           double tb, double& r, double& T) {
+    double la = std::log(ra), lb = std::log(rb);
+    r = ra, T = ta;
+    int side = 0;
+    for (int it = 0; it < 100; ++it) {
+        double l = (la * cb - lb * ca) / (cb - ca);
+        if (!(l > std::min(la, lb) && l < std::max(la, lb))) l = 0.5 * (la + lb);
+        double t = std::abs(l - la) < std::abs(l - lb) ? ta : tb, c;
+        if (int e = s.along_limit(std::exp(l) * bmix, t, 1.002, c)) return e;
+        r = std::exp(l), T = t;
+        if (c == 0.0) return 0;
+        if ((c > 0.0) == (ca > 0.0)) {
+            la = l, ca = c, ta = t;
+            if (side == -1) cb *= 0.5;
+            side = -1;
+        } else {
+            lb = l, cb = c, tb = t;
+            if (side == 1) ca *= 0.5;
+            side = 1;
+        }
+        if (std::abs(la - lb) < 1e-13) return 0;
+    }
+    return 304;
+}
+
+// the pressure at the solution; false unless it is positive
+bool finish(const fluid& f, const double* z, double v, double T, critical_state& out) {
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    double P;
+    mat Q;
+    if (fugacity_derivatives_tv(f, t, v, z, P, Q) != 0) return false;
+    if (!(P > 0.0) || !std::isfinite(P) || !std::isfinite(T)) return false;
+    out.T = T;
+    out.P = P;
+    out.v = v;
+    return true;
+}
+
 } // namespace
 
 int critical_point(const fluid& f, const double* z, double T_guess, double v_guess,
@@ -227,83 +269,37 @@ int critical_point(const fluid& f, const double* z, double T_guess, double v_gue
     const double tfac = warm ? 1.01 : 1.1, rfac = warm ? 1.03 : 1.15;
     double c0;
     if (int e = s.along_limit(r0 * bmix, T0, tfac, c0)) return e;
-    // bracket a sign change of the cubic form in ln(V/b), searching both ways from the start
-    double ra = r0, ca = c0, ta = T0, rb = 0.0, cb = 0.0, tb = 0.0;
-    bool bracketed = c0 == 0.0;
+    // bracket a sign change of the cubic form in ln(V/b), searching both ways from the start;
+    // a root with a pressure that is not positive is passed over and the search goes on
     double rup = r0, cup = c0, tup = T0, rdn = r0, cdn = c0, tdn = T0;
     bool up_open = true, dn_open = true;
-    for (int k = 0; k < 40 && !bracketed && (up_open || dn_open); ++k) {
-        if (up_open) {
-            const double r = rup * rfac;
-            double t = tup, c;
-            if (r > 40.0 || s.along_limit(r * bmix, t, 1.01, c) != 0) {
-                up_open = false;
-            } else if ((c > 0.0) != (cup > 0.0)) {
-                ra = rup, ca = cup, ta = tup, rb = r, cb = c, tb = t;
-                bracketed = true;
-                break;
-            } else {
-                rup = r, cup = c, tup = t;
+    int last = 303;
+    if (c0 == 0.0) {
+        if (finish(f, z, r0 * bmix, T0, out)) return 0;
+    }
+    for (int k = 0; k < 60 && (up_open || dn_open); ++k) {
+        for (int dir = 0; dir < 2; ++dir) {
+            bool& open = dir == 0 ? up_open : dn_open;
+            double& rs = dir == 0 ? rup : rdn;
+            double& cs = dir == 0 ? cup : cdn;
+            double& ts = dir == 0 ? tup : tdn;
+            if (!open) continue;
+            const double r = dir == 0 ? rs * rfac : rs / rfac;
+            double t = ts, c;
+            if (r > 40.0 || r < 1.05 || s.along_limit(r * bmix, t, 1.01, c) != 0) {
+                open = false;
+                continue;
             }
-        }
-        if (dn_open) {
-            const double r = rdn / rfac;
-            double t = tdn, c;
-            if (r < 1.05 || s.along_limit(r * bmix, t, 1.01, c) != 0) {
-                dn_open = false;
-            } else if ((c > 0.0) != (cdn > 0.0)) {
-                ra = rdn, ca = cdn, ta = tdn, rb = r, cb = c, tb = t;
-                bracketed = true;
-                break;
-            } else {
-                rdn = r, cdn = c, tdn = t;
+            if ((c > 0.0) != (cs > 0.0)) {
+                double rr, tt;
+                const int e = refine(s, bmix, rs, cs, ts, r, c, t, rr, tt);
+                if (e == 0 && finish(f, z, rr * bmix, tt, out)) return 0;
+                last = e ? e : 300;
             }
+            rs = r, cs = c, ts = t;
         }
     }
-    if (!bracketed) return 303;
-    double r = ra, T = ta;
-    if (c0 != 0.0) {
-        // Illinois regula falsi in ln(V/b)
-        double la = std::log(ra), lb = std::log(rb);
-        int side = 0;
-        bool done = false;
-        for (int it = 0; it < 100; ++it) {
-            double l = (la * cb - lb * ca) / (cb - ca);
-            if (!(l > std::min(la, lb) && l < std::max(la, lb))) l = 0.5 * (la + lb);
-            double t = std::abs(l - la) < std::abs(l - lb) ? ta : tb, c;
-            if (int e = s.along_limit(std::exp(l) * bmix, t, 1.002, c)) return e;
-            r = std::exp(l), T = t;
-            if (c == 0.0 || std::abs(la - lb) < 1e-13) {
-                done = true;
-                break;
-            }
-            if ((c > 0.0) == (ca > 0.0)) {
-                la = l, ca = c, ta = t;
-                if (side == -1) cb *= 0.5;
-                side = -1;
-            } else {
-                lb = l, cb = c, tb = t;
-                if (side == 1) ca *= 0.5;
-                side = 1;
-            }
-            if (std::abs(la - lb) < 1e-13) {
-                done = true;
-                break;
-            }
-        }
-        if (!done) return 304;
-    }
-    const double v = r * bmix;
-    temperature_terms<double> t;
-    at_temperature(f, T, t);
-    double P;
-    mat Q;
-    if (fugacity_derivatives_tv(f, t, v, z, P, Q) != 0) return 310;
-    if (!(P > 0.0) || !std::isfinite(P) || !std::isfinite(T)) return 300;
-    out.T = T;
-    out.P = P;
-    out.v = v;
-    return 0;
+    return last;
 }
 
 } // namespace varimol

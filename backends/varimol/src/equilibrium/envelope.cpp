@@ -160,7 +160,8 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
 
     xvec sens;
     if (!tr.sensitivity(cur, spec, sens)) return 450;
-    constexpr double max_step = 0.25; // largest change of any unknown along a step
+    // largest changes along a step: of ln K, of ln T, of ln P
+    constexpr double max_lnk = 0.8, max_lnt = 0.1, max_lnp = 0.5;
     double ds = 0.05;                 // step in the specified variable
     bool final_point = false;
     bool retry = false; // the last step failed
@@ -176,8 +177,10 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
             spec = k;
         }
         double big = 0.0;
-        for (int j = 0; j < n + 2; ++j) big = std::max(big, std::abs(sens[j] * ds));
-        if (big > max_step) ds *= max_step / big;
+        for (int j = 0; j < n; ++j) big = std::max(big, std::abs(sens[j] * ds) / max_lnk);
+        big = std::max(big, std::abs(sens[n] * ds) / max_lnt);
+        big = std::max(big, std::abs(sens[n + 1] * ds) / max_lnp);
+        if (big > 1.0) ds /= big;
         double S = cur.X[spec] + ds;
         // a specified ln K about to reach zero is stepped across it (the critical point)
         if (spec < n && !final_point) {
@@ -253,23 +256,34 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
         for (int q = n; q <= n + 1 && !crossed; ++q) {
             const double ga = sens[q] * ds, gb = nsens[q] * ds;
             if (!(ga > 0.0 && gb <= 0.0)) continue;
-            // secant on S for the zero of the derivative, between the two points
+            // regula falsi (Illinois) on S for the zero of the derivative between the two
+            // points; the extreme value is quadratic in the error of S, so S to 1e-7 suffices
             double sa = cur.X[spec], sb = nxt.X[spec], fa = sens[q], fb = nsens[q];
             point pm = nxt;
             double best = std::exp(nxt.X[q]), other = std::exp(nxt.X[q == n ? n + 1 : n]);
-            for (int it = 0; it < 30; ++it) {
-                const double sm = fa == fb ? 0.5 * (sa + sb) : sa - fa * (sb - sa) / (fb - fa);
+            int side = 0;
+            for (int it = 0; it < 12 && std::abs(sb - sa) > 1e-7 * (1.0 + std::abs(sa)); ++it) {
+                const double sm = sa - fa * (sb - sa) / (fb - fa);
                 if (!(std::min(sa, sb) < sm && sm < std::max(sa, sb))) break;
-                for (int j = 0; j < n + 2; ++j) pm.X[j] = cur.X[j] + sens[j] * (sm - sa);
+                for (int j = 0; j < n + 2; ++j) pm.X[j] = cur.X[j] + sens[j] * (sm - cur.X[spec]);
                 if (tr.solve(pm, spec, sm) < 0) break;
                 xvec dm;
                 if (!tr.sensitivity(pm, spec, dm)) break;
-                best = std::exp(pm.X[q]);
-                other = std::exp(pm.X[q == n ? n + 1 : n]);
-                if (std::abs(dm[q]) < 1e-12 * (std::abs(sens[q]) + std::abs(nsens[q]))) break;
-                if ((dm[q] > 0.0) == (fa > 0.0)) sa = sm, fa = dm[q];
-                else sb = sm, fb = dm[q];
-                if (std::abs(sb - sa) < 1e-14) break;
+                if (std::exp(pm.X[q]) > best) {
+                    best = std::exp(pm.X[q]);
+                    other = std::exp(pm.X[q == n ? n + 1 : n]);
+                }
+                const double step = std::min(std::abs(sm - sa), std::abs(sm - sb));
+                if ((dm[q] > 0.0) == (fa > 0.0)) {
+                    sa = sm, fa = dm[q];
+                    if (side == -1) fb *= 0.5;
+                    side = -1;
+                } else {
+                    sb = sm, fb = dm[q];
+                    if (side == 1) fa *= 0.5;
+                    side = 1;
+                }
+                if (step < 1e-7 * (1.0 + std::abs(sm))) break;
             }
             if (q == n && best > s.t_cricondentherm) s.t_cricondentherm = best, s.p_cricondentherm = other;
             if (q == n + 1 && best > s.p_cricondenbar) s.p_cricondenbar = best, s.t_cricondenbar = other;
