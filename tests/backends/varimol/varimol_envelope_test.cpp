@@ -81,7 +81,9 @@ TEST(VarimolCritical, BinaryTendsToThePureFluid) {
 TEST(VarimolEnvelope, ClosesAndEveryPointIsABubbleOrDewPoint) {
     struct item {
         varimol_test::mixture_spec m;
-        bool compare; // the back-end's bubble and dew points at the traced pressures
+        // compared with the back-end's bubble and dew points at the traced pressures (not for
+        // the trace of n-decane, whose dew temperatures at given pressure do not converge)
+        bool compare;
     };
     const std::vector<item> cases{
         {{{"CH4", "C2H6"}, {0.85, 0.15}}, true},
@@ -89,7 +91,11 @@ TEST(VarimolEnvelope, ClosesAndEveryPointIsABubbleOrDewPoint) {
         {{{"CH4", "C2H6", "C3H8", "N2", "CO2"}, {0.90, 0.05, 0.02, 0.02, 0.01}}, true},
         {{{"CH4", "C2H6", "C3H8", "N2", "CO2"}, {0.85, 0.06, 0.03, 0.04, 0.02}}, true},
         {{{"CO2", "C3H8"}, {0.5, 0.5}}, true},
-        {{{"R32", "R125"}, {0.7, 0.3}}, false},
+        {{{"R32", "R125"}, {0.7, 0.3}}, true},
+        {{{"R32", "R125", "R134a"}, {0.23, 0.25, 0.52}}, true},
+        {{{"CH4", "C2H6", "C3H8", "nC4", "nC5", "nC6", "N2", "CO2"},
+          {0.70, 0.10, 0.08, 0.05, 0.03, 0.02, 0.01, 0.01}},
+         true},
         {{{"CH4", "C2H6", "C3H8", "N2", "CO2", "nC10"}, {0.8999, 0.05, 0.02, 0.02, 0.01, 1e-4}},
          false},
         {{{"CH4", "C2H6", "nC10"}, {0.8499, 0.15, 1e-4}}, false},
