@@ -90,8 +90,8 @@ struct tracer {
             if (!evaluate(p, F)) return -1;
             double r = 0.0;
             for (int i = 0; i <= n; ++i) r = std::max(r, std::abs(F[i]));
-            // converged: at rounding level, or below 1e-10 where rounding stops the decrease
-            if (r < 1e-12 || (r < 1e-10 && r > 0.1 * last)) return it;
+            // converged: at rounding level, or below 2e-11 where rounding stops the decrease
+            if (r < 1e-12 || (r < 2e-11 && r > 0.1 * last)) return it;
             if (it > 6 && r > 0.5 * last) return -1; // not converging
             last = r;
             jmat A = p.J;
@@ -165,6 +165,8 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
     double ds = 0.05;                 // step in the specified variable
     bool final_point = false;
     bool retry = false; // the last step failed
+    xvec prev{};        // the point before the current one
+    bool have_prev = false;
     for (int step = 0; step < 2000; ++step) {
         // the new specification: the unknown that changes most
         int k = 0;
@@ -201,8 +203,14 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
             if (!tr.sensitivity(cur, spec, d)) return 450;
             sens = d;
         }
+        // predictor: the tangent, bent by the quadratic through the previous point
         point nxt = cur;
-        for (int j = 0; j < n + 2; ++j) nxt.X[j] = cur.X[j] + sens[j] * ds;
+        const double h = S - cur.X[spec], hp = prev[spec] - cur.X[spec];
+        const bool bend = have_prev && std::abs(hp) > 1e-10 && (hp > 0.0) != (h > 0.0);
+        for (int j = 0; j < n + 2; ++j) {
+            nxt.X[j] = cur.X[j] + sens[j] * h;
+            if (bend) nxt.X[j] += (prev[j] - cur.X[j] - sens[j] * hp) / (hp * hp) * h * h;
+        }
         const int its = tr.solve(nxt, spec, S);
         if (its < 0) {
             if (std::abs(ds) < 1e-8) return 450;
@@ -294,6 +302,8 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
             final_point = true;
             continue;
         }
+        prev = cur.X;
+        have_prev = !crossed;
         cur = nxt;
         sens = nsens;
         if (!emit(T, P, cur.x, cur.y)) return 452;
