@@ -208,3 +208,24 @@ TEST(VarimolEnvelope, RoomAndFluidErrors) {
     EXPECT_EQ(t.n, 0);
     EXPECT_EQ(trace().ierr, 0); // usable after the errors
 }
+
+TEST(VarimolEnvelope, LocatesTheCriticalPointItPasses) {
+    // the model alone, with only the pseudo-critical estimate of Kay's rule in the fluid: the
+    // critical point between the two points where ln K change sign is solved from there
+    for (const auto& m : {varimol_test::mixture_spec{{"CH4", "C2H6"}, {0.5, 0.5}},
+                          varimol_test::mixture_spec{{"CH4", "C3H8"}, {0.6, 0.4}}}) {
+        double tc, pc;
+        critical_of(m, 1, tc, pc);
+        fluid f;
+        fluid_parameters fp;
+        binary_parameters bp;
+        varimol_test::make_parameters(m, fp, bp);
+        ASSERT_EQ(set_fluid(f, 1, fp, bp, 2), 0);
+        ASSERT_GT(rel(f.tcrit, tc), 0.01); // far enough from the true point to need a solve
+        envelope_summary s;
+        ASSERT_EQ(trace_envelope(f, 1e5, nullptr, s), 0);
+        ASSERT_TRUE(s.has_critical);
+        EXPECT_LT(rel(s.t_crit, tc), 1e-9);
+        EXPECT_LT(rel(s.p_crit, pc), 1e-9);
+    }
+}
