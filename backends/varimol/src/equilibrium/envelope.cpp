@@ -154,12 +154,12 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
     for (int i = 0; i < n; ++i) cur.X[i] = std::log(fr.y[i] / fr.x[i]);
     cur.X[n] = std::log(T0);
     const double lnp0 = std::log(p_start);
-    int spec = n + 1;
-    if (tr.solve(cur, spec, lnp0) < 0) return 451;
+    int fixed = n + 1;
+    if (tr.solve(cur, fixed, lnp0) < 0) return 451;
     if (!emit(std::exp(cur.X[n]), std::exp(cur.X[n + 1]), cur.x, cur.y)) return 452;
 
     xvec sens;
-    if (!tr.sensitivity(cur, spec, sens)) return 450;
+    if (!tr.sensitivity(cur, fixed, sens)) return 450;
     // largest changes along a step: of ln K, of ln T, of ln P
     constexpr double max_lnk = 0.8, max_lnt = 0.1, max_lnp = 0.5;
     double ds = 0.05;                 // step in the specified variable
@@ -172,21 +172,21 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
         int k = 0;
         for (int j = 1; j < n + 2; ++j)
             if (std::abs(sens[j]) > std::abs(sens[k])) k = j;
-        if (k != spec) {
+        if (k != fixed) {
             ds *= sens[k];
             const double sk = sens[k];
             for (int j = 0; j < n + 2; ++j) sens[j] /= sk;
-            spec = k;
+            fixed = k;
         }
         double big = 0.0;
         for (int j = 0; j < n; ++j) big = std::max(big, std::abs(sens[j] * ds) / max_lnk);
         big = std::max(big, std::abs(sens[n] * ds) / max_lnt);
         big = std::max(big, std::abs(sens[n + 1] * ds) / max_lnp);
         if (big > 1.0) ds /= big;
-        double S = cur.X[spec] + ds;
+        double S = cur.X[fixed] + ds;
         // a specified ln K about to reach zero is stepped across it (the critical point)
-        if (spec < n && !final_point) {
-            const double u = cur.X[spec];
+        if (fixed < n && !final_point) {
+            const double u = cur.X[fixed];
             if ((S > 0.0) != (u > 0.0) || std::abs(S) < 0.3 * std::abs(u)) {
                 // after a failed jump, halfway to zero first
                 if (retry) S = 0.5 * u;
@@ -196,22 +196,22 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
         }
         // the last point lies on p_start on the dew side
         if (final_point) {
-            spec = n + 1;
+            fixed = n + 1;
             S = lnp0;
             ds = S - cur.X[n + 1];
             xvec d;
-            if (!tr.sensitivity(cur, spec, d)) return 450;
+            if (!tr.sensitivity(cur, fixed, d)) return 450;
             sens = d;
         }
         // predictor: the tangent, bent by the quadratic through the previous point
         point nxt = cur;
-        const double h = S - cur.X[spec], hp = prev[spec] - cur.X[spec];
+        const double h = S - cur.X[fixed], hp = prev[fixed] - cur.X[fixed];
         const bool bend = have_prev && std::abs(hp) > 1e-10 && (hp > 0.0) != (h > 0.0);
         for (int j = 0; j < n + 2; ++j) {
             nxt.X[j] = cur.X[j] + sens[j] * h;
             if (bend) nxt.X[j] += (prev[j] - cur.X[j] - sens[j] * hp) / (hp * hp) * h * h;
         }
-        const int its = tr.solve(nxt, spec, S);
+        const int its = tr.solve(nxt, fixed, S);
         if (its < 0) {
             if (std::abs(ds) < 1e-8) return 450;
             ds *= 0.4;
@@ -221,7 +221,7 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
         }
         retry = false;
         xvec nsens;
-        if (!tr.sensitivity(nxt, spec, nsens)) return 450;
+        if (!tr.sensitivity(nxt, fixed, nsens)) return 450;
         const double T = std::exp(nxt.X[n]), P = std::exp(nxt.X[n + 1]);
         if (!(T <= f.tmax) || !(P <= 2.0 * f.pmax)) return 450;
 
@@ -255,9 +255,9 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
             // continue on the other side: z becomes the vapour, K -> 1/K
             tr.dew = !tr.dew;
             for (int i = 0; i < n; ++i) nxt.X[i] = -nxt.X[i];
-            if (tr.solve(nxt, spec, nxt.X[spec]) < 0) return 450;
-            if (!tr.sensitivity(nxt, spec, nsens)) return 450;
-            if (spec < n) ds = -ds;
+            if (tr.solve(nxt, fixed, nxt.X[fixed]) < 0) return 450;
+            if (!tr.sensitivity(nxt, fixed, nsens)) return 450;
+            if (fixed < n) ds = -ds;
         }
 
         // cricondentherm and cricondenbar: d ln T/dS or d ln P/dS changes sign along the path
@@ -266,17 +266,17 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
             if (!(ga > 0.0 && gb <= 0.0)) continue;
             // regula falsi (Illinois) on S for the zero of the derivative between the two
             // points; the extreme value is quadratic in the error of S, so S to 1e-7 suffices
-            double sa = cur.X[spec], sb = nxt.X[spec], fa = sens[q], fb = nsens[q];
+            double sa = cur.X[fixed], sb = nxt.X[fixed], fa = sens[q], fb = nsens[q];
             point pm = nxt;
             double best = std::exp(nxt.X[q]), other = std::exp(nxt.X[q == n ? n + 1 : n]);
             int side = 0;
             for (int it = 0; it < 12 && std::abs(sb - sa) > 1e-7 * (1.0 + std::abs(sa)); ++it) {
                 const double sm = sa - fa * (sb - sa) / (fb - fa);
                 if (!(std::min(sa, sb) < sm && sm < std::max(sa, sb))) break;
-                for (int j = 0; j < n + 2; ++j) pm.X[j] = cur.X[j] + sens[j] * (sm - cur.X[spec]);
-                if (tr.solve(pm, spec, sm) < 0) break;
+                for (int j = 0; j < n + 2; ++j) pm.X[j] = cur.X[j] + sens[j] * (sm - cur.X[fixed]);
+                if (tr.solve(pm, fixed, sm) < 0) break;
                 xvec dm;
-                if (!tr.sensitivity(pm, spec, dm)) break;
+                if (!tr.sensitivity(pm, fixed, dm)) break;
                 if (std::exp(pm.X[q]) > best) {
                     best = std::exp(pm.X[q]);
                     other = std::exp(pm.X[q == n ? n + 1 : n]);
