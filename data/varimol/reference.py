@@ -1108,6 +1108,111 @@ def self_check():
     print('self-check passed')
 
 
+# --------------------------------------------------------------------------
+# Critical points of mixtures: the conditions of Heidemann and Khalil (AIChE J.
+# 26 (1980) 769) written with the determinant of Q_ij = d ln f_i/d n_j at
+# constant T and V, and solved for (T, V) simultaneously by Newton's method with
+# a difference Jacobian.  The null vector comes from a singular-value
+# decomposition; the cubic form is the s-derivative of dn^T Q(z + s dn) dn,
+# from central differences extrapolated by Richardson's rule.
+# --------------------------------------------------------------------------
+def q_tv(m, T, V, n):
+    F = m.helmholtz(T, V, n)
+    Q = F.H[2:, 2:].copy()
+    Q[np.diag_indices(m.N)] += 1.0 / np.asarray(n, dtype=float)
+    return Q
+
+
+def critical_conditions(m, z, T, V):
+    z = np.asarray(z, dtype=float)
+    Q = q_tv(m, T, V, z)
+    s = np.sqrt(z)
+    Bs = Q * np.outer(s, s)
+    det = np.linalg.det(Bs)
+    _, _, vt = np.linalg.svd(Bs)
+    u = vt[-1]
+    dn = s * u
+    if dn.sum() < 0.0:
+        dn = -dn
+
+    def b(h):
+        return dn @ q_tv(m, T, V, z + h * dn) @ dn
+
+    def d1(h):
+        return (b(h) - b(-h)) / (2.0 * h)
+    h = 1e-3 * min(1.0, float(np.sqrt(z.min())))
+    c = (4.0 * d1(h / 2.0) - d1(h)) / 3.0
+    return det, c
+
+
+def critical_point(m, z, T0=None, V0=None):
+    z = np.asarray(z, dtype=float)
+    bm = float(np.dot(z, m.b))
+    T = T0 if T0 else float(np.dot(z, m.tc))
+    lv = math.log(V0 if V0 else 4.0 * bm)
+    for it in range(100):
+        f0 = np.array(critical_conditions(m, z, T, math.exp(lv)))
+        J = np.empty((2, 2))
+        for k, (dT, dl) in enumerate(((1e-6 * T, 0.0), (0.0, 1e-6))):
+            fp = np.array(critical_conditions(m, z, T + dT, math.exp(lv + dl)))
+            fm = np.array(critical_conditions(m, z, T - dT, math.exp(lv - dl)))
+            J[:, k] = (fp - fm) / (2.0 * (dT + dl))
+        step = np.linalg.solve(J, -f0)
+        lam = min(1.0, 0.1 * T / max(abs(step[0]), 1e-300), 0.3 / max(abs(step[1]), 1e-300))
+        T += lam * step[0]
+        lv += lam * step[1]
+        if abs(step[0]) < 1e-11 * T and abs(step[1]) < 1e-11:
+            break
+    else:
+        raise RuntimeError('critical point: no convergence')
+    V = math.exp(lv)
+    F = m.helmholtz(T, V, z)
+    p = R * T * (1.0 / V - float(F.g[1]))
+    # a critical point lies on the limit of stability: one zero eigenvalue, the others positive
+    ev = np.linalg.eigvalsh(q_tv(m, T, V, z) * np.outer(np.sqrt(z), np.sqrt(z)))
+    assert abs(ev[0]) < 1e-8 * max(1.0, ev[-1]) and (len(ev) == 1 or ev[1] > 0.0), ev
+    return T, p, V
+
+
+CRITICAL_CASES = [
+    # (model, components, mole fractions)
+    ('PRSV', ['CH4', 'C2H6'], [0.85, 0.15]),
+    ('PRSV', ['CH4', 'C2H6'], [0.5, 0.5]),
+    ('PR', ['CH4', 'C2H6'], [0.3, 0.7]),
+    ('SRK', ['CH4', 'C3H8'], [0.6, 0.4]),
+    ('PRSV', ['N2', 'O2', 'Ar'], [0.7812, 0.2096, 0.0092]),
+    ('PRSV', ['CH4', 'C2H6', 'C3H8', 'N2', 'CO2'], [0.90, 0.05, 0.02, 0.02, 0.01]),
+    ('PRSV', ['CH4', 'C2H6', 'C3H8', 'N2', 'CO2'], [0.85, 0.06, 0.03, 0.04, 0.02]),
+    ('PRSV', ['CH4', 'nC10'], [0.9999, 0.0001]),
+    ('PRSV', ['CH4', 'nC6'], [0.7, 0.3]),
+    ('PRSV', ['CO2', 'C3H8'], [0.5, 0.5]),
+    ('PRSV', ['R32', 'R125'], [0.7, 0.3]),
+    ('SRK', ['R32', 'R125'], [0.5, 0.5]),
+]
+
+
+def table_critical():
+    rows = []
+    for model, names, z in CRITICAL_CASES:
+        m = Model(model, names)
+        tpc = float(np.dot(z, m.tc))
+        for f in (1.0, 1.25, 1.5):     # starts along the temperature from Kay's rule
+            try:
+                T, p, V = critical_point(m, z, T0=f * tpc)
+                break
+            except (RuntimeError, np.linalg.LinAlgError, AssertionError, ValueError):
+                continue
+        else:
+            raise RuntimeError('critical point of %s not found' % names)
+        row = {'model': model, 'nc': str(len(names))}
+        row.update(padded('fluid', names, fmt=str))
+        row.update(padded('z', z))
+        row.update(dict(Tc_K=r(T), Pc_Pa=r(p), Vc_m3_per_mol=r(V)))
+        rows.append(row)
+    header = ['model', 'nc'] + cols('fluid') + cols('z') + ['Tc_K', 'Pc_Pa', 'Vc_m3_per_mol']
+    write_csv('critical_points.csv', header, rows)
+
+
 def table_inputs():
     """The constants every table was computed with, so a test needs no other file."""
     used = list(PURE_FLUIDS)
@@ -1145,8 +1250,10 @@ def main(which):
         table_bubdew()
     if 'ws' in which:
         table_ws()
+    if 'critical' in which:
+        table_critical()
     print('max residuals:', MAXRES, '%.1f s' % (time.time() - t0))
 
 
 if __name__ == '__main__':
-    main(sys.argv[1:] or ['pure', 'lnphi', 'flash', 'bubdew', 'ws'])
+    main(sys.argv[1:] or ['pure', 'lnphi', 'flash', 'bubdew', 'ws', 'critical'])

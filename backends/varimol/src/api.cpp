@@ -1,11 +1,14 @@
 // The entry points: range checks, mode dispatch, assembly of the outputs, and the codes.
 #include "varimol/varimol.hpp"
 
+#include "equilibrium/critical.hpp"
+#include "equilibrium/envelope.hpp"
 #include "equilibrium/flash_tp.hpp"
 #include "equilibrium/saturation.hpp"
 #include "model/ideal_gas.hpp"
 #include "model/properties.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 namespace varimol {
@@ -413,6 +416,15 @@ void vm3_setfluid(int model_code, const fluid_parameters& fp, const binary_param
                   int n_comps, int& ierr) {
     fluid f;
     ierr = set_fluid(f, model_code, fp, bp, n_comps);
+    if (ierr == 0 && f.n > 1) {
+        // the mixture's critical point replaces the pseudo-critical estimate of set_fluid
+        critical_state c;
+        ierr = critical_point(f, f.z.data(), 0.0, 0.0, c);
+        if (ierr == 0) {
+            f.tcrit = c.T;
+            f.pcrit = c.P;
+        }
+    }
     if (ierr == 0) {
         configured = f;
         is_configured = true;
@@ -541,6 +553,48 @@ void vm3_xy_a_alfa(double aij, double aji, double alfa, double p, double T,
     x = {fr.x[0], fr.x[1]};
     y = {fr.y[0], fr.y[1]};
     ierr = 0;
+}
+
+namespace {
+// writes the envelope's points into the caller's arrays, compositions at the caller's positions
+class span_sink final : public envelope_sink {
+public:
+    span_sink(const fluid& f, int room, std::span<double> T, std::span<double> p,
+              std::span<composition> x, std::span<composition> y)
+        : f_(f), room_(room), T_(T), p_(p), x_(x), y_(y) {}
+    bool add(double T, double P, const vec& x, const vec& y) override {
+        if (count_ >= room_) return false;
+        T_[count_] = T;
+        p_[count_] = P;
+        spread(f_, x, x_[count_]);
+        spread(f_, y, y_[count_]);
+        ++count_;
+        return true;
+    }
+    int count() const { return count_; }
+
+private:
+    const fluid& f_;
+    int room_, count_ = 0;
+    std::span<double> T_, p_;
+    std::span<composition> x_, y_;
+};
+} // namespace
+
+void vm3_phaseenvelope(int& npnts, std::span<double> T, std::span<double> p,
+                       std::span<composition> x, std::span<composition> y, int& ierr) {
+    const std::size_t room =
+        std::min({T.size(), p.size(), x.size(), y.size(),
+                  static_cast<std::size_t>(std::max(npnts, 0))});
+    npnts = 0;
+    if (!is_configured || configured.n < 2) {
+        ierr = 101;
+        return;
+    }
+    span_sink sink(configured, static_cast<int>(room), T, p, x, y);
+    envelope_summary summary;
+    ierr = trace_envelope(configured, 1.0e5, &sink, summary);
+    npnts = sink.count();
 }
 
 void uninit_varimol() {

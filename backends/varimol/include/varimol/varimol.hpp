@@ -34,8 +34,9 @@
 //
 // Limits: Tmin the triple point (0.3 Tc where unknown; for a mixture the mole-fraction average
 // of the components' values), Tmax 5 Tc (the highest Tc of a mixture), 0 < p <= 1000 bar.
-// vm3_fluidinfo gives the exact critical point of a pure fluid; for a mixture the
-// pseudo-critical estimate of Kay's rule (sum x Tc, sum x Pc), not the mixture's critical point.
+// vm3_fluidinfo gives the exact critical point of a pure fluid and, for a mixture, the critical
+// point of the mixture at its composition (the conditions of Heidemann and Khalil), computed
+// when the fluid is configured.
 //
 // Codes (ierr): 0 success; 28 warning (mode -1/-2: the cubic has only the other kind of root,
 // which is returned); 100 mole fractions negative or not adding up to 1 (within 1e-6);
@@ -50,7 +51,11 @@
 // 400-402, 410-412, 420-422, 430-432 bubble/dew pressure/temperature (and interior q, by the
 // nearer end) without convergence (x0, x1) or collapsed onto the trivial solution (x2) - for a
 // mixture this is also the answer above the cricondenbar or cricondentherm;
-// 441 PT flash without convergence; 446 stability test without convergence.
+// 441 PT flash without convergence; 446 stability test without convergence;
+// 300-310 (vm3_setfluid) the critical point of a mixture not found: 301/302 the temperature of
+// the stability limit not bracketed / not converged, 303/304 the volume where the cubic form
+// vanishes not bracketed / not converged, 310 the model not evaluable at a trial state, 300 no
+// positive critical pressure; 450-453 phase envelope (vm3_phaseenvelope).
 // Nothing throws, nothing aborts; no result is NaN when ierr is 0 or 28.
 #include "varimol/parameters.hpp"
 
@@ -66,10 +71,10 @@ using composition = std::array<double, max_components>;
 void varimol_sub();
 // Version numbers of the back-end.
 void vm3_getversion(std::array<int, 4>& version);
-// Configures the fluid. ierr 0, 100 or 101; on failure the previous fluid stays configured.
+// Configures the fluid. ierr 0, 100, 101 or 300-310; on failure the previous fluid stays configured.
 void vm3_setfluid(int model_code, const fluid_parameters& fluidparameters,
                   const binary_parameters& binaryparameters, int n_comps, int& ierr);
-// Molar mass (kg/mol), critical point (K, Pa; a pseudo-critical estimate for mixtures) and
+// Molar mass (kg/mol), critical point (K, Pa; of the mixture at its composition) and
 // temperature limits (K) of the configured fluid; all 0 when none is configured.
 void vm3_fluidinfo(double& mmol, double& tcrit, double& pcrit, double& tmin, double& tmax);
 // The fluids this back-end can load by name: none of its own (ncomps = 0); the fluid texts are
@@ -92,6 +97,14 @@ void vm3_psat_k1(double k1, double T, double& psat, int& ierr);
 // tau_12 = aij, tau_21 = aji, alpha = alfa. ierr 0, 101 (not a binary), 441 (no two phases).
 void vm3_xy_a_alfa(double aij, double aji, double alfa, double p, double T,
                    std::array<double, 2>& x, std::array<double, 2>& y, int& ierr);
+// The phase envelope of the configured mixture, from the bubble point at 1 bar round through
+// the critical point to the dew point at 1 bar: T (K), p (Pa), liquid x and vapour y mole
+// fractions at each point (x = y = z at the critical point). npnts in: room for points (at most
+// the size of the smallest span); out: points written. ierr 0, 101 (no mixture configured),
+// 450 no convergence, 451 no bubble point at 1 bar, 452 more points than room (those traced
+// are returned), 453 the critical point could not be located.
+void vm3_phaseenvelope(int& npnts, std::span<double> T, std::span<double> p,
+                       std::span<composition> x, std::span<composition> y, int& ierr);
 // Releases the configured fluid.
 void uninit_varimol();
 

@@ -261,3 +261,34 @@ void residual_helmholtz(const fluid& f, double T, double v, const double* x, dou
 }
 
 } // namespace varimol
+
+namespace varimol {
+
+int fugacity_derivatives_tv(const fluid& f, const temperature_terms<double>& t, double V,
+                            const double* x, double& P, mat& Q) {
+    const int nc = f.n;
+    mixture_terms<double> m;
+    second_terms s2;
+    mix(f, t, x, m, &s2);
+    const double T = t.T, B = m.B, D = m.D;
+    if (!(V > B) || !std::isfinite(V)) return 109;
+    const volume_terms<double> w = volume_functions(f.eos, B, V);
+    // F = -n g - D/T f; at constant V the amounts enter through n, B and D
+    const double gBB = -1.0 / ((V - B) * (V - B));
+    const double fBV = -(2.0 * w.fV + V * w.fVV) / B;
+    const double fBB = -(2.0 * w.fB + V * fBV) / B;
+    P = R * T * (1.0 / V + w.gV + D / T * w.fV);
+    for (int i = 0; i < nc; ++i)
+        for (int j = 0; j <= i; ++j) {
+            const double bi = m.Bi[i], bj = m.Bi[j], di = m.Di[i], dj = m.Di[j];
+            const double bij = s2.Bij[i * mc + j], dij = s2.Dij[i * mc + j];
+            const double Fij = -w.gB * (bi + bj) - gBB * bi * bj - w.gB * bij -
+                               (dij * w.f + (di * bj + dj * bi) * w.fB +
+                                D * (fBB * bi * bj + w.fB * bij)) /
+                                   T;
+            Q[i * mc + j] = Q[j * mc + i] = Fij + (i == j ? 1.0 / x[i] : 0.0);
+        }
+    return 0;
+}
+
+} // namespace varimol

@@ -51,3 +51,14 @@ void residual_helmholtz(const fluid& f, double T, double v, const double* x, dou
                         double& FT, double& FV, vec& Fn);
 
 } // namespace varimol
+
+namespace varimol {
+
+// At constant T and volume: the pressure (Pa) and Q_ij = d ln f_i/d n_j (1/mol) for one mole of
+// composition x in the molar volume v (m3/mol), f_i the fugacities. Q is the Hessian of
+// A/(RT) in the amounts at constant T, V, the matrix of the critical-point conditions.
+// Returns 0, or 109 when v is not above the covolume.
+int fugacity_derivatives_tv(const fluid& f, const temperature_terms<double>& t, double v,
+                            const double* x, double& P, mat& Q);
+
+} // namespace varimol
