@@ -417,10 +417,11 @@ void vm3_setfluid(int model_code, const fluid_parameters& fp, const binary_param
     fluid f;
     ierr = set_fluid(f, model_code, fp, bp, n_comps);
     if (ierr == 0 && f.n > 1) {
-        // the mixture's critical point replaces the pseudo-critical estimate of set_fluid
+        // The mixture's critical point replaces the pseudo-critical estimate of set_fluid. A
+        // mixture without a critical point of positive pressure (a light gas with a trace of a
+        // heavy one) keeps the estimate: it is still a fluid whose states can be computed.
         critical_state c;
-        ierr = critical_point(f, f.z.data(), 0.0, 0.0, c);
-        if (ierr == 0) {
+        if (critical_point(f, f.z.data(), 0.0, 0.0, c) == 0) {
             f.tcrit = c.T;
             f.pcrit = c.P;
         }

@@ -36,7 +36,8 @@
 // of the components' values), Tmax 5 Tc (the highest Tc of a mixture), 0 < p <= 1000 bar.
 // vm3_fluidinfo gives the exact critical point of a pure fluid and, for a mixture, the critical
 // point of the mixture at its composition (the conditions of Heidemann and Khalil), computed
-// when the fluid is configured.
+// when the fluid is configured; where none with a positive pressure is found, the
+// pseudo-critical point of Kay's rule (sum x Tc, sum x Pc) stands in.
 //
 // Codes (ierr): 0 success; 28 warning (mode -1/-2: the cubic has only the other kind of root,
 // which is returned); 100 mole fractions negative or not adding up to 1 (within 1e-6);
@@ -52,10 +53,7 @@
 // nearer end) without convergence (x0, x1) or collapsed onto the trivial solution (x2) - for a
 // mixture this is also the answer above the cricondenbar or cricondentherm;
 // 441 PT flash without convergence; 446 stability test without convergence;
-// 300-310 (vm3_setfluid) the critical point of a mixture not found: 301/302 the temperature of
-// the stability limit not bracketed / not converged, 303/304 the volume where the cubic form
-// vanishes not bracketed / not converged, 310 the model not evaluable at a trial state, 300 no
-// positive critical pressure; 450-453 phase envelope (vm3_phaseenvelope).
+// 450-453 phase envelope (vm3_phaseenvelope).
 // Nothing throws, nothing aborts; no result is NaN when ierr is 0 or 28.
 #include "varimol/parameters.hpp"
 
@@ -71,7 +69,7 @@ using composition = std::array<double, max_components>;
 void varimol_sub();
 // Version numbers of the back-end.
 void vm3_getversion(std::array<int, 4>& version);
-// Configures the fluid. ierr 0, 100, 101 or 300-310; on failure the previous fluid stays configured.
+// Configures the fluid. ierr 0, 100 or 101; on failure the previous fluid stays configured.
 void vm3_setfluid(int model_code, const fluid_parameters& fluidparameters,
                   const binary_parameters& binaryparameters, int n_comps, int& ierr);
 // Molar mass (kg/mol), critical point (K, Pa; of the mixture at its composition) and
