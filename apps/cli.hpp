@@ -93,5 +93,6 @@ int run_info(const command_line& cl);
 int run_fluids(const command_line& cl);
 int run_units(const command_line& cl);
 int run_models(const command_line& cl);
+int run_envelope(const command_line& cl);
 
 } // namespace cli

@@ -162,6 +162,30 @@ int run_models(const command_line& cl) {
     return exit_ok;
 }
 
+int run_envelope(const command_line& cl) {
+    expect_arguments(cl, 0, "no arguments");
+    select(cl.fluid);
+    constexpr int room = 1000;
+    std::vector<double> t(room), p(room);
+    std::vector<zp_common::composition> x(room), y(room);
+    int npnts = room;
+    std::string errormsg;
+    zentropia_base::zp_saturationline(npnts, t, p, x, y, errormsg);
+    check(errormsg);
+    const auto ncmp = cl.fluid.components.size();
+    std::printf("T [K],P [Pa]");
+    for (std::size_t i = 1; i <= ncmp; ++i) std::printf(",x%zu", i);
+    for (std::size_t i = 1; i <= ncmp; ++i) std::printf(",y%zu", i);
+    std::printf("\n");
+    for (int k = 0; k < std::clamp(npnts, 0, room); ++k) {
+        std::printf("%s,%s", readable(t[k]).c_str(), readable(p[k]).c_str());
+        for (std::size_t i = 0; i < ncmp; ++i) std::printf(",%s", readable(x[k][i]).c_str());
+        for (std::size_t i = 0; i < ncmp; ++i) std::printf(",%s", readable(y[k][i]).c_str());
+        std::printf("\n");
+    }
+    return exit_ok;
+}
+
 int run_units(const command_line& cl) {
     expect_arguments(cl, 0, "no arguments");
     select(cl.fluid);

@@ -1,5 +1,5 @@
 // zentropia: thermophysical properties from the command line (calc, props, batch, info, fluids,
-// units). Without a command it shows every property of water at 1 atm and 300 K.
+// models, envelope, units). Without a command it shows every property of water at 1 atm and 300 K.
 #include "cli.hpp"
 #include "zentropia/version.h"
 
@@ -25,6 +25,7 @@ commands:
   fluids                      the fluid names of the fluid table; with --model, what that
                               model computes
   models                      the models and whether each one's back-end library is installed
+  envelope                    the phase envelope of a mixture as CSV (T in K, P in Pa, x, y)
   units                       the unit of every property symbol in the chosen unit set
 
 A state is an INPUTSPEC, the symbols of two properties (PT, Ph, Ps, Td, Pq, Tq ...), and their
@@ -122,6 +123,15 @@ Lists the models a selection can name (--model) and whether the back-end library
 each one is installed.
 )";
 
+constexpr std::string_view envelope_help = R"(usage: zentropia envelope [OPTIONS]
+
+Writes the phase envelope of a mixture as CSV: temperature in K, pressure in Pa and the liquid
+and vapour mole fractions of each component, from low pressure on the bubble side through the
+critical point round to low pressure on the dew side (models with a phase envelope: Varimol).
+
+example: zentropia envelope --model Varimol --fluid methane,ethane --conc 0.85,0.15
+)";
+
 constexpr std::string_view units_help = R"(usage: zentropia units [OPTIONS]
 
 Prints the unit of every property symbol in the chosen unit set, basis and overrides.
@@ -141,6 +151,7 @@ const std::vector<command_spec>& commands() {
         {"info", {}, &run_info, info_help},
         {"fluids", {"--by"}, &run_fluids, fluids_help},
         {"models", {}, &run_models, models_help},
+        {"envelope", {}, &run_envelope, envelope_help},
         {"units", {}, &run_units, units_help},
     };
     return table;

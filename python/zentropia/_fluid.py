@@ -203,6 +203,20 @@ class Fluid:
         result["y"] = y.reshape(shape + (ncmp,))
         return result
 
+    def phase_envelope(self, points=1000):
+        """The phase envelope of a mixture, traced by the model's back-end (Varimol): a dict of
+        arrays "t" (K) and "p" (Pa), from low pressure on the bubble side through the critical
+        point round to low pressure on the dew side, and "x" and "y", the liquid and vapour mole
+        fractions at each point (one column per component). The envelope is in the back-end's
+        units, whatever this fluid's unit set. Raises ZentropiaError for a model without one."""
+        self._select()
+        _, t, p, x, y, errormsg = _core.zp_saturationline(int(points))
+        _check(errormsg)
+        ncmp = len(self.components)
+        return {"t": np.array(t), "p": np.array(p),
+                "x": np.array(x, dtype=float).reshape(len(t), -1)[:, :ncmp],
+                "y": np.array(y, dtype=float).reshape(len(t), -1)[:, :ncmp]}
+
     def info(self):
         """The fluid's constants in its units: m_mol, t_crit, p_crit, t_min, t_max."""
         self._select()

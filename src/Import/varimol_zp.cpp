@@ -202,7 +202,7 @@ constinit const zp_adapter::operations operations{
     .fugacoef = &composition_row<phase_output::fugacity>,
     .zflow_vu = &varimol_zflow_vu,
     .psat_k1 = &varimol_psat_k1,
-    .phaseenvelope = nullptr}; // the phase envelope of the back-end is not built yet
+    .phaseenvelope = &varimol_phaseenvelope};
 
 void varimol_zp_sub() {
     varimol::varimol_sub();
@@ -487,6 +487,16 @@ void varimol_vaporcmp(std::string_view inputspec, double value1, double value2,
 void varimol_fugacoef(std::string_view inputspec, double value1, double value2,
                       zp_adapter::composition& output, int& dim, std::string& errormsg) {
     phase_composition(phase_output::fugacity, inputspec, value1, value2, output, dim, errormsg);
+}
+
+void varimol_phaseenvelope(int& npnts, std::span<double> t, std::span<double> p,
+                           std::span<zp_adapter::composition> x,
+                           std::span<zp_adapter::composition> y, std::string& errormsg) {
+    errormsg = no_errors;
+    int ierr = 0;
+    npnts = static_cast<int>(std::min({t.size(), p.size(), x.size(), y.size()}));
+    varimol::vm3_phaseenvelope(npnts, t, p, x, y, ierr);
+    if (ierr != 0) put_code(ierr, errormsg);
 }
 
 void varimol_psat_k1(double k1, double t, double& psat, std::string& errormsg) {

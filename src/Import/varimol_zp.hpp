@@ -56,6 +56,12 @@ void varimol_vaporcmp(std::string_view inputspec, double value1, double value2,
                       zp_adapter::composition& output, int& dim, std::string& errormsg);
 void varimol_fugacoef(std::string_view inputspec, double value1, double value2,
                       zp_adapter::composition& output, int& dim, std::string& errormsg);
+// the phase envelope of the selected mixture as the back-end traces it: t in K and p in Pa (no
+// unit conversion), x and y the liquid and vapour compositions; npnts the points written (at
+// most the room of the spans)
+void varimol_phaseenvelope(int& npnts, std::span<double> t, std::span<double> p,
+                           std::span<zp_adapter::composition> x,
+                           std::span<zp_adapter::composition> y, std::string& errormsg);
 // saturation pressure psat (bar) at t (°C) of the selected pure fluid under PRSV with kappa1 = k1
 void varimol_psat_k1(double k1, double t, double& psat, std::string& errormsg);
 // binary phase compositions for the NRTL parameters aij, aji, alfa (Wong-Sandler mixing) at
