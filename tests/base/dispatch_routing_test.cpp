@@ -79,7 +79,7 @@ const row rows[] = {
     {nullptr,       "",            "",            "",            "UUIUUUUUCPXKH-UU"},
     {"TPSI",        "TPSI",        "TPSI",        "TPSI",        "RRRRR--ACPXKHELF"},
     {"litevarimol", "liteVarimol", "liteVarimol", "liteVarimol", "RRRRR--ACRXKHERR"},
-    {"VARIMOL",     "Varimol",     "Varimol",     "Varimol",     ".....--AC..KHE.."},
+    {"VARIMOL",     "Varimol",     "Varimol",     "Varimol",     ".....--AC..KH..."},
     {"if97",        "IF97",        "IF97",        "IF97",        ".....--ACPXKHELF"},
     {"Aerolt",      "Aerolt",      "Aerolt",      "Aerolt",      "RRRRR--ACPXKHERF"},
     {"refprop",     "RefProp",     "RefProp",     "RefProp",     "RRRRR--RCPXKHERR"},
