@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 namespace if97_zp {
@@ -80,6 +81,108 @@ void evaluate(std::string_view inputspec, double value1, double value2, std::str
     if97::if97_main(letter1, value1, letter2, value2, list, output, errormsg);
 }
 
+// ---- A part of a state ---------------------------------------------------------------------
+
+// The back-end's code of each output a caller may want, in the order of a list.
+struct wanted_code {
+    unsigned flag;
+    std::string_view code;
+};
+constexpr std::array<wanted_code, 12> wanted_codes{{{zp_adapter::output::p, "p"},
+                                                    {zp_adapter::output::t, "t"},
+                                                    {zp_adapter::output::v, "v"},
+                                                    {zp_adapter::output::h, "h"},
+                                                    {zp_adapter::output::s, "s"},
+                                                    {zp_adapter::output::u, "u"},
+                                                    {zp_adapter::output::q, "x"},
+                                                    {zp_adapter::output::cv, "cv"},
+                                                    {zp_adapter::output::cp, "cp"},
+                                                    {zp_adapter::output::c, "w"},
+                                                    {zp_adapter::output::eta, "dv"},
+                                                    {zp_adapter::output::lambda, "tc"}}};
+// Outputs this back-end's state bundle does not carry (they stay not computed): the pressure
+// derivatives and the surface tension. Density is 1/v.
+constexpr unsigned asked_as_volume = zp_adapter::output::d;
+
+// The list of the back-end codes for a set of outputs, and where each code's value lands.
+struct built_list {
+    unsigned codes = 0; // flags of wanted_codes; 0: not built
+    std::array<char, 48> text{};
+    std::size_t size = 0;
+    std::array<signed char, wanted_codes.size()> slot{};
+};
+
+// The lists built so far: a caller asks a few sets of outputs again and again.
+std::array<built_list, 8> built_lists;
+std::size_t next_built = 0;
+
+const built_list& list_of(unsigned codes) {
+    for (const built_list& b : built_lists)
+        if (b.codes == codes) return b;
+    built_list& b = built_lists[next_built];
+    next_built = (next_built + 1) % built_lists.size();
+    b = built_list{};
+    b.codes = codes;
+    int count = 0;
+    for (std::size_t k = 0; k < wanted_codes.size(); ++k) {
+        b.slot[k] = -1;
+        if ((codes & wanted_codes[k].flag) == 0) continue;
+        if (count > 0) b.text[b.size++] = ',';
+        for (const char c : wanted_codes[k].code) b.text[b.size++] = c;
+        b.slot[k] = static_cast<signed char>(count++);
+    }
+    b.text[b.size++] = '.';
+    return b;
+}
+
+// Only (P, T) states are the same whatever else is asked with them: the back-end's iterations
+// carry their last small step when no caloric value is asked, which moves v, h, s and u in their
+// last bits. A part of any other state is therefore asked at the caloric level (with cv), so that
+// it is, to the last bit, the value the whole state has.
+bool same_at_every_level(std::string_view inputspec) {
+    const std::string_view pair = inputspec.substr(0, std::min<std::size_t>(inputspec.size(), 2));
+    return pair == "PT" || pair == "TP";
+}
+
+void evaluate_part(std::string_view inputspec, double value1, double value2, unsigned wanted,
+                   zp_adapter::state_values& out, zp_adapter::composition& x,
+                   zp_adapter::composition& y, std::string& errormsg) {
+    using namespace zp_adapter;
+    unsigned codes = wanted & ~asked_as_volume;
+    if ((wanted & asked_as_volume) != 0) codes |= output::v;
+    if (!same_at_every_level(inputspec)) codes |= output::cv;
+    codes &= output::p | output::t | output::v | output::h | output::s | output::u | output::q |
+             output::cv | output::cp | output::c | output::eta | output::lambda;
+    if (codes == 0) codes = output::p; // nothing this back-end holds: the state must stand alone
+    const built_list& list = list_of(codes);
+    std::array<double, wanted_codes.size()> work;
+    evaluate(inputspec, value1, value2, std::string_view(list.text.data(), list.size),
+             std::span<double>(work.data(), static_cast<std::size_t>(std::popcount(codes))),
+             errormsg);
+    const auto value = [&](std::size_t k) { return work[static_cast<std::size_t>(list.slot[k])]; };
+    if (wanted & output::p) out.p = value(0);
+    if (wanted & output::t) out.t = value(1);
+    if (wanted & output::v) out.v = value(2);
+    if (wanted & output::d) out.d = reciprocal(value(2));
+    if (wanted & output::h) out.h = value(3);
+    if (wanted & output::s) out.s = value(4);
+    if (wanted & output::u) out.u = value(5);
+    if (wanted & output::q) {
+        out.q = value(6);
+        // one component: the liquid and vapour fractions of the state stand in entry 0
+        x.fill(not_set);
+        y.fill(not_set);
+        x[0] = isnotinit(out.q) ? 1.0 - out.q : not_set;
+        y[0] = out.q;
+    }
+    if (wanted & output::cv) out.cv = value(7);
+    if (wanted & output::cp) out.cp = value(8);
+    if (wanted & output::c) out.c = value(9);
+    if (wanted & output::eta) out.eta = value(10);
+    if (wanted & output::lambda) out.lambda = value(11);
+    out.sound = (wanted & (output::cp | output::c)) == (output::cp | output::c);
+}
+
 void allprops_row(std::string_view inputspec, double value1, double value2, double& p, double& t,
                   double& v, double& d, double& h, double& s, double& u, double& q,
                   zp_adapter::composition& x, zp_adapter::composition& y, zp_adapter::composition&,
@@ -107,7 +210,8 @@ constinit const zp_adapter::operations operations{.model = "IF97",
                                                   .fugacoef = nullptr,
                                                   .zflow_vu = nullptr,
                                                   .psat_k1 = nullptr,
-                                                  .phaseenvelope = nullptr};
+                                                  .phaseenvelope = nullptr,
+                                                  .evaluate = &evaluate_part};
 
 void if97_zp_sub() {
     if97::if97_sub();

@@ -21,13 +21,14 @@ composition scratch_x{}, scratch_y{};
 
 } // namespace
 
-void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
-                    composition& x, composition& y, std::string& errormsg) {
-    evaluate_record(zentropia_base::allthermophys, inputspec, zp_input1, zp_input2, r, x, y,
-                    errormsg);
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2,
+                    unsigned wanted, bool derived, state_record& r, composition& x, composition& y,
+                    std::string& errormsg) {
+    zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, wanted, r, x, y, errormsg);
     if (is_refprop_partial(errormsg)) {
         // The state stands; of its derivatives only those of p, v and T alone are computed.
         errormsg = zp_common::no_errors;
+        r.cp = r.c = not_set;
         std::string scratch;
         const double chi = zentropia_derivative::zp_chi(inputspec, zp_input1, zp_input2, scratch);
         if (is_ok(scratch)) r.chi = chi;
@@ -35,10 +36,20 @@ void evaluate_state(std::string_view inputspec, double zp_input1, double zp_inpu
         if (is_ok(scratch)) r.fi = fi;
         return;
     }
+    if (!derived && zentropia_derivative::completion_keeps_state(inputspec, r.q)) return;
+    const zentropia_derivative::backend_sound sound{r.cp, r.c};
+    r.cp = r.c = not_set;
     zentropia_derivative::allderivative(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.q,
                                         r.cv, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2, r.d2pdtdv,
                                         r.dcvdt, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi, r.ksi,
-                                        r.psi, r.zeta, r.theta, r.kappa, r.gamma, errormsg);
+                                        r.psi, r.zeta, r.theta, r.kappa, r.gamma, errormsg,
+                                        r.sound ? &sound : nullptr);
+}
+
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
+                    composition& x, composition& y, std::string& errormsg) {
+    evaluate_state(inputspec, zp_input1, zp_input2, zp_adapter::output::all, true, r, x, y,
+                   errormsg);
 }
 
 void allprops(std::string_view inputspec, double input1, double input2, double& p, double& t,
@@ -97,9 +108,15 @@ void allpropssu2(std::string_view inputspec, double input1, double input2, doubl
                  double& beta, std::string& errormsg) {
     double zp_input1, zp_input2;
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    // One evaluation holds what this bundle and the completion of its derivatives read.
+    namespace out = zp_adapter::output;
+    constexpr unsigned wanted = out::p | out::t | out::v | out::d | out::s | out::u | out::q |
+                                out::cv | out::derivatives | out::cp | out::c;
     state_record r;
-    evaluate_record(zentropia_base::allthermophyssu2, inputspec, zp_input1, zp_input2, r, scratch_x,
-                    scratch_y, errormsg);
+    zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, wanted, r, scratch_x,
+                                       scratch_y, errormsg);
+    const zentropia_derivative::backend_sound sound{r.cp, r.c};
+    r.c = not_set;
     double c_squared = not_set;
     if (is_refprop_partial(errormsg)) {
         // Unlike allprops, the caller sees RefProp's text.
@@ -110,7 +127,7 @@ void allpropssu2(std::string_view inputspec, double input1, double input2, doubl
     } else {
         zentropia_derivative::allderivativesu2(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.q,
                                                r.cv, r.dpdt, r.dpdv, r.c, r.alpha, r.beta,
-                                               errormsg);
+                                               errormsg, r.sound ? &sound : nullptr);
         if (zp_common::isnotinit(r.c)) c_squared = r.c * r.c;
     }
     p = r.p, t = r.t, d = r.d, s = r.s, u = r.u, cv = r.cv, c2 = c_squared;
@@ -126,14 +143,16 @@ void allpropstarn(std::string_view inputspec, double input1, double input2, doub
     double zp_input1, zp_input2;
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
     state_record r;
-    evaluate_record(zentropia_base::allthermophys, inputspec, zp_input1, zp_input2, r, scratch_x,
-                    scratch_y, errormsg);
+    zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, zp_adapter::output::all, r,
+                                       scratch_x, scratch_y, errormsg);
+    const zentropia_derivative::backend_sound sound{r.cp, r.c};
+    r.cp = r.c = not_set;
     if (is_refprop_partial(errormsg))
         errormsg = zp_common::no_errors;
     else
         zentropia_derivative::allderivativetarn(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.q,
                                                 r.cv, r.dpdt, r.dpdv, r.cp, r.c, r.alpha, r.beta,
-                                                r.zeta, errormsg);
+                                                r.zeta, errormsg, r.sound ? &sound : nullptr);
     p = r.p, t = r.t, v = r.v, d = r.d, h = r.h, s = r.s, u = r.u, cv = r.cv, cp = r.cp;
     c = r.c, alpha = r.alpha, beta = r.beta, zeta = r.zeta, eta = r.eta, lambda = r.lambda;
     alloutputconvtarn(p, t, v, d, h, s, u, cv, cp, c, alpha, beta, zeta, eta, lambda);

@@ -21,45 +21,90 @@ constexpr std::size_t symbol_length = 10;
 // Property keywords are compared as texts of 32 characters.
 constexpr std::size_t keyword_length = 32;
 
+// How a keyword's value is found: the outputs of the state it needs, whether it is one of the
+// derivative properties completed from the state, and the unit row it is converted by (none: the
+// value is dimensionless or a pressure derivative, returned as computed).
+enum class completed : bool { no, yes };
+constexpr int no_row = -1;
+
 struct keyword {
     std::string_view long_form; // empty where the property has only the short form
     std::string_view short_form;
     double state_record::*value;
+    unsigned needs;
+    completed derived;
+    int row;
 };
 
+constexpr int row_of(unit_row row) {
+    return static_cast<int>(row);
+}
+
+namespace out = zp_adapter::output;
+using enum completed;
+using enum unit_row;
+
 // Tried in this order; the first row whose long or short form matches answers.
+// clang-format off
 constexpr std::array<keyword, 30> keywords{{
-    {"pressure", "p", &state_record::p},
-    {"temperature", "t", &state_record::t},
-    {"specvolume", "v", &state_record::v},
-    {"density", "d", &state_record::d},
-    {"enthalpy", "h", &state_record::h},
-    {"entropy", "s", &state_record::s},
-    {"intenergy", "u", &state_record::u},
-    {"vaporqual", "q", &state_record::q},
-    {"heatcapv", "cv", &state_record::cv},
-    {"heatcapp", "cp", &state_record::cp},
-    {"soundspeed", "c", &state_record::c},
-    {"", "alpha", &state_record::alpha},
-    {"", "beta", &state_record::beta},
-    {"", "chi", &state_record::chi},
-    {"", "fi", &state_record::fi},
-    {"", "ksi", &state_record::ksi},
-    {"", "psi", &state_record::psi},
-    {"", "zeta", &state_record::zeta},
-    {"", "theta", &state_record::theta},
-    {"", "kappa", &state_record::kappa},
-    {"", "gamma", &state_record::gamma},
-    {"viscosity", "eta", &state_record::eta},
-    {"thermcond", "lambda", &state_record::lambda},
-    {"surftens", "sigma", &state_record::sigma},
-    {"", "dpdt", &state_record::dpdt},
-    {"", "dpdv", &state_record::dpdv},
-    {"", "d2pdt2", &state_record::d2pdt2},
-    {"", "d2pdv2", &state_record::d2pdv2},
-    {"", "d2pdtdv", &state_record::d2pdtdv},
-    {"", "dcvdt", &state_record::dcvdt},
+    {"pressure",    "p",       &state_record::p,       out::p,           no,  row_of(P)},
+    {"temperature", "t",       &state_record::t,       out::t,           no,  row_of(T)},
+    {"specvolume",  "v",       &state_record::v,       out::v,           no,  row_of(v)},
+    {"density",     "d",       &state_record::d,       out::d,           no,  row_of(d)},
+    {"enthalpy",    "h",       &state_record::h,       out::h,           no,  row_of(h)},
+    {"entropy",     "s",       &state_record::s,       out::s,           no,  row_of(s)},
+    {"intenergy",   "u",       &state_record::u,       out::u,           no,  row_of(u)},
+    {"vaporqual",   "q",       &state_record::q,       out::q,           no,  no_row},
+    {"heatcapv",    "cv",      &state_record::cv,      out::cv,          no,  row_of(cv)},
+    {"heatcapp",    "cp",      &state_record::cp,      out::cp,          yes, row_of(cp)},
+    {"soundspeed",  "c",       &state_record::c,       out::c,           yes, row_of(c)},
+    {"",            "alpha",   &state_record::alpha,   0,                yes, row_of(alpha)},
+    {"",            "beta",    &state_record::beta,    0,                yes, row_of(beta)},
+    {"",            "chi",     &state_record::chi,     0,                yes, row_of(chi)},
+    {"",            "fi",      &state_record::fi,      0,                yes, row_of(fi)},
+    {"",            "ksi",     &state_record::ksi,     0,                yes, row_of(ksi)},
+    {"",            "psi",     &state_record::psi,     0,                yes, row_of(psi)},
+    {"",            "zeta",    &state_record::zeta,    0,                yes, row_of(zeta)},
+    {"",            "theta",   &state_record::theta,   0,                yes, row_of(theta)},
+    {"",            "kappa",   &state_record::kappa,   0,                yes, row_of(kappa)},
+    {"",            "gamma",   &state_record::gamma,   0,                yes, no_row},
+    {"viscosity",   "eta",     &state_record::eta,     out::eta,         no,  row_of(eta)},
+    {"thermcond",   "lambda",  &state_record::lambda,  out::lambda,      no,  row_of(lambda)},
+    {"surftens",    "sigma",   &state_record::sigma,   out::sigma,       no,  row_of(sigma)},
+    {"",            "dpdt",    &state_record::dpdt,    out::derivatives, no,  no_row},
+    {"",            "dpdv",    &state_record::dpdv,    out::derivatives, no,  no_row},
+    {"",            "d2pdt2",  &state_record::d2pdt2,  out::derivatives, no,  no_row},
+    {"",            "d2pdv2",  &state_record::d2pdv2,  out::derivatives, no,  no_row},
+    {"",            "d2pdtdv", &state_record::d2pdtdv, out::derivatives, no,  no_row},
+    {"",            "dcvdt",   &state_record::dcvdt,   out::derivatives, no,  no_row},
 }};
+// clang-format on
+
+// What the derivative completion reads of a state.
+constexpr unsigned completion_reads =
+    out::p | out::t | out::v | out::d | out::q | out::cv | out::derivatives;
+
+// The part of the state one keyword's value needs, and whether the completion must run, for the
+// way the selected model completes its states.
+struct evaluation_plan {
+    unsigned wanted;
+    bool derived;
+};
+evaluation_plan plan_of(const keyword& k) {
+    using zentropia_derivative::completion;
+    switch (zentropia_derivative::completion_of_selection()) {
+    case completion::backend_cp_c:
+        // cp and c are the back-end's own values of the state; the completion computes nothing
+        // else, so the other derivative properties stay not computed.
+        return {k.needs, false};
+    case completion::formulas:
+        // the quality tells whether the completion may be left out (single-phase states)
+        return k.derived == yes ? evaluation_plan{completion_reads | k.needs, true}
+                                : evaluation_plan{k.needs | out::q, false};
+    default:
+        return {out::all, true};
+    }
+}
 
 // text equals the lower-case word when ASCII letters are lowered
 bool equals_lowered(std::string_view text, std::string_view word) {
@@ -178,18 +223,21 @@ double calcprop(std::string_view propspec, std::string_view inputspec, double in
                 std::string& errormsg) {
     double zp_input1, zp_input2;
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
-    state_record r;
-    evaluate_state(inputspec, zp_input1, zp_input2, r, work_x, work_y, errormsg);
-    alloutputconv(r.p, r.t, r.v, r.d, r.h, r.s, r.u, r.cv, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi,
-                  r.ksi, r.psi, r.zeta, r.theta, r.kappa, r.eta, r.lambda);
-    to_caller(zentropia_units::convfact(), unit_row::sigma, r.sigma);
-    if (!is_ok(errormsg)) return not_set;
+    // The state is evaluated first: an unknown keyword is reported only for a state that stands,
+    // whose failures are then those of the whole state.
     const keyword* k = find_keyword(propspec);
+    const evaluation_plan plan = k != nullptr ? plan_of(*k) : evaluation_plan{out::all, true};
+    state_record r;
+    evaluate_state(inputspec, zp_input1, zp_input2, plan.wanted, plan.derived, r, work_x, work_y,
+                   errormsg);
+    if (!is_ok(errormsg)) return not_set;
     if (k == nullptr) {
         errormsg = "Unknown property specified...";
         return not_set;
     }
-    return r.*(k->value);
+    double value = r.*(k->value);
+    if (k->row != no_row) to_caller(zentropia_units::convfact(), unit_row(k->row), value);
+    return value;
 }
 
 void modelica_p(double p, double& d_liq, double& d_vap, double& h_liq, double& h_vap, double& t_sat,
