@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 
 namespace if97_zp {
@@ -110,6 +109,7 @@ struct built_list {
     std::array<char, 48> text{};
     std::size_t size = 0;
     std::array<signed char, wanted_codes.size()> slot{};
+    std::size_t count = 0; // values the list asks for
 };
 
 // The lists built so far: a caller asks a few sets of outputs again and again.
@@ -117,9 +117,12 @@ std::array<built_list, 8> built_lists;
 std::size_t next_built = 0;
 
 const built_list& list_of(unsigned codes) {
+    static const built_list* last = &built_lists[0];
+    if (last->codes == codes) return *last;
     for (const built_list& b : built_lists)
-        if (b.codes == codes) return b;
+        if (b.codes == codes) return *(last = &b);
     built_list& b = built_lists[next_built];
+    last = &b;
     next_built = (next_built + 1) % built_lists.size();
     b = built_list{};
     b.codes = codes;
@@ -132,6 +135,7 @@ const built_list& list_of(unsigned codes) {
         b.slot[k] = static_cast<signed char>(count++);
     }
     b.text[b.size++] = '.';
+    b.count = static_cast<std::size_t>(count);
     return b;
 }
 
@@ -155,10 +159,14 @@ void evaluate_part(std::string_view inputspec, double value1, double value2, uns
              output::cv | output::cp | output::c | output::eta | output::lambda;
     if (codes == 0) codes = output::p; // nothing this back-end holds: the state must stand alone
     const built_list& list = list_of(codes);
+    // The back-end writes every entry of the list (-8888.8 all through when it fails) and the
+    // message, "No errors" included.
     std::array<double, wanted_codes.size()> work;
-    evaluate(inputspec, value1, value2, std::string_view(list.text.data(), list.size),
-             std::span<double>(work.data(), static_cast<std::size_t>(std::popcount(codes))),
-             errormsg);
+    const auto letter1 = input_letter(inputspec, 0, value1);
+    const auto letter2 = input_letter(inputspec, 1, value2);
+    if97::if97_main(letter1, value1, letter2, value2,
+                    std::string_view(list.text.data(), list.size),
+                    std::span<double>(work.data(), list.count), errormsg);
     const auto value = [&](std::size_t k) { return work[static_cast<std::size_t>(list.slot[k])]; };
     if (wanted & output::p) out.p = value(0);
     if (wanted & output::t) out.t = value(1);

@@ -354,7 +354,9 @@ void allthermophys_part(std::string_view inputspec, double input1, double input2
                         zp_adapter::state_values& out, zp_common::composition& usr_x,
                         zp_common::composition& usr_y, std::string& errormsg) {
     out.sigma = not_set; // stays when the back-end has no surface tension
-    copy_in(usr_x, usr_y);
+    // The phase compositions come with the quality.
+    const bool compositions = (wanted & zp_adapter::output::q) != 0;
+    if (compositions) copy_in(usr_x, usr_y);
     if (alias_ops == nullptr || alias_ops->allprops == nullptr) {
         errormsg = model_name_unknown;
     } else if (finite_inputs(input1, input2, errormsg)) {
@@ -366,6 +368,7 @@ void allthermophys_part(std::string_view inputspec, double input1, double input2
                                 out.dpdv, out.d2pdt2, out.d2pdv2, out.d2pdtdv, out.dcvdt, out.eta,
                                 out.lambda, out.sigma, errormsg);
     }
+    if (!compositions) return;
     spread(work_x, usr_x, named->keeps_zero_components);
     spread(work_y, usr_y, named->keeps_zero_components);
 }

@@ -402,9 +402,14 @@ bool is_single_phase(std::string_view inputspec, double q) {
 }
 
 completion completion_of_selection() {
-    if (alias_is(model_id::mesheq)) return completion::backend_all;
-    if (alias_is(model_id::if97)) return completion::backend_cp_c;
-    return completion::formulas;
+    switch (zentropia_base::selected_alias()) {
+    case model_id::mesheq:
+        return completion::backend_all;
+    case model_id::if97:
+        return completion::backend_cp_c;
+    default:
+        return completion::formulas;
+    }
 }
 
 bool completion_keeps_state(std::string_view inputspec, double q) {

@@ -232,13 +232,16 @@ void alloutputconv(double& p, double& t, double& v, double& d, double& h, double
                    double& fi, double& ksi, double& psi, double& zeta, double& theta, double& kappa,
                    double& eta, double& lambda) {
     const auto& cf = zentropia_units::convfact();
-    to_caller(cf, {{unit_row::P, p},         {unit_row::T, t},         {unit_row::v, v},
-                   {unit_row::d, d},         {unit_row::h, h},         {unit_row::s, s},
-                   {unit_row::u, u},         {unit_row::cp, cp},       {unit_row::cv, cv},
-                   {unit_row::c, c},         {unit_row::alpha, alpha}, {unit_row::beta, beta},
-                   {unit_row::chi, chi},     {unit_row::fi, fi},       {unit_row::ksi, ksi},
-                   {unit_row::psi, psi},     {unit_row::zeta, zeta},   {unit_row::theta, theta},
-                   {unit_row::kappa, kappa}, {unit_row::eta, eta},     {unit_row::lambda, lambda}});
+    to_caller(cf, unit_row::P, p), to_caller(cf, unit_row::T, t), to_caller(cf, unit_row::v, v);
+    to_caller(cf, unit_row::d, d), to_caller(cf, unit_row::h, h), to_caller(cf, unit_row::s, s);
+    to_caller(cf, unit_row::u, u), to_caller(cf, unit_row::cp, cp);
+    to_caller(cf, unit_row::cv, cv), to_caller(cf, unit_row::c, c);
+    to_caller(cf, unit_row::alpha, alpha), to_caller(cf, unit_row::beta, beta);
+    to_caller(cf, unit_row::chi, chi), to_caller(cf, unit_row::fi, fi);
+    to_caller(cf, unit_row::ksi, ksi), to_caller(cf, unit_row::psi, psi);
+    to_caller(cf, unit_row::zeta, zeta), to_caller(cf, unit_row::theta, theta);
+    to_caller(cf, unit_row::kappa, kappa), to_caller(cf, unit_row::eta, eta);
+    to_caller(cf, unit_row::lambda, lambda);
 }
 
 void alloutputconvsu2(double& p, double& t, double& d, double& s, double& u, double& cv, double& c2,

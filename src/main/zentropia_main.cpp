@@ -8,6 +8,7 @@
 #include "units/zentropia_units.hpp"
 
 #include <array>
+#include <cstring>
 
 namespace zentropia_main {
 namespace {
@@ -123,6 +124,22 @@ const keyword* find_keyword(std::string_view propspec) {
     return nullptr;
 }
 
+// The keyword of the last call found in the table: callers ask one property again and again.
+const keyword* remembered_keyword(std::string_view propspec) {
+    static std::array<char, keyword_length> text{};
+    static std::size_t size = 0;
+    static const keyword* last = nullptr;
+    if (last != nullptr && propspec.size() == size &&
+        std::memcmp(propspec.data(), text.data(), size) == 0)
+        return last;
+    const keyword* k = find_keyword(propspec);
+    if (k != nullptr && propspec.size() <= text.size()) {
+        std::memcpy(text.data(), propspec.data(), propspec.size());
+        size = propspec.size(), last = k;
+    }
+    return k;
+}
+
 // The unit row of each one-character property symbol (the letters of an input specification),
 // read once from the unit module's symbol table; -1 for a character that is no symbol.
 const std::array<signed char, 128>& letter_rows() {
@@ -225,7 +242,7 @@ double calcprop(std::string_view propspec, std::string_view inputspec, double in
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
     // The state is evaluated first: an unknown keyword is reported only for a state that stands,
     // whose failures are then those of the whole state.
-    const keyword* k = find_keyword(propspec);
+    const keyword* k = remembered_keyword(propspec);
     const evaluation_plan plan = k != nullptr ? plan_of(*k) : evaluation_plan{out::all, true};
     state_record r;
     evaluate_state(inputspec, zp_input1, zp_input2, plan.wanted, plan.derived, r, work_x, work_y,
