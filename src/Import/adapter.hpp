@@ -68,7 +68,8 @@ inline constexpr unsigned p = 1u << 0, t = 1u << 1, v = 1u << 2, d = 1u << 3, h 
 inline constexpr unsigned all = (1u << 15) - 1;
 } // namespace output
 
-// the part `wanted` (output flags) of a state; the rest of `out` stays as it was
+// the part `wanted` (output flags) of a state; values asked along with it may be delivered too,
+// the rest of `out` stays as it was
 using evaluate_op = void (*)(std::string_view inputspec, double value1, double value2,
                              unsigned wanted, state_values& out, composition& x, composition& y,
                              std::string& errormsg);

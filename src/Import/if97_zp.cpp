@@ -57,13 +57,14 @@ std::string_view output_list(std::string_view outputspec, std::array<char, list_
 // The back-end works with specific volume and vapour fraction: density inputs become 1/d, the
 // quality letter "q" becomes "x".
 std::string_view input_letter(std::string_view inputspec, std::size_t i, double& value) {
-    const auto letter = i < inputspec.size() ? inputspec.substr(i, 1) : std::string_view(" ");
-    if (letter == "d") {
+    if (i >= inputspec.size()) return " ";
+    const char letter = inputspec[i];
+    if (letter == 'd') {
         value = 1.0 / value;
         return "v";
     }
-    if (i == 1 && letter == "q") return "x";
-    return letter;
+    if (i == 1 && letter == 'q') return "x";
+    return inputspec.substr(i, 1);
 }
 
 double reciprocal(double value) {
@@ -82,23 +83,27 @@ void evaluate(std::string_view inputspec, double value1, double value2, std::str
 
 // ---- A part of a state ---------------------------------------------------------------------
 
-// The back-end's code of each output a caller may want, in the order of a list.
+// The back-end's code of each output a caller may want, in the order of a list, and where its
+// value goes.
 struct wanted_code {
     unsigned flag;
     std::string_view code;
+    double zp_adapter::state_values::*value;
 };
-constexpr std::array<wanted_code, 12> wanted_codes{{{zp_adapter::output::p, "p"},
-                                                    {zp_adapter::output::t, "t"},
-                                                    {zp_adapter::output::v, "v"},
-                                                    {zp_adapter::output::h, "h"},
-                                                    {zp_adapter::output::s, "s"},
-                                                    {zp_adapter::output::u, "u"},
-                                                    {zp_adapter::output::q, "x"},
-                                                    {zp_adapter::output::cv, "cv"},
-                                                    {zp_adapter::output::cp, "cp"},
-                                                    {zp_adapter::output::c, "w"},
-                                                    {zp_adapter::output::eta, "dv"},
-                                                    {zp_adapter::output::lambda, "tc"}}};
+using sv = zp_adapter::state_values;
+namespace out = zp_adapter::output;
+constexpr std::array<wanted_code, 12> wanted_codes{{{out::p, "p", &sv::p},
+                                                    {out::t, "t", &sv::t},
+                                                    {out::v, "v", &sv::v},
+                                                    {out::h, "h", &sv::h},
+                                                    {out::s, "s", &sv::s},
+                                                    {out::u, "u", &sv::u},
+                                                    {out::q, "x", &sv::q},
+                                                    {out::cv, "cv", &sv::cv},
+                                                    {out::cp, "cp", &sv::cp},
+                                                    {out::c, "w", &sv::c},
+                                                    {out::eta, "dv", &sv::eta},
+                                                    {out::lambda, "tc", &sv::lambda}}};
 // Outputs this back-end's state bundle does not carry (they stay not computed): the pressure
 // derivatives and the surface tension. Density is 1/v.
 constexpr unsigned asked_as_volume = zp_adapter::output::d;
@@ -108,8 +113,9 @@ struct built_list {
     unsigned codes = 0; // flags of wanted_codes; 0: not built
     std::array<char, 48> text{};
     std::size_t size = 0;
-    std::array<signed char, wanted_codes.size()> slot{};
-    std::size_t count = 0; // values the list asks for
+    std::array<double sv::*, wanted_codes.size()> value{}; // where the value of each entry goes
+    std::size_t count = 0;                                  // entries of the list
+    int v_slot = -1;                                        // the entry of v
 };
 
 // The lists built so far: a caller asks a few sets of outputs again and again.
@@ -126,16 +132,14 @@ const built_list& list_of(unsigned codes) {
     next_built = (next_built + 1) % built_lists.size();
     b = built_list{};
     b.codes = codes;
-    int count = 0;
-    for (std::size_t k = 0; k < wanted_codes.size(); ++k) {
-        b.slot[k] = -1;
-        if ((codes & wanted_codes[k].flag) == 0) continue;
-        if (count > 0) b.text[b.size++] = ',';
-        for (const char c : wanted_codes[k].code) b.text[b.size++] = c;
-        b.slot[k] = static_cast<signed char>(count++);
+    for (const wanted_code& w : wanted_codes) {
+        if ((codes & w.flag) == 0) continue;
+        if (b.count > 0) b.text[b.size++] = ',';
+        for (const char c : w.code) b.text[b.size++] = c;
+        if (w.flag == out::v) b.v_slot = static_cast<int>(b.count);
+        b.value[b.count++] = w.value;
     }
     b.text[b.size++] = '.';
-    b.count = static_cast<std::size_t>(count);
     return b;
 }
 
@@ -149,15 +153,14 @@ bool same_at_every_level(std::string_view inputspec) {
 }
 
 void evaluate_part(std::string_view inputspec, double value1, double value2, unsigned wanted,
-                   zp_adapter::state_values& out, zp_adapter::composition& x,
+                   zp_adapter::state_values& values, zp_adapter::composition& x,
                    zp_adapter::composition& y, std::string& errormsg) {
-    using namespace zp_adapter;
     unsigned codes = wanted & ~asked_as_volume;
-    if ((wanted & asked_as_volume) != 0) codes |= output::v;
-    if (!same_at_every_level(inputspec)) codes |= output::cv;
-    codes &= output::p | output::t | output::v | output::h | output::s | output::u | output::q |
-             output::cv | output::cp | output::c | output::eta | output::lambda;
-    if (codes == 0) codes = output::p; // nothing this back-end holds: the state must stand alone
+    if ((wanted & asked_as_volume) != 0) codes |= out::v;
+    if (!same_at_every_level(inputspec)) codes |= out::cv;
+    codes &= out::p | out::t | out::v | out::h | out::s | out::u | out::q | out::cv | out::cp |
+             out::c | out::eta | out::lambda;
+    if (codes == 0) codes = out::p; // nothing this back-end holds: the state must stand alone
     const built_list& list = list_of(codes);
     // The back-end writes every entry of the list (-8888.8 all through when it fails) and the
     // message, "No errors" included.
@@ -167,28 +170,17 @@ void evaluate_part(std::string_view inputspec, double value1, double value2, uns
     if97::if97_main(letter1, value1, letter2, value2,
                     std::string_view(list.text.data(), list.size),
                     std::span<double>(work.data(), list.count), errormsg);
-    const auto value = [&](std::size_t k) { return work[static_cast<std::size_t>(list.slot[k])]; };
-    if (wanted & output::p) out.p = value(0);
-    if (wanted & output::t) out.t = value(1);
-    if (wanted & output::v) out.v = value(2);
-    if (wanted & output::d) out.d = reciprocal(value(2));
-    if (wanted & output::h) out.h = value(3);
-    if (wanted & output::s) out.s = value(4);
-    if (wanted & output::u) out.u = value(5);
-    if (wanted & output::q) {
-        out.q = value(6);
+    // (a value asked along with the wanted ones is delivered too)
+    for (std::size_t k = 0; k < list.count; ++k) values.*list.value[k] = work[k];
+    if (wanted & out::d) values.d = reciprocal(work[static_cast<std::size_t>(list.v_slot)]);
+    if (wanted & out::q) {
         // one component: the liquid and vapour fractions of the state stand in entry 0
         x.fill(not_set);
         y.fill(not_set);
-        x[0] = isnotinit(out.q) ? 1.0 - out.q : not_set;
-        y[0] = out.q;
+        x[0] = isnotinit(values.q) ? 1.0 - values.q : not_set;
+        y[0] = values.q;
     }
-    if (wanted & output::cv) out.cv = value(7);
-    if (wanted & output::cp) out.cp = value(8);
-    if (wanted & output::c) out.c = value(9);
-    if (wanted & output::eta) out.eta = value(10);
-    if (wanted & output::lambda) out.lambda = value(11);
-    out.sound = (wanted & (output::cp | output::c)) == (output::cp | output::c);
+    values.sound = (wanted & (out::cp | out::c)) == (out::cp | out::c);
 }
 
 void allprops_row(std::string_view inputspec, double value1, double value2, double& p, double& t,

@@ -22,8 +22,8 @@ composition scratch_x{}, scratch_y{};
 } // namespace
 
 void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2,
-                    unsigned wanted, bool derived, state_record& r, composition& x, composition& y,
-                    std::string& errormsg) {
+                    unsigned wanted, completion_rule completion, state_record& r, composition& x,
+                    composition& y, std::string& errormsg) {
     zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, wanted, r, x, y, errormsg);
     if (is_refprop_partial(errormsg)) {
         // The state stands; of its derivatives only those of p, v and T alone are computed.
@@ -36,7 +36,10 @@ void evaluate_state(std::string_view inputspec, double zp_input1, double zp_inpu
         if (is_ok(scratch)) r.fi = fi;
         return;
     }
-    if (!derived && zentropia_derivative::completion_keeps_state(inputspec, r.q)) return;
+    if (completion == completion_rule::never ||
+        (completion == completion_rule::if_it_changes_the_state &&
+         zentropia_derivative::completion_keeps_state(inputspec, r.q)))
+        return;
     const zentropia_derivative::backend_sound sound{r.cp, r.c};
     r.cp = r.c = not_set;
     zentropia_derivative::allderivative(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.q,
@@ -48,8 +51,8 @@ void evaluate_state(std::string_view inputspec, double zp_input1, double zp_inpu
 
 void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
                     composition& x, composition& y, std::string& errormsg) {
-    evaluate_state(inputspec, zp_input1, zp_input2, zp_adapter::output::all, true, r, x, y,
-                   errormsg);
+    evaluate_state(inputspec, zp_input1, zp_input2, zp_adapter::output::all,
+                   completion_rule::always, r, x, y, errormsg);
 }
 
 void allprops(std::string_view inputspec, double input1, double input2, double& p, double& t,

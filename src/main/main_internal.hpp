@@ -35,12 +35,15 @@ inline void evaluate_record(dispatcher evaluate, std::string_view inputspec, dou
 // units; x and y receive the phase compositions.
 void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
                     zp_common::composition& x, zp_common::composition& y, std::string& errormsg);
-// The same for the part `wanted` (zp_adapter::output flags) of the state: the derivative
-// properties are completed when `derived` asks for them, or when completing them could change the
-// state's values or the error text (the outcome is then that of the whole state).
+// When the derivative properties of a part of a state are completed: always (the value asked for
+// is one of them), never (the completion of the selected model cannot change the state's values
+// nor fail), or when it could change the state's values or the error text (the outcome is then
+// that of the whole state).
+enum class completion_rule { always, never, if_it_changes_the_state };
+// The same for the part `wanted` (zp_adapter::output flags) of the state.
 void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2,
-                    unsigned wanted, bool derived, state_record& r, zp_common::composition& x,
-                    zp_common::composition& y, std::string& errormsg);
+                    unsigned wanted, completion_rule completion, state_record& r,
+                    zp_common::composition& x, zp_common::composition& y, std::string& errormsg);
 
 // A value of the phase marked in inputspec ("liq", "vap"), whose composition is cnc, in the
 // caller's unit of one row: outputconversion_cnc by row.

@@ -85,11 +85,11 @@ constexpr std::array<keyword, 30> keywords{{
 constexpr unsigned completion_reads =
     out::p | out::t | out::v | out::d | out::q | out::cv | out::derivatives;
 
-// The part of the state one keyword's value needs, and whether the completion must run, for the
-// way the selected model completes its states.
+// The part of the state one keyword's value needs, and when the completion runs, for the way the
+// selected model completes its states.
 struct evaluation_plan {
     unsigned wanted;
-    bool derived;
+    completion_rule completion;
 };
 evaluation_plan plan_of(const keyword& k) {
     using zentropia_derivative::completion;
@@ -97,13 +97,14 @@ evaluation_plan plan_of(const keyword& k) {
     case completion::backend_cp_c:
         // cp and c are the back-end's own values of the state; the completion computes nothing
         // else, so the other derivative properties stay not computed.
-        return {k.needs, false};
+        return {k.needs, completion_rule::never};
     case completion::formulas:
         // the quality tells whether the completion may be left out (single-phase states)
-        return k.derived == yes ? evaluation_plan{completion_reads | k.needs, true}
-                                : evaluation_plan{k.needs | out::q, false};
+        return k.derived == yes
+                   ? evaluation_plan{completion_reads | k.needs, completion_rule::always}
+                   : evaluation_plan{k.needs | out::q, completion_rule::if_it_changes_the_state};
     default:
-        return {out::all, true};
+        return {out::all, completion_rule::always};
     }
 }
 
@@ -157,12 +158,13 @@ const std::array<signed char, 128>& letter_rows() {
 }
 
 // Caller's value of the input at position i of the input specification to internal units.
-double input_to_internal(std::string_view inputspec, std::size_t i, double value) {
+double input_to_internal(std::string_view inputspec, std::size_t i, double value,
+                         const std::array<signed char, 128>& rows, const conversion_table& cf) {
     const unsigned char letter = i < inputspec.size() ? inputspec[i] : ' ';
-    const int row = letter < 128 ? letter_rows()[letter] : -1;
+    const int row = letter < 128 ? rows[letter] : -1;
     if (row < 0) return value;
-    const auto& cf = zentropia_units::convfact()[static_cast<std::size_t>(row)];
-    return value * cf.factor + cf.offset;
+    const auto& pair = cf[static_cast<std::size_t>(row)];
+    return value * pair.factor + pair.offset;
 }
 
 // Runs convert with the unit factors of the phase marked in inputspec ("liq" or "vap" at
@@ -211,8 +213,10 @@ state_record saturated_at_pressure(double p, double quality, std::string& errorm
 
 void inputconversion(std::string_view inputspec, double input1, double input2, double& zp_input1,
                      double& zp_input2) {
-    zp_input1 = input_to_internal(inputspec, 0, input1);
-    zp_input2 = input_to_internal(inputspec, 1, input2);
+    const auto& rows = letter_rows();
+    const auto& cf = zentropia_units::convfact();
+    zp_input1 = input_to_internal(inputspec, 0, input1, rows, cf);
+    zp_input2 = input_to_internal(inputspec, 1, input2, rows, cf);
 }
 
 void outputconversion(std::string_view outputspec, double zp_output, double& output) {
@@ -243,10 +247,11 @@ double calcprop(std::string_view propspec, std::string_view inputspec, double in
     // The state is evaluated first: an unknown keyword is reported only for a state that stands,
     // whose failures are then those of the whole state.
     const keyword* k = remembered_keyword(propspec);
-    const evaluation_plan plan = k != nullptr ? plan_of(*k) : evaluation_plan{out::all, true};
+    const evaluation_plan plan =
+        k != nullptr ? plan_of(*k) : evaluation_plan{out::all, completion_rule::always};
     state_record r;
-    evaluate_state(inputspec, zp_input1, zp_input2, plan.wanted, plan.derived, r, work_x, work_y,
-                   errormsg);
+    evaluate_state(inputspec, zp_input1, zp_input2, plan.wanted, plan.completion, r, work_x,
+                   work_y, errormsg);
     if (!is_ok(errormsg)) return not_set;
     if (k == nullptr) {
         errormsg = "Unknown property specified...";
