@@ -114,8 +114,8 @@ struct built_list {
     std::array<char, 48> text{};
     std::size_t size = 0;
     std::array<double sv::*, wanted_codes.size()> value{}; // where the value of each entry goes
-    std::size_t count = 0;                                  // entries of the list
-    int v_slot = -1;                                        // the entry of v
+    std::size_t count = 0;                                 // entries of the list
+    int v_slot = -1;                                       // the entry of v
 };
 
 // The lists built so far: a caller asks a few sets of outputs again and again.
@@ -167,8 +167,7 @@ void evaluate_part(std::string_view inputspec, double value1, double value2, uns
     std::array<double, wanted_codes.size()> work;
     const auto letter1 = input_letter(inputspec, 0, value1);
     const auto letter2 = input_letter(inputspec, 1, value2);
-    if97::if97_main(letter1, value1, letter2, value2,
-                    std::string_view(list.text.data(), list.size),
+    if97::if97_main(letter1, value1, letter2, value2, std::string_view(list.text.data(), list.size),
                     std::span<double>(work.data(), list.count), errormsg);
     // (a value asked along with the wanted ones is delivered too)
     for (std::size_t k = 0; k < list.count; ++k) values.*list.value[k] = work[k];

@@ -363,8 +363,8 @@ void allthermophys_part(std::string_view inputspec, double input1, double input2
         if (alias_ops->evaluate != nullptr)
             alias_ops->evaluate(inputspec, input1, input2, wanted, out, work_x, work_y, errormsg);
         else
-            alias_ops->allprops(inputspec, input1, input2, out.p, out.t, out.v, out.d, out.h,
-                                out.s, out.u, out.q, work_x, work_y, work_lnphi, out.cv, out.dpdt,
+            alias_ops->allprops(inputspec, input1, input2, out.p, out.t, out.v, out.d, out.h, out.s,
+                                out.u, out.q, work_x, work_y, work_lnphi, out.cv, out.dpdt,
                                 out.dpdv, out.d2pdt2, out.d2pdv2, out.d2pdtdv, out.dcvdt, out.eta,
                                 out.lambda, out.sigma, errormsg);
     }

@@ -505,8 +505,8 @@ void allderivativesu2(std::string_view inputspec, double input1, double input2, 
 
 void allderivativetarn(std::string_view inputspec, double input1, double input2, double p, double t,
                        double v, double q, double& cv, double dpdt, double dpdv, double& cp,
-                       double& c, double& alpha, double& beta, double& zeta,
-                       std::string& errormsg, const backend_sound* delivered) {
+                       double& c, double& alpha, double& beta, double& zeta, std::string& errormsg,
+                       const backend_sound* delivered) {
     if (!is_ok(errormsg)) return;
     if (alias_is(model_id::if97)) {
         const state_query s{inputspec, input1, input2};

@@ -21,9 +21,9 @@ composition scratch_x{}, scratch_y{};
 
 } // namespace
 
-void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2,
-                    unsigned wanted, completion_rule completion, state_record& r, composition& x,
-                    composition& y, std::string& errormsg) {
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, unsigned wanted,
+                    completion_rule completion, state_record& r, composition& x, composition& y,
+                    std::string& errormsg) {
     zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, wanted, r, x, y, errormsg);
     if (is_refprop_partial(errormsg)) {
         // The state stands; of its derivatives only those of p, v and T alone are computed.
@@ -42,11 +42,10 @@ void evaluate_state(std::string_view inputspec, double zp_input1, double zp_inpu
         return;
     const zentropia_derivative::backend_sound sound{r.cp, r.c};
     r.cp = r.c = not_set;
-    zentropia_derivative::allderivative(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.q,
-                                        r.cv, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2, r.d2pdtdv,
-                                        r.dcvdt, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi, r.ksi,
-                                        r.psi, r.zeta, r.theta, r.kappa, r.gamma, errormsg,
-                                        r.sound ? &sound : nullptr);
+    zentropia_derivative::allderivative(
+        inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.q, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
+        r.d2pdv2, r.d2pdtdv, r.dcvdt, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi, r.ksi, r.psi, r.zeta,
+        r.theta, r.kappa, r.gamma, errormsg, r.sound ? &sound : nullptr);
 }
 
 void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
@@ -129,8 +128,8 @@ void allpropssu2(std::string_view inputspec, double input1, double input2, doubl
         c_squared = r.d2pdtdv, r.alpha = r.d2pdt2, r.beta = r.d2pdv2;
     } else {
         zentropia_derivative::allderivativesu2(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.q,
-                                               r.cv, r.dpdt, r.dpdv, r.c, r.alpha, r.beta,
-                                               errormsg, r.sound ? &sound : nullptr);
+                                               r.cv, r.dpdt, r.dpdv, r.c, r.alpha, r.beta, errormsg,
+                                               r.sound ? &sound : nullptr);
         if (zp_common::isnotinit(r.c)) c_squared = r.c * r.c;
     }
     p = r.p, t = r.t, d = r.d, s = r.s, u = r.u, cv = r.cv, c2 = c_squared;

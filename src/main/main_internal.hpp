@@ -41,9 +41,9 @@ void evaluate_state(std::string_view inputspec, double zp_input1, double zp_inpu
 // that of the whole state).
 enum class completion_rule { always, never, if_it_changes_the_state };
 // The same for the part `wanted` (zp_adapter::output flags) of the state.
-void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2,
-                    unsigned wanted, completion_rule completion, state_record& r,
-                    zp_common::composition& x, zp_common::composition& y, std::string& errormsg);
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, unsigned wanted,
+                    completion_rule completion, state_record& r, zp_common::composition& x,
+                    zp_common::composition& y, std::string& errormsg);
 
 // A value of the phase marked in inputspec ("liq", "vap"), whose composition is cnc, in the
 // caller's unit of one row: outputconversion_cnc by row.

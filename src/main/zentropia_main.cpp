@@ -250,8 +250,8 @@ double calcprop(std::string_view propspec, std::string_view inputspec, double in
     const evaluation_plan plan =
         k != nullptr ? plan_of(*k) : evaluation_plan{out::all, completion_rule::always};
     state_record r;
-    evaluate_state(inputspec, zp_input1, zp_input2, plan.wanted, plan.completion, r, work_x,
-                   work_y, errormsg);
+    evaluate_state(inputspec, zp_input1, zp_input2, plan.wanted, plan.completion, r, work_x, work_y,
+                   errormsg);
     if (!is_ok(errormsg)) return not_set;
     if (k == nullptr) {
         errormsg = "Unknown property specified...";

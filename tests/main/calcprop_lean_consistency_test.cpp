@@ -22,12 +22,12 @@ namespace zm = zentropia_main;
 
 // The outputs of the whole bundle, in the order of the keyword table.
 constexpr std::array<std::string_view, 30> short_forms{
-    "p",     "t",    "v",    "d",     "h",     "s",     "u",      "q",      "cv",     "cp",
-    "c",     "alpha", "beta", "chi",  "fi",    "ksi",   "psi",    "zeta",   "theta",  "kappa",
-    "gamma", "eta",  "lambda", "sigma", "dpdt", "dpdv", "d2pdt2", "d2pdv2", "d2pdtdv", "dcvdt"};
+    "p",     "t",     "v",      "d",     "h",    "s",    "u",      "q",      "cv",      "cp",
+    "c",     "alpha", "beta",   "chi",   "fi",   "ksi",  "psi",    "zeta",   "theta",   "kappa",
+    "gamma", "eta",   "lambda", "sigma", "dpdt", "dpdv", "d2pdt2", "d2pdv2", "d2pdtdv", "dcvdt"};
 constexpr std::array<std::string_view, 11> long_forms{
-    "Pressure", "Temperature", "SPECVOLUME", "density",  "enthalpy", "entropy",
-    "intenergy", "vaporqual",  "heatcapv",   "HeatCapP", "soundspeed"};
+    "Pressure",  "Temperature", "SPECVOLUME", "density",  "enthalpy",  "entropy",
+    "intenergy", "vaporqual",   "heatcapv",   "HeatCapP", "soundspeed"};
 
 struct whole_state {
     std::array<double, 30> value;
@@ -42,9 +42,9 @@ whole_state the_long_way(std::string_view inputspec, double in1, double in2) {
     auto& o = w.value;
     o.fill(not_set);
     composition x{}, y{};
-    zentropia_base::allthermophys(inputspec, i1, i2, o[0], o[1], o[2], o[3], o[4], o[5], o[6],
-                                  o[7], x, y, o[8], o[24], o[25], o[26], o[27], o[28], o[29],
-                                  o[21], o[22], o[23], w.errormsg);
+    zentropia_base::allthermophys(inputspec, i1, i2, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7],
+                                  x, y, o[8], o[24], o[25], o[26], o[27], o[28], o[29], o[21],
+                                  o[22], o[23], w.errormsg);
     zentropia_derivative::allderivative(inputspec, i1, i2, o[0], o[1], o[2], o[3], o[7], o[8],
                                         o[24], o[25], o[26], o[27], o[28], o[29], o[9], o[10],
                                         o[11], o[12], o[13], o[14], o[15], o[16], o[17], o[18],
@@ -129,8 +129,8 @@ void compare_over_the_grid() {
         zentropia_units::setunits(set.name, set.basis, "", "", errormsg);
         ASSERT_EQ(errormsg, "No errors");
         for (const si_state& st : single_phase)
-            for (const input& in : inputs_of("PT", to_set(set, kind::P, st.p),
-                                             to_set(set, kind::T, st.t)))
+            for (const input& in :
+                 inputs_of("PT", to_set(set, kind::P, st.p), to_set(set, kind::T, st.t)))
                 compare_every_keyword(set, in, st.what);
         for (const auto& [p, q] : two_phase)
             for (const input& in : inputs_of("Pq", to_set(set, kind::P, p), q))

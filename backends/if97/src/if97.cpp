@@ -391,8 +391,7 @@ void answer(const code_list& list, variable a, double value_a, variable b, doubl
     // A (P, T) state asked for more than it holds is evaluated anew rather than raised (a region-3
     // state would be raised from its rounded volume): its values never depend on what was asked
     // before. A new (P, T) evaluation costs what raising it would.
-    const bool pt_anew =
-        known && cache.st.level < list.level && a == solve::P && b == solve::T;
+    const bool pt_anew = known && cache.st.level < list.level && a == solve::P && b == solve::T;
     if (!known || cache.st.level == properties::bare || pt_anew) { // solve (a bare point again)
         if (!known || list.level > properties::bare) {
             cache.valid = false;
