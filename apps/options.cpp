@@ -24,8 +24,12 @@ std::vector<std::string> split(std::string_view text, char separator) {
     }
 }
 
+// A negative number, "-inf" and "-nan" among them, is an argument, not an option.
 bool looks_numeric(std::string_view arg) {
-    return arg.size() > 1 && arg[0] == '-' && ((arg[1] >= '0' && arg[1] <= '9') || arg[1] == '.');
+    double value = 0.0;
+    const auto [end, ec] = std::from_chars(arg.data(), arg.data() + arg.size(), value);
+    return arg.size() > 1 && arg[0] == '-' && end == arg.data() + arg.size() &&
+           ec != std::errc::invalid_argument;
 }
 
 // Applies a common option; false when name is not one.
