@@ -550,7 +550,8 @@ selection random_selection(reader& r) {
     const int typical = pick < 128 ? 1 : static_cast<int>(pick % 4) + 1;
     selection s{text(r, kind::model), typical, {}, {}, typical, reals(r, typical, true)};
     if (r.byte() < 40) s.ncmp = integer(r);
-    if (r.byte() < 40) s.names_len = integer(r);
+    // a caller's array holds as many names as its length says: at most a few dozen here
+    if (r.byte() < 40) s.names_len = std::min(integer(r), 40);
     const int n = std::max(s.names_len, 0);
     s.names.reserve(static_cast<std::size_t>(n));
     for (int i = 0; i < n; ++i) s.names.push_back(text(r, kind::component));

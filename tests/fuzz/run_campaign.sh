@@ -13,7 +13,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 
 mkdir -p "$work/corpus" "$work/artifacts" "$work/hangs" "$work/logs"
 rm -f "$work"/logs/* "$work"/stats.*
-export ASAN_OPTIONS=${ASAN_OPTIONS:-abort_on_error=1:detect_leaks=0:allocator_may_return_null=1}
+export ASAN_OPTIONS=${ASAN_OPTIONS:-abort_on_error=1:detect_leaks=1}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 export ZP_FUZZ_HANGS=$work/hangs
 
