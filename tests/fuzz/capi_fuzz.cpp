@@ -35,6 +35,8 @@
 #include <type_traits>
 #include <vector>
 
+#include <unistd.h>
+
 namespace {
 
 // ---- Counting and reporting --------------------------------------------------------------------
@@ -53,7 +55,8 @@ std::size_t current_size = 0;
 void keep_input(const char* dir, const char* stem) {
     if (dir == nullptr || *dir == '\0' || current_data == nullptr) return;
     char name[512];
-    std::snprintf(name, sizeof name, "%s/%s-%" PRIu64, dir, stem, stats.hangs);
+    std::snprintf(name, sizeof name, "%s/%s-%ld-%" PRIu64, dir, stem, static_cast<long>(getpid()),
+                  stats.hangs);
     if (std::FILE* f = std::fopen(name, "wb")) {
         std::fwrite(current_data, 1, current_size, f);
         std::fclose(f);
@@ -483,9 +486,11 @@ bool well_formed_inputspec(std::string_view spec) {
 void check_inputspec_answer(const char* procedure, const ctext& inputspec,
                             const text_buffer& errormsg) {
     if (inputspec.null || errormsg.len() < 10 || !is_success(errormsg.text())) return;
-    if (!well_formed_inputspec(inputspec.s))
+    const std::string_view spec = inputspec.c(); // what the library reads: up to the first NUL
+    if (!well_formed_inputspec(spec))
         fault("WRONG ANSWER", procedure,
-              "input specification \"" + inputspec.s.substr(0, 40) + "\" answered with success");
+              "input specification \"" + std::string(spec.substr(0, 40)) +
+                  "\" answered with success");
 }
 
 // A failure text about inputs that are not finite shows no finite number: such a number would be

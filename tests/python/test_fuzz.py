@@ -95,6 +95,10 @@ def test_fluid_methods(water, prop, inputspec, input1, input2, errors):
 @EXAMPLES
 @given(inputspec=st.sampled_from(["PT", "Ph", "Pq", "Td"]), input1=arrays, input2=arrays)
 def test_fluid_arrays_of_any_dtype_and_shape(water, inputspec, input1, input2):
+    if np.iscomplexobj(input1) or np.iscomplexobj(input2):  # not silently cut to real
+        with pytest.raises(TypeError):
+            water.calc("h", inputspec, input1, input2, "nan")
+        return
     result = attempt(water.calc, "h", inputspec, input1, input2, "nan")
     if result is not None:
         assert np.shape(result) == np.broadcast_shapes(np.shape(input1), np.shape(input2))
