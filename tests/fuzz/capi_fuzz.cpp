@@ -499,6 +499,7 @@ void check_non_finite_text(const char* procedure, const text_buffer& errormsg) {
     const auto e = errormsg.text();
     if (!e.starts_with("Error in Zentropia: input") || e.find("finite") == std::string_view::npos)
         return;
+    if (e.size() + 1 >= static_cast<std::size_t>(errormsg.len())) return; // cut to its buffer
     std::string rest(e);
     for (const std::string_view allowed : {"inputs 1 and 2", "input 1", "input 2"})
         for (auto at = rest.find(allowed); at != std::string::npos; at = rest.find(allowed))
