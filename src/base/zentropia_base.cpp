@@ -11,7 +11,6 @@
 #endif
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 
@@ -116,15 +115,16 @@ inline bool finite_inputs(double input1, double input2, std::string& errormsg) {
     return false;
 }
 
-// An input specification is two property symbols, optionally followed by a separator and a phase
-// marker: "liq" or "vap" at characters 4 to 6, or "ph" at characters 5 and 6 ("PT liq", "Pq_vap",
-// "PT 1ph"); trailing blanks are padding. The back-ends read the first two characters only, so
-// anything else behind them would be ignored silently: such a text is refused.
+// An input specification is two property symbols, optionally followed by a phase marker: "liq" or
+// "vap" at characters 4 to 6, or "ph" at characters 5 and 6, the third character being free
+// ("PT liq", "Pq_vap", "PT 1ph"); trailing blanks are padding. The back-ends read the first two
+// characters and the marker only, so anything else behind them would be ignored silently: such a
+// text is refused.
 bool well_formed(std::string_view inputspec) {
     const auto spec = trim(inputspec);
     if (spec.size() == 2) [[likely]]
         return true;
-    if (spec.size() != 6 || std::isalnum(static_cast<unsigned char>(spec[2]))) return false;
+    if (spec.size() != 6) return false;
     const auto marker = spec.substr(3);
     return marker == "liq" || marker == "vap" || marker.substr(1) == "ph";
 }

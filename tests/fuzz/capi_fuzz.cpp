@@ -18,7 +18,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <chrono>
 #include <cinttypes>
 #include <climits>
@@ -470,14 +469,12 @@ bool is_success(std::string_view e) {
     return e == "No errors" || e == "Same fluid";
 }
 
-// Two property letters, optionally followed by a separator and a phase marker ("PT liq",
+// Two property letters, optionally followed by a phase marker at characters 4 to 6 ("PT liq",
 // "Pq_vap", "PT 1ph"); anything else must be refused, whatever the back-end reads of it.
 bool well_formed_inputspec(std::string_view spec) {
     while (!spec.empty() && spec.back() == ' ') spec.remove_suffix(1);
     if (spec.size() == 2) return true;
-    if (spec.size() != 6) return false;
-    const char sep = spec[2];
-    if (std::isalnum(static_cast<unsigned char>(sep))) return false;
+    if (spec.size() != 6) return false; // the third character is free
     const auto marker = spec.substr(3);
     return marker == "liq" || marker == "vap" || marker.substr(1) == "ph";
 }
