@@ -208,7 +208,8 @@ std::array<std::size_t, 2> parse_columns(std::string_view text) {
                                  : (comma == std::string_view::npos ? std::string_view{}
                                                                     : text.substr(comma + 1));
         const double n = number(part, "--columns");
-        if (n < 1 || n > 1e6 || n != static_cast<std::size_t>(n))
+        // (NaN fails every comparison: it must not reach the conversion to an index)
+        if (!(n >= 1 && n <= 1e6) || n != static_cast<std::size_t>(n))
             throw usage_error("--columns counts columns from 1, not '" + std::string(part) + "'");
         columns[k] = static_cast<std::size_t>(n) - 1;
     }

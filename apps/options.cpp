@@ -32,8 +32,12 @@ bool is_flag(std::string_view name) {
     return name == "--keep";
 }
 
+// A negative number, "-inf" and "-nan" among them, is an argument, not an option.
 bool looks_numeric(std::string_view arg) {
-    return arg.size() > 1 && arg[0] == '-' && ((arg[1] >= '0' && arg[1] <= '9') || arg[1] == '.');
+    double value = 0.0;
+    const auto [end, ec] = std::from_chars(arg.data(), arg.data() + arg.size(), value);
+    return arg.size() > 1 && arg[0] == '-' && end == arg.data() + arg.size() &&
+           ec != std::errc::invalid_argument;
 }
 
 // Applies a common option; false when name is not one.

@@ -8,9 +8,16 @@
  *  - Texts out: a caller buffer and its length in bytes (char *text, int text_len). The text is
  *    cut to text_len - 1 characters and NUL-terminated; nothing is written when the buffer is
  *    NULL or text_len < 1.
- *  - errormsg: every procedure that has one always writes it ("No errors" on success, "Same
- *    fluid" for a repeated selection, else the failure text). zentropia_setfluid and
- *    zentropia_setrefstate_nondim also read it on entry, so pass an initialised buffer there.
+ *  - errormsg: every procedure that has one writes it ("No errors" on success, "Same fluid" for
+ *    a repeated selection, else the failure text), except where it has nothing to do and leaves
+ *    the caller's text as it was: zentropia_updaterefstate and _nondim without a reference state,
+ *    zentropia_zp_allpropsallphases, zentropia_zp_allpropssatext and zentropia_allpropssatext for
+ *    models without these bundles, zentropia_liquidcmp, _vaporcmp and _fugacoef for a table
+ *    model, zentropia_zp_saturationline and zentropia_saturation_line with no model selected.
+ *    zentropia_setfluid, zentropia_setrefstate_nondim and zentropia_updaterefstate_nondim read it
+ *    on entry and act on it: setrefstate_nondim and updaterefstate_nondim do their work only when
+ *    it reads "No errors", setfluid answers "Same fluid" to an unchanged selection only then.
+ *    Pass an initialised buffer to all of these, "No errors" to act.
  *  - Reals and integers in: by value. Reals and integers out: pointers; NULL discards a value.
  *  - Arrays: a pointer and its number of elements (double *x, int x_len). Composition vectors
  *    hold at most 20 entries; their procedures read and write the first min(x_len, 20). NULL or
@@ -299,6 +306,9 @@ ZENTROPIA_API void zentropia_setrefstate(double t_ref, double p_ref, char* error
 /* acts only when errormsg reads "No errors" on entry */
 ZENTROPIA_API void zentropia_setrefstate_nondim(double t_ref, double p_ref, double v_ref,
                                                 char* errormsg, int errormsg_len);
+/* set the reference state again with its stored values (after a new fluid); without one, errormsg
+   stays as it was. The _nondim form, like setrefstate_nondim, acts only when errormsg reads
+   "No errors" on entry; otherwise the reference state is released. */
 ZENTROPIA_API void zentropia_updaterefstate(char* errormsg, int errormsg_len);
 ZENTROPIA_API void zentropia_updaterefstate_nondim(char* errormsg, int errormsg_len);
 ZENTROPIA_API void zentropia_getrefstate(double* t_ref, double* p_ref, double* v_ref,
@@ -310,7 +320,10 @@ ZENTROPIA_API double zentropia_dimnondimconvfact(const char* symbol);
 /* ---- Units -------------------------------------------------------------------------------- */
 
 /* unitset "SI", "Zentropia" or "Anglo-Saxon"; massormole "PerMass" or "PerMole"; optional
-   comma-separated overrides such as propsymbol "P,T" with propunit "MPa,C" */
+   comma-separated overrides such as propsymbol "P,T" with propunit "MPa,C". A refused unit set
+   leaves every factor (1, 0), the internal units, and keeps the last accepted settings stored:
+   the next conversion of a phase's value ("PT liq") re-applies those, as setunits_phase and
+   updateunits do. Call setunits again after a failure. */
 ZENTROPIA_API void zentropia_setunits(const char* unitset, const char* massormole,
                                       const char* propsymbol, const char* propunit, char* errormsg,
                                       int errormsg_len);

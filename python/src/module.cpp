@@ -23,6 +23,12 @@ namespace py = pybind11;
 namespace {
 
 constexpr zpy::options changes_state{.changes_state = true};
+// Procedures that leave errormsg as it was when they have nothing to do take the caller's text as
+// their last parameter (default ""), at position i of the C++ parameters.
+constexpr zpy::options caller_text_0{.reads_too = bit(0), .changes_state = true};
+constexpr zpy::options caller_text(std::size_t i) {
+    return {.reads_too = bit(i)};
+}
 // the most points a curve may ask for
 constexpr int most_points = 100000;
 
@@ -85,12 +91,14 @@ void bind_base(py::module_& m) {
     def<&zb::zp_mmol_cnc>(m, "zp_mmol_cnc", "cnc errormsg");
     def<&zb::zflow_tmd_vu, {.reads_too = bit(2) | bit(5)}>(
         m, "zflow_tmd_vu", "p t v h s u cv dpdt dpdv d2pdt2 d2pdv2 d2pdtdv dcvdt errormsg");
-    def<&zb::zp_allpropsallphases>(m, "zp_allpropsallphases",
-                                   "inputspec input1 input2 p t v d h s u q usr_x usr_y cv dpdt "
-                                   "dpdv d2pdt2 d2pdv2 d2pdtdv dcvdt eta lambda errormsg");
-    def<&zb::zp_allpropssatext>(m, "zp_allpropssatext",
-                                "inputspec input1 input2 p t v d h s u q usr_x usr_y v_liq d_liq "
-                                "h_liq s_liq u_liq v_vap d_vap h_vap s_vap u_vap errormsg");
+    def<&zb::zp_allpropsallphases, caller_text(22)>(
+        m, "zp_allpropsallphases",
+        "inputspec input1 input2 p t v d h s u q usr_x usr_y cv dpdt "
+        "dpdv d2pdt2 d2pdv2 d2pdtdv dcvdt eta lambda errormsg");
+    def<&zb::zp_allpropssatext, caller_text(23)>(
+        m, "zp_allpropssatext",
+        "inputspec input1 input2 p t v d h s u q usr_x usr_y v_liq d_liq "
+        "h_liq s_liq u_liq v_vap d_vap h_vap s_vap u_vap errormsg");
     def<&zb::alltransprops_zp>(m, "alltransprops_zp",
                                "t d eta eta_t eta_d lambda lambda_t lambda_d errormsg");
     def<&zb::capeopenderiv_zp>(m, "capeopenderiv_zp",
@@ -99,8 +107,8 @@ void bind_base(py::module_& m) {
     def<&zb::xy_a_alfa>(m, "xy_a_alfa", "aij aji alfa p t x y errormsg");
     def<&zb::xy_kij>(m, "xy_kij", "kij p t x y errormsg");
     def<&zb::hsxy_mp>(m, "hsxy_mp", "p t molpar h_r s_r x y errormsg");
-    def<&envelope<&zb::zp_saturationline>, {.reads_too = bit(0)}>(m, "zp_saturationline",
-                                                                  "npnts t p x y errormsg");
+    def<&envelope<&zb::zp_saturationline>, {.reads_too = bit(0) | bit(5)}>(
+        m, "zp_saturationline", "npnts t p x y errormsg");
     def<&zb::settable, changes_state>(
         m, "settable", "tablename tabletype interpolmethod meshname searchalg phase errormsg");
     def<&zb::settable_new, changes_state>(m, "settable_new",
@@ -135,9 +143,10 @@ void bind_main(py::module_& m) {
                           std::string(allprops) +
                               " d_liq d_vap h_liq h_vap t_sat dd_liq_dp dd_vap_dp dh_liq_dp "
                               "dh_vap_dp dt_sat_dp errormsg");
-    def<&zm::allpropssatext>(m, "allpropssatext",
-                             "inputspec input1 input2 p t v d h s u q x y v_liq d_liq h_liq s_liq "
-                             "u_liq v_vap d_vap h_vap s_vap u_vap errormsg");
+    def<&zm::allpropssatext, caller_text(23)>(
+        m, "allpropssatext",
+        "inputspec input1 input2 p t v d h s u q x y v_liq d_liq h_liq s_liq "
+        "u_liq v_vap d_vap h_vap s_vap u_vap errormsg");
     def<&zm::allpropssu2>(m, "allpropssu2",
                           "inputspec input1 input2 p t d s u cv c2 alpha beta errormsg");
     def<&zm::allpropstarn>(m, "allpropstarn",
@@ -167,7 +176,7 @@ void bind_main(py::module_& m) {
 #define ZP_BIND_SINGLE_PROPERTY(name) def<&zm::name>(m, #name, "inputspec input1 input2 errormsg");
     ZENTROPIA_SINGLE_PROPERTIES(ZP_BIND_SINGLE_PROPERTY)
 #define ZP_BIND_COMPOSITION(name)                                                                  \
-    def<&zm::name>(m, #name, "inputspec input1 input2 output errormsg");
+    def<&zm::name, caller_text(4)>(m, #name, "inputspec input1 input2 output errormsg");
     ZENTROPIA_COMPOSITIONS(ZP_BIND_COMPOSITION)
 #define ZP_BIND_FLUID_CONSTANT(name) def<&zm::name>(m, #name, "errormsg");
     ZENTROPIA_FLUID_CONSTANTS(ZP_BIND_FLUID_CONSTANT)
@@ -175,16 +184,18 @@ void bind_main(py::module_& m) {
     def<&zm::solve>(m, "solve", "funcspec funcval inputspec targt fixedval minval maxval errormsg");
     def<&isoline>(m, "isoline",
                   "propspec propval runspec calcspec minval maxval npnts runval calcval errormsg");
-    def<&envelope<&zm::saturation_line>, {.reads_too = bit(0)}>(m, "saturation_line",
-                                                                "npnts t p x y errormsg");
+    def<&envelope<&zm::saturation_line>, {.reads_too = bit(0) | bit(5)}>(m, "saturation_line",
+                                                                         "npnts t p x y errormsg");
 }
 
 void bind_refstate(py::module_& m) {
     def<&zr::setrefstate, changes_state>(m, "setrefstate", "t_ref p_ref errormsg");
     def<&zr::setrefstate_nondim, {.reads_too = bit(3), .changes_state = true}>(
         m, "setrefstate_nondim", "t_ref p_ref v_ref errormsg");
-    def<&zr::updaterefstate, changes_state>(m, "updaterefstate", "errormsg");
-    def<&zr::updaterefstate_nondim, changes_state>(m, "updaterefstate_nondim", "errormsg");
+    // Both take errormsg last: without a reference state it comes back as passed, and the
+    // _nondim form acts only when it reads "No errors".
+    def<&zr::updaterefstate, caller_text_0>(m, "updaterefstate", "errormsg");
+    def<&zr::updaterefstate_nondim, caller_text_0>(m, "updaterefstate_nondim", "errormsg");
     def<&zr::getrefstate>(m, "getrefstate", "t_ref p_ref v_ref errormsg");
     def<&zr::isrefstateset>(m, "isrefstateset", "");
     def<&zr::releaserefstate, changes_state>(m, "releaserefstate", "");

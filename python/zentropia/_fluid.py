@@ -146,6 +146,9 @@ class Fluid:
     def _states(input1, input2):
         if isinstance(input1, (int, float)) and isinstance(input2, (int, float)):
             return (), np.array([input1], dtype=float), np.array([input2], dtype=float)
+        # a state is real: complex values would lose their imaginary part without a word
+        if np.iscomplexobj(input1) or np.iscomplexobj(input2):
+            raise TypeError("inputs must be real numbers, not complex")
         a, b = np.broadcast_arrays(np.asarray(input1, dtype=float),
                                    np.asarray(input2, dtype=float))
         return a.shape, np.ravel(a), np.ravel(b)
@@ -227,6 +230,8 @@ class Fluid:
     def unit(self, name):
         """The unit of a property of props ("h", "p", "lambda" ...) or of a unit symbol ("P",
         "Mmol" ...) in this fluid's unit set; "" for the dimensionless q and gamma."""
+        if not isinstance(name, str):
+            raise TypeError("a property name or unit symbol is a str, not %s" % type(name).__name__)
         if name in ("q", "gamma"):
             return ""
         self._select()

@@ -49,7 +49,7 @@ std::string_view output_list(std::string_view outputspec, std::array<char, list_
         if (key == entry.keyword) return entry.code;
     // a ready-made list: the whole text, closed by "." (cut to the back-end's 80 characters)
     const auto n = std::min(outputspec.size(), list_length);
-    std::memcpy(buffer.data(), outputspec.data(), n);
+    if (n > 0) std::memcpy(buffer.data(), outputspec.data(), n); // an empty text may have no data
     if (n < list_length) buffer[n] = '.';
     return {buffer.data(), std::min(n + 1, list_length)};
 }

@@ -92,12 +92,19 @@ void append_number(std::string& text, double value) {
     text.append(buffer.data(), end);
 }
 
+// Names the inputs that are not numbers. A finite one is not shown: it arrives here in internal
+// units, a value the caller never gave.
 [[gnu::cold, gnu::noinline]] void report_non_finite(double input1, double input2,
                                                     std::string& errormsg) {
-    errormsg.assign("Error in Zentropia: input values must be finite numbers, got ");
-    append_number(errormsg, input1);
-    errormsg.append(" and ");
-    append_number(errormsg, input2);
+    errormsg.assign("Error in Zentropia: input values must be finite numbers, ");
+    if (!std::isfinite(input1) && !std::isfinite(input2)) {
+        errormsg.append("inputs 1 and 2 are ");
+        append_number(errormsg, input1);
+        errormsg.append(" and ");
+    } else {
+        errormsg.append(std::isfinite(input1) ? "input 2 is " : "input 1 is ");
+    }
+    append_number(errormsg, std::isfinite(input2) ? input1 : input2);
 }
 
 // Back-ends are not asked about states that are not numbers.
@@ -106,6 +113,41 @@ inline bool finite_inputs(double input1, double input2, std::string& errormsg) {
         return true;
     report_non_finite(input1, input2, errormsg);
     return false;
+}
+
+// An input specification is two property symbols, optionally followed by a phase marker: "liq" or
+// "vap" at characters 4 to 6, or "ph" at characters 5 and 6, the third character being free
+// ("PT liq", "Pq_vap", "PT 1ph"); trailing blanks are padding. The back-ends read the first two
+// characters and the marker only, so anything else behind them would be ignored silently: such a
+// text is refused.
+bool well_formed(std::string_view inputspec) {
+    const auto spec = trim(inputspec);
+    if (spec.size() == 2) [[likely]]
+        return true;
+    if (spec.size() != 6) return false;
+    const auto marker = spec.substr(3);
+    return marker == "liq" || marker == "vap" || marker.substr(1) == "ph";
+}
+
+[[gnu::cold, gnu::noinline]] void report_inputspec(std::string_view inputspec,
+                                                   std::string& errormsg) {
+    constexpr std::size_t shown = 32;
+    const auto spec = trim(inputspec);
+    errormsg.assign("Error in Zentropia: input specification \"")
+        .append(spec.substr(0, shown))
+        .append(spec.size() > shown ? "...\"" : "\"")
+        .append(" not understood: two property symbols are expected, optionally followed by a "
+                "phase marker as in \"PT liq\"");
+}
+
+// A state request the back-ends can be asked: a well-formed input specification and two numbers.
+inline bool valid_request(std::string_view inputspec, double input1, double input2,
+                          std::string& errormsg) {
+    if (!well_formed(inputspec)) [[unlikely]] {
+        report_inputspec(inputspec, errormsg);
+        return false;
+    }
+    return finite_inputs(input1, input2, errormsg);
 }
 
 // Copies the caller's compositions into the back-end's work arrays.
@@ -185,11 +227,11 @@ void configure_transport(int ncmp, std::span<const std::string> cmp, std::span<c
 // A bundle that only the PCP-SAFT back-ends offer, run on the back-end's work compositions; any
 // other model computes nothing here and leaves errormsg as it was.
 template <typename Evaluate>
-void pcp_saft_bundle(double input1, double input2, composition& usr_x, composition& usr_y,
-                     std::string& errormsg, Evaluate evaluate) {
+void pcp_saft_bundle(std::string_view inputspec, double input1, double input2, composition& usr_x,
+                     composition& usr_y, std::string& errormsg, Evaluate evaluate) {
     copy_in(usr_x, usr_y);
     if (is_pcp_saft(*alias)) {
-        if (finite_inputs(input1, input2, errormsg)) evaluate();
+        if (valid_request(inputspec, input1, input2, errormsg)) evaluate();
     } else if (alias->id == model_id::none) {
         errormsg = model_name_unknown;
     }
@@ -342,7 +384,7 @@ void allthermophys(std::string_view inputspec, double input1, double input2, dou
     copy_in(usr_x, usr_y);
     if (alias_ops == nullptr || alias_ops->allprops == nullptr)
         errormsg = model_name_unknown;
-    else if (finite_inputs(input1, input2, errormsg))
+    else if (valid_request(inputspec, input1, input2, errormsg))
         alias_ops->allprops(inputspec, input1, input2, p, t, v, d, h, s, u, q, work_x, work_y,
                             work_lnphi, cv, dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda,
                             sigma, errormsg);
@@ -389,7 +431,7 @@ double calculate(std::string_view inputspec, double input1, double input2,
         errormsg = invalid_model_name;
         return 0.0;
     }
-    if (!finite_inputs(input1, input2, errormsg)) return not_set;
+    if (!valid_request(inputspec, input1, input2, errormsg)) return not_set;
     return alias_ops->prop(inputspec, input1, input2, outputspec, errormsg);
 }
 
@@ -476,7 +518,7 @@ void zp_allpropsallphases(std::string_view inputspec, double input1, double inpu
                           phase_values& cv, phase_values& dpdt, phase_values& dpdv,
                           phase_values& d2pdt2, phase_values& d2pdv2, phase_values& d2pdtdv,
                           phase_values& dcvdt, double& eta, double& lambda, std::string& errormsg) {
-    pcp_saft_bundle(input1, input2, usr_x, usr_y, errormsg, [&] {
+    pcp_saft_bundle(inputspec, input1, input2, usr_x, usr_y, errormsg, [&] {
         pcp_saft_zp::pcp_saft_allpropsallphases(inputspec, input1, input2, p, t, v, d, h, s, u, q,
                                                 work_x, work_y, cv, dpdt, dpdv, d2pdt2, d2pdv2,
                                                 d2pdtdv, dcvdt, eta, lambda, errormsg);
@@ -489,7 +531,7 @@ void zp_allpropssatext(std::string_view inputspec, double input1, double input2,
                        double& d_liq, double& h_liq, double& s_liq, double& u_liq, double& v_vap,
                        double& d_vap, double& h_vap, double& s_vap, double& u_vap,
                        std::string& errormsg) {
-    pcp_saft_bundle(input1, input2, usr_x, usr_y, errormsg, [&] {
+    pcp_saft_bundle(inputspec, input1, input2, usr_x, usr_y, errormsg, [&] {
         pcp_saft_zp::pcp_saft_allpropssatext(inputspec, input1, input2, p, t, v, d, h, s, u, q,
                                              work_x, work_y, v_liq, d_liq, h_liq, s_liq, u_liq,
                                              v_vap, d_vap, h_vap, s_vap, u_vap, errormsg);
@@ -524,7 +566,7 @@ void capeopenderiv_zp(std::string_view inputspec, double input1, double input2, 
             .append(" ...");
         return;
     }
-    if (finite_inputs(input1, input2, errormsg))
+    if (valid_request(inputspec, input1, input2, errormsg))
         pcp_saft_zp::pcp_saft_capeopenderiv(inputspec, input1, input2, v, h, s, g, lnphi, errormsg);
 }
 
@@ -585,7 +627,7 @@ void composition_output(zp_adapter::composition_op zp_adapter::operations::*op,
             .append(what)
             .append(" not available for ")
             .append(trim(state.modelalias));
-    } else if (finite_inputs(input1, input2, errormsg)) {
+    } else if (valid_request(inputspec, input1, input2, errormsg)) {
         (alias_ops->*op)(inputspec, input1, input2, output, errormsg);
     }
 }

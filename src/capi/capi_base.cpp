@@ -102,7 +102,7 @@ ZP_C void zentropia_zp_allpropsallphases(
     int d2pdt2_len, double* d2pdv2, int d2pdv2_len, double* d2pdtdv, int d2pdtdv_len, double* dcvdt,
     int dcvdt_len, double* eta, double* lambda, char* errormsg, int errormsg_len) {
     using phases = array_ref<double, zp_adapter::max_phases>;
-    guarded(errormsg, errormsg_len, [&](std::string& e) {
+    guarded_inout(errormsg, errormsg_len, [&](std::string& e) {
         zb::zp_allpropsallphases(
             text(inputspec), input1, input2, phases(p, p_len), phases(t, t_len), phases(v, v_len),
             phases(d, d_len), phases(h, h_len), phases(s, s_len), phases(u, u_len), out(q),
@@ -120,7 +120,7 @@ ZP_C void zentropia_zp_allpropssatext(const char* inputspec, double input1, doub
                                       double* h_liq, double* s_liq, double* u_liq, double* v_vap,
                                       double* d_vap, double* h_vap, double* s_vap, double* u_vap,
                                       char* errormsg, int errormsg_len) {
-    guarded(errormsg, errormsg_len, [&](std::string& e) {
+    guarded_inout(errormsg, errormsg_len, [&](std::string& e) {
         zb::zp_allpropssatext(text(inputspec), input1, input2, out(p), out(t), out(v), out(d),
                               out(h), out(s), out(u), out(q), composition_ref(usr_x, usr_x_len),
                               composition_ref(usr_y, usr_y_len), out(v_liq), out(d_liq), out(h_liq),

@@ -78,7 +78,7 @@ ZP_C void zentropia_allpropssatext(const char* inputspec, double input1, double 
                                    double* v_liq, double* d_liq, double* h_liq, double* s_liq,
                                    double* u_liq, double* v_vap, double* d_vap, double* h_vap,
                                    double* s_vap, double* u_vap, char* errormsg, int errormsg_len) {
-    guarded(errormsg, errormsg_len, [&](std::string& e) {
+    guarded_inout(errormsg, errormsg_len, [&](std::string& e) {
         zm::allpropssatext(text(inputspec), input1, input2, out(p), out(t), out(v), out(d), out(h),
                            out(s), out(u), out(q), composition_ref(x, x_len),
                            composition_ref(y, y_len), out(v_liq), out(d_liq), out(h_liq),
@@ -175,7 +175,7 @@ ZP_C void zentropia_alloutputconvext(double* p, double* t, double* v, double* d,
                                      double* h_liq, double* s_liq, double* u_liq, double* v_vap,
                                      double* d_vap, double* h_vap, double* s_vap, double* u_vap,
                                      char* errormsg, int errormsg_len) {
-    guarded(errormsg, errormsg_len, [&](std::string& e) {
+    guarded_success(errormsg, errormsg_len, [&](std::string& e) {
         zm::alloutputconvext(out(p), out(t), out(v), out(d), out(h), out(s), out(u),
                              composition_in(x, x_len), composition_in(y, y_len), out(v_liq),
                              out(d_liq), out(h_liq), out(s_liq), out(u_liq), out(v_vap), out(d_vap),
@@ -210,7 +210,7 @@ ZENTROPIA_SINGLE_PROPERTIES(ZP_DEFINE_SINGLE_PROPERTY)
 #define ZP_DEFINE_COMPOSITION(name)                                                                \
     ZP_C void zentropia_##name(const char* inputspec, double input1, double input2,                \
                                double* output, int output_len, char* errormsg, int errormsg_len) { \
-        guarded(errormsg, errormsg_len, [&](std::string& e) {                                      \
+        guarded_inout(errormsg, errormsg_len, [&](std::string& e) {                                \
             zm::name(text(inputspec), input1, input2, composition_ref(output, output_len), e);     \
         });                                                                                        \
     }
@@ -258,7 +258,7 @@ using zm::saturation_line;
     ZP_C void zentropia_##name(int* npnts, double* t, int t_len, double* p, int p_len, double* x,  \
                                int x_len, double* y, int y_len, char* errormsg,                    \
                                int errormsg_len) {                                                 \
-        guarded(errormsg, errormsg_len, [&](std::string& e) {                                      \
+        guarded_inout(errormsg, errormsg_len, [&](std::string& e) {                                \
             name(out(npnts), buffer(t, t_len), buffer(p, p_len), points_ref(x, x_len),             \
                  points_ref(y, y_len), e);                                                         \
         });                                                                                        \

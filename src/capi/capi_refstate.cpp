@@ -17,11 +17,11 @@ ZP_C void zentropia_setrefstate_nondim(double t_ref, double p_ref, double v_ref,
 }
 
 ZP_C void zentropia_updaterefstate(char* errormsg, int errormsg_len) {
-    guarded(errormsg, errormsg_len, [](std::string& e) { zr::updaterefstate(e); });
+    guarded_inout(errormsg, errormsg_len, [](std::string& e) { zr::updaterefstate(e); });
 }
 
 ZP_C void zentropia_updaterefstate_nondim(char* errormsg, int errormsg_len) {
-    guarded(errormsg, errormsg_len, [](std::string& e) { zr::updaterefstate_nondim(e); });
+    guarded_inout(errormsg, errormsg_len, [](std::string& e) { zr::updaterefstate_nondim(e); });
 }
 
 ZP_C void zentropia_getrefstate(double* t_ref, double* p_ref, double* v_ref, char* errormsg,

@@ -183,10 +183,16 @@ auto translate(char* errormsg, int errormsg_len, std::string_view entry, Call&& 
 template <class Call> auto guarded(char* errormsg, int errormsg_len, Call&& call) {
     return translate(errormsg, errormsg_len, {}, std::forward<Call>(call));
 }
-// errormsg read on entry and written back.
+// errormsg read on entry and written back: procedures that act on the caller's text, or that
+// leave it as it was when they have nothing to do.
 template <class Call> auto guarded_inout(char* errormsg, int errormsg_len, Call&& call) {
     return translate(errormsg, errormsg_len, get_text(errormsg, errormsg_len),
                      std::forward<Call>(call));
+}
+// errormsg out, "No errors" unless the procedure writes a failure: procedures that report only
+// failures, as a step of a larger one, when called on their own.
+template <class Call> auto guarded_success(char* errormsg, int errormsg_len, Call&& call) {
+    return translate(errormsg, errormsg_len, zp_common::no_errors, std::forward<Call>(call));
 }
 // A procedure without errormsg: an exception is swallowed and the result is the failed one.
 template <class Call> auto quiet(Call&& call) noexcept {

@@ -359,21 +359,41 @@ TEST_F(Setfluid, EvaluationsReachTheAdapterWithTheCallersArguments) {
 
 TEST_F(Setfluid, NonFiniteStatesAreRefused) {
     ASSERT_EQ(select("RefProp", {"water"}, {1.0}), "No errors");
-    const std::string refused = "Error in Zentropia: input values must be finite numbers, got ";
+    // only the values that are not numbers are named: the others are in internal units here
+    const std::string refused = "Error in Zentropia: input values must be finite numbers, ";
     std::string e;
     EXPECT_EQ(zb::calculate("PT", std::nan(""), 20.0, "h", e), -8888.8);
-    EXPECT_EQ(e, refused + "nan and 20");
+    EXPECT_EQ(e, refused + "input 1 is nan");
+    zb::calculate("PT", INFINITY, -INFINITY, "h", e);
+    EXPECT_EQ(e, refused + "inputs 1 and 2 are inf and -inf");
     double p = 7, a = 0, sigma = 0;
     composition x{}, y{};
     zb::allthermophys("PT", 1.0, -INFINITY, p, a, a, a, a, a, a, a, x, y, a, a, a, a, a, a, a, a, a,
                       sigma, e);
-    EXPECT_EQ(e, refused + "1 and -inf");
+    EXPECT_EQ(e, refused + "input 2 is -inf");
     EXPECT_EQ(p, 7);
     double v = INFINITY, u = 1;
     zb::zflow_tmd_vu(p, a, v, a, a, u, a, a, a, a, a, a, a, e);
-    EXPECT_EQ(e, refused + "inf and 1");
+    EXPECT_EQ(e, refused + "input 1 is inf");
     EXPECT_EQ(zb::calculate("PT", 1.0, 20.0, "h", e), 21.0);
     EXPECT_EQ(e, "No errors");
+}
+
+TEST_F(Setfluid, InputSpecificationsWithJunkAreRefused) {
+    ASSERT_EQ(select("RefProp", {"water"}, {1.0}), "No errors");
+    std::string e;
+    for (const std::string_view spec : {"PT", "PT    ", "PT liq", "Pq_vap", "PTxvap", "PT 1ph"}) {
+        EXPECT_EQ(zb::calculate(spec, 1.0, 20.0, "h", e), 21.0) << spec;
+        EXPECT_EQ(e, "No errors") << spec;
+    }
+    const std::string long_junk = "PT" + std::string(100000, 'x');
+    for (const std::string_view spec :
+         {std::string_view("PTjunk"), std::string_view("PTliq"), std::string_view("PT liquid"),
+          std::string_view("PT liqx"), std::string_view("P"), std::string_view(long_junk)}) {
+        EXPECT_EQ(zb::calculate(spec, 1.0, 20.0, "h", e), -8888.8) << spec;
+        EXPECT_TRUE(e.starts_with("Error in Zentropia: input specification \"")) << e;
+        EXPECT_LT(e.size(), 200u);
+    }
 }
 
 TEST_F(Setfluid, MolarMassesOfTheComponentsAndOfAMixture) {

@@ -133,8 +133,36 @@ static void bad_input(void) {
     check_close(h, 115331.273, 1e-8, "a good call after the failures");
 }
 
+/* a procedure with nothing to do leaves the caller's text; the _nondim update acts on "No errors" */
+static void texts_kept_or_read(void) {
+    char err[128];
+    double p = 3e6, t = 300.0, v = 0, d = 0, h = 0, s = 0, u = 0;
+    select_water_si();
+    zentropia_releaserefstate();
+    strcpy(err, "caller's text");
+    zentropia_updaterefstate(err, sizeof err);
+    check_text(err, "caller's text", "updaterefstate without a reference state");
+    zentropia_zp_allpropssatext("PT", 30.0, 26.85, &p, &t, &v, &d, &h, &s, &u, NULL, NULL, 0,
+                                NULL, 0, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL,
+                                NULL, err, sizeof err);
+    check_text(err, "caller's text", "zp_allpropssatext of a model without it");
+    strcpy(err, "No errors");
+    zentropia_setrefstate_nondim(300.0, 1e5, 1e-3, err, sizeof err);
+    check_text(err, "No errors", "setrefstate_nondim");
+    zentropia_updaterefstate_nondim(err, sizeof err);
+    check(strcmp(err, "No errors") == 0 && zentropia_isrefstateset(), "updaterefstate_nondim");
+    zentropia_releaserefstate();
+    zentropia_setunits("Zentropia", "PerMass", "", "", err, sizeof err);
+    zentropia_alloutputconvext(&p, &t, &v, &d, &h, &s, &u, NULL, 0, NULL, 0, NULL, NULL, NULL,
+                               NULL, NULL, NULL, NULL, NULL, NULL, NULL, err, sizeof err);
+    check_text(err, "No errors", "alloutputconvext on its own");
+    zentropia_calcprop("h", "PTjunk", 30.0, 26.85, err, sizeof err);
+    check(starts_with(err, "Error in Zentropia: input specification"), "junk after PT");
+}
+
 int main(void) {
     error_buffers();
+    texts_kept_or_read();
     water_properties();
     units_and_names();
     bad_input();

@@ -256,7 +256,7 @@ TEST(EntryPoints, PhaseMarkersConvertWithThePhasesMolarMass) {
     const double h = 1000.0 * zentropia_base::calculate("PT", 10.0, 76.85, "h", errormsg);
     for (const auto& [inputspec, m] :
          {std::pair{"PT", m_fluid}, std::pair{"PT liq", m_liquid}, std::pair{"PT vap", m_vapour},
-          std::pair{"PTliq", m_fluid}, std::pair{"PT", m_fluid}}) {
+          std::pair{"PT    ", m_fluid}, std::pair{"PT", m_fluid}}) {
         EXPECT_NEAR(zm::density(inputspec, 1e6, 350.0, errormsg), rho / m, 1e-9 * rho / m)
             << inputspec;
         EXPECT_NEAR(zm::enthalpy(inputspec, 1e6, 350.0, errormsg), h * m, 1e-9 * h * m)

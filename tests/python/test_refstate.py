@@ -36,5 +36,12 @@ def test_release_and_the_given_specific_volume(water_si):
     assert zp.setrefstate_nondim(300.0, 1e5, 0.002, "No errors") == "No errors"
     assert zp.getrefstate()[:3] == pytest.approx((300.0, 1e5, 0.002))
     zp.setunits("SI", "PerMass", "", "")
-    assert zp.updaterefstate_nondim() in ("", "No errors")
+    # the update, too, acts only on "No errors"; another text releases the reference state
+    assert zp.updaterefstate_nondim("No errors") == "No errors"
+    assert zp.isrefstateset() is True
     assert zp.getrefstate()[:3] == pytest.approx((300.0, 1e5, 0.002))
+    assert zp.updaterefstate_nondim() == ""
+    assert zp.isrefstateset() is False
+    # without a reference state there is nothing to update: the text comes back as passed
+    assert zp.updaterefstate("No errors") == "No errors"
+    assert zp.updaterefstate_nondim("Error in Zentropia: earlier") == "Error in Zentropia: earlier"

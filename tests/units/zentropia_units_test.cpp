@@ -273,6 +273,15 @@ TEST(ZentropiaUnits, BadSettingsLeaveInternalUnitsAndTheStoredSettings) {
         zu::getunits(set, basis_text, symbols, unit_list);
         EXPECT_EQ(set + basis_text + symbols + unit_list, "Anglo-SaxonPerMassTC") << what;
     }
+    // The stored settings being the last accepted ones, a phase's re-basing (the conversion of a
+    // value marked "PT liq") brings them back after a refused set, as updateunits would.
+    ASSERT_EQ(set_mmol("Anglo-Saxon", "PerMass", "T", "C", 1.0), "No errors");
+    const auto accepted = zu::convfact();
+    ASSERT_NE(set_mmol("SIX", "PerMass", " ", " ", 1.0), "No errors");
+    std::string msg;
+    zu::setunits_phase(1.0, msg);
+    EXPECT_EQ(msg, "No errors");
+    for (int i = 0; i < zu::nsymbols; ++i) EXPECT_EQ(zu::convfact()[i].factor, accepted[i].factor);
     // A molar mass that no unit needs is no failure.
     EXPECT_EQ(set_mmol("ZP", "PerMass", " ", " ", std::nan("")), "No errors");
     EXPECT_TRUE(all_identity());
