@@ -401,7 +401,7 @@ void allthermophys_part(std::string_view inputspec, double input1, double input2
     if (compositions) copy_in(usr_x, usr_y);
     if (alias_ops == nullptr || alias_ops->allprops == nullptr) {
         errormsg = model_name_unknown;
-    } else if (finite_inputs(input1, input2, errormsg)) {
+    } else if (valid_request(inputspec, input1, input2, errormsg)) {
         if (alias_ops->evaluate != nullptr)
             alias_ops->evaluate(inputspec, input1, input2, wanted, out, work_x, work_y, errormsg);
         else
