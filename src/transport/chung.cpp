@@ -76,23 +76,43 @@ constexpr std::array<double, N> coefficients(const std::array<coefficient_row, N
 struct dual {
     double v, t, r; // value, d/dT, d/drho
 };
-inline dual operator+(dual a, dual b) { return {a.v + b.v, a.t + b.t, a.r + b.r}; }
-inline dual operator+(dual a, double b) { return {a.v + b, a.t, a.r}; }
-inline dual operator+(double a, dual b) { return b + a; }
-inline dual operator-(dual a) { return {-a.v, -a.t, -a.r}; }
-inline dual operator-(dual a, dual b) { return a + (-b); }
-inline dual operator-(dual a, double b) { return {a.v - b, a.t, a.r}; }
-inline dual operator-(double a, dual b) { return a + (-b); }
+inline dual operator+(dual a, dual b) {
+    return {a.v + b.v, a.t + b.t, a.r + b.r};
+}
+inline dual operator+(dual a, double b) {
+    return {a.v + b, a.t, a.r};
+}
+inline dual operator+(double a, dual b) {
+    return b + a;
+}
+inline dual operator-(dual a) {
+    return {-a.v, -a.t, -a.r};
+}
+inline dual operator-(dual a, dual b) {
+    return a + (-b);
+}
+inline dual operator-(dual a, double b) {
+    return {a.v - b, a.t, a.r};
+}
+inline dual operator-(double a, dual b) {
+    return a + (-b);
+}
 inline dual operator*(dual a, dual b) {
     return {a.v * b.v, a.t * b.v + a.v * b.t, a.r * b.v + a.v * b.r};
 }
-inline dual operator*(dual a, double b) { return {a.v * b, a.t * b, a.r * b}; }
-inline dual operator*(double a, dual b) { return b * a; }
+inline dual operator*(dual a, double b) {
+    return {a.v * b, a.t * b, a.r * b};
+}
+inline dual operator*(double a, dual b) {
+    return b * a;
+}
 inline dual operator/(dual a, dual b) {
     const double q = a.v / b.v;
     return {q, (a.t - q * b.t) / b.v, (a.r - q * b.r) / b.v};
 }
-inline dual operator/(dual a, double b) { return a * (1.0 / b); }
+inline dual operator/(dual a, double b) {
+    return a * (1.0 / b);
+}
 inline dual operator/(double a, dual b) {
     const double q = a / b.v;
     return {q, -q * b.t / b.v, -q * b.r / b.v};
@@ -109,13 +129,16 @@ inline dual pow(dual a, double k) {
     const double p = std::pow(a.v, k), d = k * p / a.v;
     return {p, d * a.t, d * a.r};
 }
-inline double value(double a) { return a; }
-inline double value(dual a) { return a.v; }
+inline double value(double a) {
+    return a;
+}
+inline double value(dual a) {
+    return a.v;
+}
 
 // ---- the model ---------------------------------------------------------------------------------
 
-template <class S>
-S omega_v(S tstar) {
+template <class S> S omega_v(S tstar) {
     using std::exp, std::pow;
     return neufeld.a * pow(tstar, -neufeld.b) + neufeld.c * exp(-neufeld.d * tstar) +
            neufeld.e * exp(-neufeld.f * tstar);
@@ -123,16 +146,14 @@ S omega_v(S tstar) {
 
 // Chung et al. (1988), eq. 6 (Poling et al. 2001, eq. 9-4.10): η° = 40.785 F_c (M T)^(1/2) /
 // (Vc^(2/3) Ω_v) in μP with M in g/mol and Vc in cm³/mol; here in Pa s.
-template <class S>
-S eta_dilute(const mixture& m, S t) {
+template <class S> S eta_dilute(const mixture& m, S t) {
     using std::sqrt;
     const S tstar = t * (tc_per_epsilon / m.tc);
-    return 40.785e-7 * m.fc * sqrt(m.molar_mass * t) / (std::cbrt(m.vc * m.vc) * omega_v(tstar));
+    return 40.785e-7 * m.fc * sqrt(m.molar_mass * t) / (m.vc23 * omega_v(tstar));
 }
 
 // (1 - exp(-a y)) / y, by its series where a y is small
-template <class S>
-S decay_ratio(double a, S y) {
+template <class S> S decay_ratio(double a, S y) {
     using std::exp;
     if (std::fabs(a * value(y)) < 1e-4) {
         const S ay = a * y;
@@ -143,13 +164,11 @@ S decay_ratio(double a, S y) {
 
 // Chung et al. (1988), eqs. 10 and 11 (Poling et al. 2001, eqs. 9-6.19, 9-6.20, 10-5.6):
 // G_1 = (1 - y/2) / (1 - y)³ and G_2 from the first five coefficients c_1..c_5.
-template <class S>
-S g1(S y) {
+template <class S> S g1(S y) {
     const S w = 1.0 - y;
     return (1.0 - 0.5 * y) / (w * w * w);
 }
-template <class S, std::size_t N>
-S g2(const std::array<double, N>& c, S y, S g1y) {
+template <class S, std::size_t N> S g2(const std::array<double, N>& c, S y, S g1y) {
     using std::exp;
     return (c[0] * decay_ratio(c[3], y) + c[1] * g1y * exp(c[4] * y) + c[2] * g1y) /
            (c[0] * c[3] + c[1] + c[2]);
@@ -158,13 +177,12 @@ S g2(const std::array<double, N>& c, S y, S g1y) {
 // Chung et al. (1988), eqs. 7 to 12 (Poling et al. 2001, eqs. 9-6.18 to 9-6.21): the kinetic
 // part η°(1/G_2 + E_6 y) and the internal part 36.344 (M Tc)^(1/2) / Vc^(2/3) E_7 y² G_2
 // exp(E_8 + E_9/T* + E_10/T*²) in μP; y = ρ Vc / 6 with ρ in mol/cm³.
-template <class S>
-S eta_dense(const mixture& m, S t, S y, S eta0) {
+template <class S> S eta_dense(const mixture& m, S t, S y, S eta0) {
     using std::exp;
     const auto& e = m.e;
     const S tstar = t * (tc_per_epsilon / m.tc);
     const S g1y = g1(y), g2y = g2(e, y, g1y);
-    const double scale = 36.344e-7 * std::sqrt(m.molar_mass * m.tc) / std::cbrt(m.vc * m.vc);
+    const double scale = 36.344e-7 * std::sqrt(m.molar_mass * m.tc) / m.vc23;
     return eta0 * (1.0 / g2y + e[5] * y) +
            scale * e[6] * y * y * g2y * exp(e[7] + e[8] / tstar + e[9] / (tstar * tstar));
 }
@@ -172,8 +190,7 @@ S eta_dense(const mixture& m, S t, S y, S eta0) {
 // Chung et al. (1988), eq. 13 (Poling et al. 2001, eq. 10-3.14): the factor Ψ of the internal
 // degrees of freedom, from α = Cv/R - 3/2, β = 0.7862 - 0.7109 ω + 1.3168 ω² and
 // Z = 2 + 10.5 Tr².
-template <class S>
-S psi(const mixture& m, S t, S cv) {
+template <class S> S psi(const mixture& m, S t, S cv) {
     const S alpha = cv / gas_constant - 1.5;
     const double beta = 0.7862 - 0.7109 * m.omega + 1.3168 * m.omega * m.omega;
     const S tr = t / m.tc;
@@ -185,13 +202,12 @@ S psi(const mixture& m, S t, S cv) {
 // Chung et al. (1988), eq. 14 (Poling et al. 2001, eqs. 10-5.5 to 10-5.7):
 // λ = 31.2 η° Ψ / M' (1/G_2 + B_6 y) + q B_7 y² Tr^(1/2) G_2 in W/(m K), with M' in kg/mol and
 // q = 3.586e-3 (Tc/M')^(1/2) / Vc^(2/3).
-template <class S>
-S lambda_dense(const mixture& m, S t, S y, S eta0, S cv) {
+template <class S> S lambda_dense(const mixture& m, S t, S y, S eta0, S cv) {
     using std::sqrt;
     const auto& b = m.b;
     const double mkg = 1e-3 * m.molar_mass;
     const S g1y = g1(y), g2y = g2(b, y, g1y);
-    const double q = 3.586e-3 * std::sqrt(m.tc / mkg) / std::cbrt(m.vc * m.vc);
+    const double q = 3.586e-3 * std::sqrt(m.tc / mkg) / m.vc23;
     return 31.2 * eta0 * psi(m, t, cv) / mkg * (1.0 / g2y + b[5] * y) +
            q * b[6] * y * y * sqrt(t / m.tc) * g2y;
 }
@@ -227,8 +243,8 @@ heat_capacity planck_einstein_cv(const component& c, double t) {
         if (!(u > 0.0) || u > 700.0) continue; // a vibration that is frozen adds nothing
         const double w = std::exp(-u), one_w = 1.0 - w;
         const double f = u * u * w / (one_w * one_w);
-        const double df_du = w * ((2.0 * u - u * u) * one_w - 2.0 * u * u * w) /
-                             (one_w * one_w * one_w);
+        const double df_du =
+            w * ((2.0 * u - u * u) * one_w - 2.0 * u * u * w) / (one_w * one_w * one_w);
         cp += c.pe_v[k] * f;
         dcp += c.pe_v[k] * df_du * (-u / t);
     }
@@ -253,8 +269,7 @@ heat_capacity component_cv(const component& c, double t) {
 // Q = 0.1196 [1 + Tbr ln(Pc/1.01325) / (1 - Tbr)] - 0.279. Without a boiling point, Curl and
 // Pitzer (1958), Poling et al. (2001) eq. 12-3.7, put
 // Q = (1.86 + 1.18 ω)/19.05 [(3.75 + 0.91 ω)/(0.291 - 0.08 ω)]^(2/3).
-double pure_surface_tension(const component& c, double t) {
-    if (t >= c.tc) return 0.0;
+double surface_factor(const component& c) {
     const double pc_bar = 1e-5 * c.pc;
     double q;
     if (c.tb > 0.0 && c.tb < c.tc) {
@@ -262,9 +277,10 @@ double pure_surface_tension(const component& c, double t) {
         q = 0.1196 * (1.0 + tbr * std::log(pc_bar / 1.01325) / (1.0 - tbr)) - 0.279;
     } else {
         const double w = c.acentric;
-        q = (1.86 + 1.18 * w) / 19.05 * std::cbrt(std::pow((3.75 + 0.91 * w) / (0.291 - 0.08 * w), 2));
+        q = (1.86 + 1.18 * w) / 19.05 *
+            std::cbrt(std::pow((3.75 + 0.91 * w) / (0.291 - 0.08 * w), 2));
     }
-    return 1e-3 * std::cbrt(pc_bar * pc_bar * c.tc) * q * std::pow(1.0 - t / c.tc, 11.0 / 9.0);
+    return 1e-3 * std::cbrt(pc_bar * pc_bar * c.tc) * q;
 }
 
 void append_number(std::string& text, double value) {
@@ -346,6 +362,7 @@ bool make_mixture(std::span<const component> comps, std::span<const double> x, m
     const double sigma_m = std::cbrt(s3), epsilon_m = es3 / s3;
     const double mm_root = em / (epsilon_m * sigma_m * sigma_m);
     m.vc = s3 / (sigma_per_vc * sigma_per_vc * sigma_per_vc);
+    m.vc23 = std::cbrt(m.vc * m.vc);
     m.tc = tc_per_epsilon * epsilon_m;
     m.omega = ws3 / s3;
     m.molar_mass = mm_root * mm_root;
@@ -363,6 +380,7 @@ bool make_mixture(std::span<const component> comps, std::span<const double> x, m
     for (int i = 0; i < n; ++i) {
         m.has_cp0 = m.has_cp0 && (has_polynomial(comps[i]) || has_planck_einstein(comps[i]));
         m.has_surface = m.has_surface && positive(comps[i].pc);
+        if (positive(comps[i].pc)) m.surface_factor[i] = surface_factor(comps[i]);
         // Kay's rule: the pseudo-critical temperature is the mole-fraction average.
         m.tc_surface += m.x[i] * comps[i].tc;
     }
@@ -420,7 +438,9 @@ double ideal_gas_cv(const component& c, double t) {
 double surface_tension(const mixture& m, double t) {
     if (!m.has_surface || !(t < m.tc_surface)) return not_set;
     double sigma = 0.0;
-    for (int i = 0; i < m.n; ++i) sigma += m.x[i] * pure_surface_tension(m.comp[i], t);
+    for (int i = 0; i < m.n; ++i)
+        if (t < m.comp[i].tc)
+            sigma += m.x[i] * m.surface_factor[i] * std::pow(1.0 - t / m.comp[i].tc, 11.0 / 9.0);
     return sigma;
 }
 

@@ -40,19 +40,22 @@ struct mixture {
     std::array<double, max_components> x{}; // mole fractions, summing to 1
     double mean_molar_mass = 0.0;           // Σ x_i M_i, kg/mol: turns mass into moles
     // the pseudo-pure fluid
-    double tc = 0.0;        // K
-    double vc = 0.0;        // cm³/mol
-    double omega = 0.0;     // -
-    double molar_mass = 0.0; // Chung's mixture molar mass, g/mol
-    double mu_r = 0.0;      // reduced dipole moment, -
-    double kappa = 0.0;     // -
-    double fc = 0.0;        // shape and polarity factor F_c, -
+    double tc = 0.0;            // K
+    double vc = 0.0;            // cm³/mol
+    double vc23 = 0.0;          // Vc^(2/3), (cm³/mol)^(2/3)
+    double omega = 0.0;         // -
+    double molar_mass = 0.0;    // Chung's mixture molar mass, g/mol
+    double mu_r = 0.0;          // reduced dipole moment, -
+    double kappa = 0.0;         // -
+    double fc = 0.0;            // shape and polarity factor F_c, -
     std::array<double, 10> e{}; // viscosity coefficients E_1..E_10
     std::array<double, 7> b{};  // conductivity coefficients B_1..B_7
     bool has_cp0 = false;       // every component has an ideal-gas heat capacity
-    // surface tension: pseudo-critical temperature (K) and whether every component has Pc
+    // surface tension: pseudo-critical temperature (K), whether every component has Pc, and per
+    // component the factor of (1 - Tr)^(11/9) in N/m
     double tc_surface = 0.0;
     bool has_surface = false;
+    std::array<double, max_components> surface_factor{};
 };
 
 // Results at one state; -8888.8 marks what the data does not allow.

@@ -136,8 +136,7 @@ bool load_component(std::string_view name, chung::component& c) {
 
 [[gnu::cold, gnu::noinline]] void report_density(double v, std::string& errormsg) {
     std::array<char, 32> buffer{};
-    errormsg.assign(zp_common::error_prefix)
-        .append("own transport model: specific volume ");
+    errormsg.assign(zp_common::error_prefix).append("own transport model: specific volume ");
     errormsg.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + 32, v).ptr);
     errormsg.append(" m³/kg is below the close packing of the fluid's molecules");
 }
@@ -201,7 +200,10 @@ void transport_setfluid(int ncmp, std::span<const std::string> cmp, std::span<co
     std::array<chung::component, chung::max_components> comps;
     for (int i = 0; i < n; ++i)
         if (!load_component(cmp[i], comps[i])) {
-            errormsg.assign(not_available).append(" (").append(zp_common::strip(cmp[i])).append(")");
+            errormsg.assign(not_available)
+                .append(" (")
+                .append(zp_common::strip(cmp[i]))
+                .append(")");
             fluid.failure = errormsg;
             return;
         }

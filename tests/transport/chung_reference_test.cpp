@@ -81,7 +81,7 @@ TEST(ChungExamples, PolingWorkedExamples) {
     EXPECT_NEAR(1e7 * chung::dense_viscosity(nh3, 520.0, 1e6 / 48.2, 182e-7), 455.0, 0.5);
     // Example 9-8: 20.4 % H2S in ethyl ether at 331 K and low pressure: 87.6 μP.
     const std::array<chung::component, 2> pair{constants(373.4, 98.0, 0.090, 0.9, 34.082),
-                                                constants(466.7, 280.0, 0.281, 1.3, 74.123)};
+                                               constants(466.7, 280.0, 0.281, 1.3, 74.123)};
     const std::array<double, 2> x{0.204, 0.796};
     chung::mixture mix;
     std::string errormsg;
@@ -130,9 +130,10 @@ TEST(ChungReference, WaterAgainstIapws) {
     auto h2o = from_data("H2O");
     h2o.kappa = 0.076;
     const auto m = pure(h2o);
-    const std::map<std::string, std::pair<double, double>> tolerance{
-        {"dilute gas", {15, 45}}, {"vapour", {15, 45}}, {"supercritical", {10, 125}},
-        {"liquid", {70, 260}}};
+    const std::map<std::string, std::pair<double, double>> tolerance{{"dilute gas", {15, 45}},
+                                                                     {"vapour", {15, 45}},
+                                                                     {"supercritical", {10, 125}},
+                                                                     {"liquid", {70, 260}}};
     int n = 0;
     for (const auto& r : rows_of("transport/water_iapws.csv")) {
         chung::properties p;
@@ -158,9 +159,11 @@ TEST(ChungReference, FluidsAgainstReferenceCorrelations) {
     struct limits {
         double eta_gas, eta_liquid, lambda_gas, lambda_liquid;
     };
-    const std::map<std::string, limits> tolerance{
-        {"N2", {5, 15, 5, 20}},     {"CH4", {5, 15, 5, 10}},     {"CO2", {5, 30, 5, 25}},
-        {"C3H8", {10, 10, 10, 10}}, {"R134a", {20, 40, 0, 0}}};
+    const std::map<std::string, limits> tolerance{{"N2", {5, 15, 5, 20}},
+                                                  {"CH4", {5, 15, 5, 10}},
+                                                  {"CO2", {5, 30, 5, 25}},
+                                                  {"C3H8", {10, 10, 10, 10}},
+                                                  {"R134a", {20, 40, 0, 0}}};
     std::map<std::string, chung::mixture> models;
     int n = 0;
     for (const auto& r : rows_of("transport/reference_values.csv")) {
@@ -168,8 +171,8 @@ TEST(ChungReference, FluidsAgainstReferenceCorrelations) {
         if (!models.count(f)) models.emplace(f, pure(from_data(f)));
         const auto& m = models.at(f);
         const double molar = m.comp[0].molar_mass;
-        const double rho = r["rho_unit"] == "mol/dm3" ? 1e3 * r.number("rho") * molar
-                                                      : r.number("rho");
+        const double rho =
+            r["rho_unit"] == "mol/dm3" ? 1e3 * r.number("rho") * molar : r.number("rho");
         chung::properties p;
         chung::evaluate(m, r.number("T_K"), rho, p);
         const bool gas = r["phase"] == "gas";
