@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Writes water_iapws.csv: viscosity and thermal conductivity of water from python3-iapws, the
 independent reference against which the library's own corresponding-states transport model is
-checked on water.
+checked on water (in the columns of reference_values.csv).
 
 States are given by pressure and temperature; the density comes from IAPWS-95 (class IAPWS95),
 the viscosity from IAPWS R12-08 and the thermal conductivity from IAPWS R15-11 (critical
@@ -18,15 +18,15 @@ from iapws import IAPWS95
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
-# (kind, pressure MPa, temperature K)
+# (phase, pressure MPa, temperature K)
 STATES = [
-    ("dilute gas", 0.001, 300.0),
-    ("dilute gas", 0.001, 400.0),
-    ("dilute gas", 0.001, 600.0),
-    ("dilute gas", 0.001, 1000.0),
-    ("vapour", 0.1, 400.0),
-    ("vapour", 1.0, 500.0),
-    ("vapour", 5.0, 600.0),
+    ("gas", 0.001, 300.0),
+    ("gas", 0.001, 400.0),
+    ("gas", 0.001, 600.0),
+    ("gas", 0.001, 1000.0),
+    ("gas", 0.1, 400.0),
+    ("gas", 1.0, 500.0),
+    ("gas", 5.0, 600.0),
     ("liquid", 0.1, 280.0),
     ("liquid", 0.1, 300.0),
     ("liquid", 0.1, 350.0),
@@ -47,10 +47,12 @@ def main():
         f.write("# python3-iapws %s: IAPWS-95 density, IAPWS R12-08 viscosity, "
                 "IAPWS R15-11 thermal conductivity\n" % iapws.__version__)
         writer = csv.writer(f, lineterminator="\n")
-        writer.writerow(["kind", "p_MPa", "T_K", "rho_kg_m3", "eta_Pa_s", "lambda_W_mK"])
-        for kind, p, t in STATES:
+        writer.writerow(["fluid", "tag", "phase", "p_MPa", "T_K", "rho", "rho_unit", "eta_uPas",
+                         "lambda_mWmK"])
+        for phase, p, t in STATES:
             st = IAPWS95(P=p, T=t)
-            writer.writerow([kind, fmt(p), fmt(t), fmt(st.rho), fmt(st.mu), fmt(st.k)])
+            writer.writerow(["H2O", "IAPWS", phase, fmt(p), fmt(t), fmt(st.rho), "kg/m3",
+                             fmt(1e6 * st.mu), fmt(1e3 * st.k)])
 
 
 if __name__ == "__main__":

@@ -39,9 +39,9 @@ long allocations_of(const std::function<void()>& call) {
 
 TEST(NoAllocation, OwnTransportModel) {
     EXPECT_GT(allocations_of([] { std::string text(100, 'x'); }), 0) << "the counter counts";
-    const std::array<std::string, 10> names{"methane",  "ethane",   "propane",       "n-butane",
-                                            "isobutane", "n-pentane", "n-hexane",     "nitrogen",
-                                            "carbon dioxide", "hydrogen sulfide"};
+    const std::array<std::string, 10> names{
+        "methane",   "ethane",   "propane",  "n-butane",       "isobutane",
+        "n-pentane", "n-hexane", "nitrogen", "carbon dioxide", "hydrogen sulfide"};
     const std::array<double, 10> x{0.80, 0.07, 0.03, 0.01, 0.01, 0.005, 0.005, 0.03, 0.03, 0.01};
     std::string errormsg;
     ztr::transport_setfluid(10, names, x, errormsg);
@@ -58,8 +58,8 @@ TEST(NoAllocation, OwnTransportModel) {
     // Through the routing, for a back-end without transport properties of its own.
     const water_support::water_with_derivatives model;
     EXPECT_EQ(allocations_of([&] {
-                  ztr::zp_alltransprops("PT", 1.0, 150.0, o[0], o[1], o[2], o[3], o[4], o[5],
-                                        o[6], errormsg);
+                  ztr::zp_alltransprops("PT", 1.0, 150.0, o[0], o[1], o[2], o[3], o[4], o[5], o[6],
+                                        errormsg);
               }),
               0);
     EXPECT_EQ(errormsg, "No errors");
