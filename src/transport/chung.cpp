@@ -318,7 +318,7 @@ bool make_mixture(std::span<const component> comps, std::span<const double> x, m
     for (int i = 0; i < n; ++i) {
         const component& c = comps[i];
         if (!positive(c.tc)) return fail("the critical temperature (K)", i, c.tc);
-        if (!positive(c.vc)) return fail("the critical volume (m³/mol)", i, c.vc);
+        if (!positive(c.vc)) return fail("the critical volume (m3/mol)", i, c.vc);
         if (!positive(c.molar_mass)) return fail("the molar mass (kg/mol)", i, c.molar_mass);
         if (!std::isfinite(c.acentric)) return fail("the acentric factor", i, c.acentric);
         if (!std::isfinite(c.dipole) || c.dipole < 0.0)

@@ -131,14 +131,14 @@ bool load_component(std::string_view name, chung::component& c) {
     errormsg.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + 32, t).ptr);
     errormsg.append(" K and v = ");
     errormsg.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + 32, v).ptr);
-    errormsg.append(" m³/kg");
+    errormsg.append(" m3/kg");
 }
 
 [[gnu::cold, gnu::noinline]] void report_density(double v, std::string& errormsg) {
     std::array<char, 32> buffer{};
     errormsg.assign(zp_common::error_prefix).append("own transport model: specific volume ");
     errormsg.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + 32, v).ptr);
-    errormsg.append(" m³/kg is below the close packing of the fluid's molecules");
+    errormsg.append(" m3/kg is below the close packing of the fluid's molecules");
 }
 
 using zp_models::model_id;

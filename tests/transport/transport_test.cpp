@@ -93,14 +93,14 @@ TEST(Transport, OwnModelRejectsStatesThatAreNoStates) {
     const std::string state = "Error in Zentropia: own transport model needs a finite, positive "
                               "temperature and specific volume, got T = ";
     for (const auto& [t, v, expected] :
-         {std::tuple{nan, 0.01, state + "nan K and v = 0.01 m³/kg"},
-          {300.0, inf, state + "300 K and v = inf m³/kg"},
-          {-5.0, 0.01, state + "-5 K and v = 0.01 m³/kg"},
-          {300.0, 0.0, state + "300 K and v = 0 m³/kg"},
-          {300.0, -1.0, state + "300 K and v = -1 m³/kg"},
+         {std::tuple{nan, 0.01, state + "nan K and v = 0.01 m3/kg"},
+          {300.0, inf, state + "300 K and v = inf m3/kg"},
+          {-5.0, 0.01, state + "-5 K and v = 0.01 m3/kg"},
+          {300.0, 0.0, state + "300 K and v = 0 m3/kg"},
+          {300.0, -1.0, state + "300 K and v = -1 m3/kg"},
           {100.0, 1e-5,
            std::string("Error in Zentropia: own transport model: specific volume "
-                       "1e-05 m³/kg is below the close packing of the fluid's "
+                       "1e-05 m3/kg is below the close packing of the fluid's "
                        "molecules")}}) {
         const own_result r = own_model(t, v);
         EXPECT_EQ(r.errormsg, expected);
