@@ -24,7 +24,7 @@ using zp_common::not_set;
 
 constexpr std::string_view not_available =
     "Error in Zentropia: own transport model not available for this fluid.";
-// The library of the per-component transport texts "<name>.trn" in the fluid database.
+// The per-component transport texts are "<short name>.trn" (library "Transport" of the database).
 constexpr std::string_view text_suffix = ".trn";
 // Lines of a transport text: 18 fixed ones and two per Planck-Einstein term.
 constexpr int fixed_lines = 18;
