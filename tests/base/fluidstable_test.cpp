@@ -49,11 +49,13 @@ TEST(FluidsTable, TheGeneratedTableStandsBesideTheLibrary) {
     std::string e;
     fluidstable::readfluidstable(e);
     ASSERT_EQ(e, "No errors");
-    EXPECT_EQ(fluidstable::nfluids(), 223);
+    // 223 fluids, then the 8 predefined mixtures
+    EXPECT_EQ(fluidstable::nfluids(), 231);
     std::string water;
     for (int c = 0; c < 10; ++c) water += std::string(fluidstable::cell(0, c)) + "|";
-    EXPECT_EQ(water, "water|H2O|7732-18-5|-|-|-|-|-|-||");
-    EXPECT_EQ(fluidstable::cell(223, 0), "");
+    EXPECT_EQ(water, "water|H2O|7732-18-5|-|H2O|-|-|-|-||");
+    EXPECT_EQ(fluidstable::cell(230, 0), "NG-GulfCoast");
+    EXPECT_EQ(fluidstable::cell(231, 0), "");
 }
 
 TEST(FluidsTable, CallersNamesInAnyFormTranslate) {
@@ -75,6 +77,12 @@ TEST(FluidsTable, CallersNamesInAnyFormTranslate) {
          "No errors"},
         {model_id::refprop, {"1,1,2-trichloro-1,2,2-trifluoroeXXXX"}, {"R113"}, "No errors"},
         {model_id::tpsi, {"nitrogen", "water"}, {"TP_N2", "-"}, none + "water not found..."},
+        // the Varimol names of the shipped table: short names and predefined mixtures; NF3 has no
+        // cubic-EOS data
+        {model_id::varimol,
+         {"Methane", "r410a", "NF3"},
+         {"CH4", "R410A", "-"},
+         none + "NF3 not found..."},
         {model_id::refprop,
          {"unobtainium", "nitrogen", "Phlogiston "},
          {"unset", "N2", "unset"},
@@ -154,11 +162,11 @@ TEST(FluidsTable, FluidNamesOfTheTableAndOfABackEnd) {
         const char* first;
         std::string errormsg;
     } const cases[] = {
-        {fluidstable::long_name, "", 223, "water", "No errors"},
-        {fluidstable::short_name, " ", 223, "H2O", "No errors"},
-        {fluidstable::cas_number, "", 223, "7732-18-5", "No errors"},
-        {fluidstable::long_name, "refprop", 223, "water", "No errors"},
-        {fluidstable::long_name, "TPSI", 222, "heavy water", "No errors"}, // water lacks TPSI
+        {fluidstable::long_name, "", 231, "water", "No errors"},
+        {fluidstable::short_name, " ", 231, "H2O", "No errors"},
+        {fluidstable::cas_number, "", 231, "7732-18-5", "No errors"},
+        {fluidstable::long_name, "refprop", 231, "water", "No errors"},
+        {fluidstable::long_name, "TPSI", 230, "heavy water", "No errors"}, // water lacks TPSI
         {fluidstable::long_name, "Kelvora", 0, "", "No errors"},
         {fluidstable::long_name, "IF97", 0, "", z + "the fluid table lists no fluids for IF97"},
         {fluidstable::long_name, "nonsense", 0, "", z + "invalid model name nonsense"},
