@@ -4,10 +4,7 @@
 #include "base/filelocation.hpp"
 #include "base/fluidstable.hpp"
 #include "base/zentropia_base.hpp"
-#if __has_include("fluiddb/sqlite.hpp")
 #include "fluiddb/sqlite.hpp"
-#define ZP_FLUID_DATABASE 1
-#endif
 #include "transport/chung.hpp"
 
 #include <algorithm>
@@ -110,12 +107,8 @@ bool parse_text(std::span<const std::string> lines, chung::component& c) {
 bool load_component(std::string_view name, chung::component& c) {
     const std::string key = database_key(name);
     std::array<std::string, max_lines> lines;
-#ifdef ZP_FLUID_DATABASE
     const int n = sqlite::getfluid(filelocation::fluidpath(filelocation::library_module),
                                    std::string(key).append(text_suffix), lines);
-#else
-    const int n = 0; // no fluid database in this build
-#endif
     if (!parse_text(std::span<const std::string>(lines.data(), std::max(n, 0)), c)) return false;
     if (c.kappa == 0.0)
         for (const auto& row : association_table)
