@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <memory>
 
@@ -72,7 +73,11 @@ private:
 // Output collected in large blocks.
 class block_writer {
 public:
-    explicit block_writer(std::FILE* out) : out_(out) { text_.reserve(chunk + 4096); }
+    // precision: significant digits of the values, 0 for the fewest that read back exactly
+    block_writer(std::FILE* out, char delimiter, int precision)
+        : out_(out), delimiter_(delimiter), precision_(precision) {
+        text_.reserve(chunk + 4096);
+    }
     block_writer(const block_writer&) = delete;
     block_writer& operator=(const block_writer&) = delete;
 
@@ -82,12 +87,50 @@ public:
     // does not compute
     void put(double value) {
         if (zp_common::isinit(value)) return;
-        char digits[32];
-        text_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+        char digits[40];
+        text_.append(digits, format(digits, value));
     }
-    // a CSV field, quoted when it holds a separator, a quote or a line end
+    // the delimiter, then the value (one append: the row loop is the tool's hot path)
+    void put_delimited(double value) {
+        char digits[41];
+        digits[0] = delimiter_;
+        text_.append(digits, zp_common::isinit(value) ? 1 : 1 + format(digits + 1, value));
+    }
+    void put_delimited(std::string_view s) {
+        put(delimiter_);
+        put(s);
+    }
+    // the delimiter before an empty error column and the line end
+    void end_good_row() {
+        const char end[2] = {delimiter_, '\n'};
+        text_.append(end, 2);
+        end_row_quiet();
+    }
+    // a value, or null for one the model does not compute (JSON)
+    void put_json(double value) {
+        if (zp_common::isinit(value) || !std::isfinite(value)) return put("null");
+        put(value);
+    }
+    // a JSON string
+    void put_string(std::string_view s) {
+        put('"');
+        for (const char c : s) {
+            if (c == '"' || c == '\\') put('\\');
+            if (static_cast<unsigned char>(c) < 0x20) {
+                char escaped[8];
+                std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+                put(escaped);
+            } else {
+                put(c);
+            }
+        }
+        put('"');
+    }
+    void delimiter() { put(delimiter_); }
+    // a CSV field, quoted when it holds a delimiter, a quote or a line end
     void put_field(std::string_view s) {
-        if (s.find_first_of(",\"\r\n") == std::string_view::npos) return put(s);
+        const char specials[] = {delimiter_, '"', '\r', '\n', '\0'};
+        if (s.find_first_of(specials) == std::string_view::npos) return put(s);
         put('"');
         for (const char c : s) {
             if (c == '"') put('"');
@@ -97,6 +140,10 @@ public:
     }
     void end_row() {
         put('\n');
+        end_row_quiet();
+    }
+    // flushes a full block without ending a line
+    void end_row_quiet() {
         if (text_.size() >= chunk) flush();
     }
     void flush() {
@@ -108,17 +155,26 @@ public:
     }
 
 private:
+    // the digits of value written at `to` (room for 40 characters); their count
+    std::size_t format(char* to, double value) const {
+        if (precision_ > 0)
+            return static_cast<std::size_t>(std::snprintf(to, 40, "%.*g", precision_, value));
+        return static_cast<std::size_t>(std::to_chars(to, to + 40, value).ptr - to);
+    }
+
     std::FILE* out_;
     std::string text_;
+    char delimiter_;
+    int precision_;
 };
 
 // The two input fields of a row (columns counted from 0); false when the row has too few.
-bool input_fields(std::string_view line, std::array<std::size_t, 2> columns,
+bool input_fields(std::string_view line, char delimiter, std::array<std::size_t, 2> columns,
                   std::array<std::string_view, 2>& fields) {
     std::size_t found = 0, column = 0;
     const std::size_t last = std::max(columns[0], columns[1]);
     for (std::size_t at = 0; column <= last; ++column) {
-        const auto comma = line.find(',', at);
+        const auto comma = line.find(delimiter, at);
         const auto field = zp_common::strip(line.substr(at, comma - at));
         for (int k = 0; k < 2; ++k)
             if (columns[k] == column) fields[k] = field, ++found;
@@ -126,6 +182,17 @@ bool input_fields(std::string_view line, std::array<std::size_t, 2> columns,
         at = comma + 1;
     }
     return found == 2;
+}
+
+// every field of a line (for --keep)
+void all_fields(std::string_view line, char delimiter, std::vector<std::string_view>& fields) {
+    fields.clear();
+    for (std::size_t at = 0;;) {
+        const auto end = line.find(delimiter, at);
+        fields.push_back(zp_common::strip(line.substr(at, end - at)));
+        if (end == std::string_view::npos) return;
+        at = end + 1;
+    }
 }
 
 bool parse_number(std::string_view field, double& value) {
@@ -150,20 +217,22 @@ std::array<std::size_t, 2> parse_columns(std::string_view text) {
 }
 
 // Each requested property comes from one of three sources: its own entry point, a column of one
-// allprops evaluation of the row, or calcprop (the keywords allprops does not return).
+// full-state evaluation of the row, or calcprop (the keywords the full state does not hold); a
+// property those leave uncomputed comes from the entry point that derives it (one_answer).
 class evaluator {
-    static auto entry(int column) { return zentropia::allprops_outputs[column].entry; }
+    static auto entry(int column) { return zp_props::properties[column].entry; }
 
 public:
     evaluator(std::string inputspec, std::vector<std::string> keywords)
         : inputspec_(std::move(inputspec)), keywords_(std::move(keywords)),
-          values_(keywords_.size()) {
+          values_(keywords_.size()), absent_(keywords_.size()), reasons_(keywords_.size()) {
         std::size_t outputs = 0;
         for (const auto& k : keywords_) {
-            columns_.push_back(zentropia::allprops_output_index(k));
-            if (columns_.back() < 0) continue;
+            columns_.push_back(zp_props::property_index(k));
+            const int column = columns_.back();
+            if (column < 0 || column >= static_cast<int>(zp_props::n_allprops)) continue;
             ++outputs;
-            whole_state_ |= entry(columns_.back()) == nullptr;
+            whole_state_ |= entry(column) == nullptr;
         }
         // One allprops evaluation costs about what four single-property entry points cost
         // together (IF97 water: 1 us against 0.2 to 0.4 us each).
@@ -172,45 +241,88 @@ public:
     // the requested values at (a, b); errormsg holds the first failure
     const std::vector<double>& at(double a, double b, std::string& errormsg) {
         errormsg = zp_common::no_errors;
-        if (whole_state_) allprops(inputspec_, a, b, state_, x_, y_, errormsg);
+        if (whole_state_) allprops(a, b, errormsg);
         for (std::size_t i = 0; i < keywords_.size(); ++i) {
             const int column = columns_[i];
-            if (column >= 0 && whole_state_) {
+            if (whole_state_ && column >= 0 && column < static_cast<int>(zp_props::n_allprops)) {
                 values_[i] = state_[column];
-                continue;
+            } else {
+                values_[i] =
+                    column >= 0 && entry(column)
+                        ? entry(column)(inputspec_, a, b, single_)
+                        : zentropia_main::calcprop(keywords_[i], inputspec_, a, b, single_);
+                if (zp_common::is_ok(errormsg) && !zp_common::is_ok(single_)) errormsg = single_;
             }
-            values_[i] = column >= 0
-                             ? entry(column)(inputspec_, a, b, single_)
-                             : zentropia_main::calcprop(keywords_[i], inputspec_, a, b, single_);
-            if (zp_common::is_ok(errormsg) && !zp_common::is_ok(single_)) errormsg = single_;
+            if (zp_common::isinit(values_[i]) && zp_common::is_ok(errormsg)) {
+                values_[i] = zp_props::one_answer(column, inputspec_, a, b, values_[i], reason_);
+                if (zp_common::isinit(values_[i])) ++absent_[i], reasons_[i] = reason_;
+            }
         }
         return values_;
     }
+    // how often each property was not computed in a row that succeeded, and the last reason
+    const std::vector<std::size_t>& absent() const { return absent_; }
+    const std::vector<std::string>& reasons() const { return reasons_; }
 
 private:
+    void allprops(double a, double b, std::string& errormsg) {
+        auto& r = state_;
+        zentropia_main::allprops(inputspec_, a, b, r[0], r[1], r[2], r[3], r[4], r[5], r[6], r[7],
+                                 x_, y_, r[8], r[9], r[10], r[11], r[12], r[13], r[14], r[15],
+                                 r[16], r[17], r[18], r[19], r[20], r[21], r[22], errormsg);
+    }
+
     std::string inputspec_;
     std::vector<std::string> keywords_;
-    std::vector<int> columns_; // in zentropia::allprops_outputs, -1 for other keywords
+    std::vector<int> columns_; // in zp_props::properties, -1 for other keywords
     std::vector<double> values_;
+    std::vector<std::size_t> absent_;
+    std::vector<std::string> reasons_;
     bool whole_state_ = false;
-    std::array<double, n_allprops> state_{};
+    std::array<double, zp_props::n_allprops> state_{};
     zp_common::composition x_{}, y_{};
-    std::string single_;
+    std::string single_, reason_;
 };
+
+char parse_delimiter(std::string_view text) {
+    if (text == "tab" || text == "\\t" || text == "\t") return '\t';
+    if (text.size() == 1 && text != "\"" && text != "\n" && text != "\r" && text != "#" &&
+        text != "." && text != "-" && text != "+" && !(text[0] >= '0' && text[0] <= '9') &&
+        !(text[0] >= 'a' && text[0] <= 'z') && !(text[0] >= 'A' && text[0] <= 'Z'))
+        return text[0];
+    throw usage_error("--delimiter is one character such as , ; | or tab, not '" +
+                      std::string(text) + "'");
+}
+
+int parse_precision(std::string_view text) {
+    const double n = number(text, "--precision");
+    if (n < 1 || n > 17 || n != static_cast<int>(n))
+        throw usage_error("--precision is a number of significant digits from 1 to 17, not '" +
+                          std::string(text) + "'");
+    return static_cast<int>(n);
+}
 
 } // namespace
 
 int run_batch(const command_line& cl) {
     if (cl.arguments.size() > 1) throw usage_error("batch reads one file at most");
     const std::string inputspec = option(cl, "--inputspec", "PT");
-    if (inputspec.size() < 2) throw usage_error("--spec wants two property symbols, such as PT");
+    check_inputspec(inputspec);
     const auto columns = parse_columns(option(cl, "--columns", "1,2"));
+    const char delimiter = parse_delimiter(option(cl, "--delimiter", ","));
+    const int precision =
+        cl.options.count("--precision") ? parse_precision(option(cl, "--precision", "")) : 0;
+    const std::string format = option(cl, "--format", "csv");
+    if (format != "csv" && format != "json")
+        throw usage_error("--format is csv or json, not '" + format + "'");
+    const bool json = format == "json", keep = cl.options.count("--keep") > 0;
     std::vector<std::string> requests;
     const std::string props = option(cl, "--props", "h,s,c");
     for (std::string_view list = props; !list.empty();) {
         const auto comma = std::min(list.find(','), list.size());
         const std::string keyword(zp_common::strip(list.substr(0, comma)));
         if (keyword.empty()) throw usage_error("--props lists an empty keyword");
+        check_keyword(keyword);
         requests.push_back(keyword);
         list.remove_prefix(std::min(comma + 1, list.size()));
     }
@@ -220,57 +332,149 @@ int run_batch(const command_line& cl) {
     const std::string input = cl.arguments.empty() ? "-" : cl.arguments.front();
     file in_file = input == "-" ? file(nullptr, &std::fclose) : open(input, "rb");
     const std::string output = option(cl, "--output", "-");
-    file out_file = output == "-" ? file(nullptr, &std::fclose) : open(output, "wb");
     line_reader lines(in_file ? in_file.get() : stdin);
-    block_writer out(out_file ? out_file.get() : stdout);
     evaluator evaluate(inputspec, requests);
 
     std::size_t rows = 0, failed = 0, line_number = 0;
     bool first = true;
-    std::string errormsg;
+    std::string errormsg, row_message;
     std::string_view line;
     std::array<std::string_view, 2> fields;
+    std::vector<std::string_view> kept;
+    std::vector<std::string> names; // of the output's fields (JSON keys)
+    std::size_t width = 0;          // fields of the first line
+    file out_file(nullptr, &std::fclose);
+    std::unique_ptr<block_writer> writer;
     while (lines.next(line)) {
         ++line_number;
         if (zp_common::strip(line).empty() || line.starts_with('#')) continue;
-        const bool complete = input_fields(line, columns, fields);
+        const bool complete = input_fields(line, delimiter, columns, fields);
         double a = 0.0, b = 0.0;
         const bool numbers = complete && parse_number(fields[0], a) && parse_number(fields[1], b);
+        if (keep) all_fields(line, delimiter, kept);
         if (first) {
+            // The first line settles the columns; nothing is written before it is checked.
             first = false;
+            std::vector<std::string_view> line_fields;
+            all_fields(line, delimiter, line_fields);
+            width = line_fields.size();
+            if (std::max(columns[0], columns[1]) >= width)
+                throw usage_error("--columns " + option(cl, "--columns", "1,2") +
+                                  ": the input has " + std::to_string(width) + " column" +
+                                  (width == 1 ? "" : "s") +
+                                  (delimiter == ',' ? "" : " (with --delimiter)"));
             const bool header =
                 complete && !parse_number(fields[0], a) && !parse_number(fields[1], b);
-            out.put_field(header ? fields[0] : inputspec.substr(0, 1));
-            out.put(',');
-            out.put_field(header ? fields[1] : inputspec.substr(1, 1));
-            for (const auto& keyword : requests) out.put(','), out.put_field(keyword);
-            out.put(",error");
-            out.end_row();
+            const std::array<std::string, 2> input_names{
+                header ? std::string(fields[0]) : labelled(inputspec.substr(0, 1)),
+                header ? std::string(fields[1]) : labelled(inputspec.substr(1, 1))};
+            if (keep)
+                for (std::size_t k = 0; k < width; ++k)
+                    names.push_back(header            ? std::string(line_fields[k])
+                                    : k == columns[0] ? input_names[0]
+                                    : k == columns[1] ? input_names[1]
+                                                      : "column " + std::to_string(k + 1));
+            else
+                names.assign(input_names.begin(), input_names.end());
+            for (const auto& keyword : requests)
+                names.push_back(json ? keyword : labelled(keyword));
+            names.emplace_back("error");
+            if (output != "-") out_file = open(output, "wb");
+            writer = std::make_unique<block_writer>(out_file ? out_file.get() : stdout, delimiter,
+                                                    precision);
+            if (json) {
+                writer->put("[");
+            } else {
+                for (std::size_t k = 0; k < names.size(); ++k) {
+                    if (k) writer->delimiter();
+                    writer->put_field(names[k]);
+                }
+                writer->end_row();
+            }
             if (header) continue;
         }
+        block_writer& out = *writer;
         ++rows;
+        const std::vector<double>* values = nullptr;
+        std::string_view message; // empty when the row succeeded
         if (numbers) {
-            const auto& values = evaluate.at(a, b, errormsg);
-            out.put(fields[0]), out.put(','), out.put(fields[1]);
-            const bool ok = zp_common::is_ok(errormsg);
-            for (const double v : values) {
-                out.put(',');
-                if (ok) out.put(v);
-            }
-            out.put(',');
-            if (!ok) out.put_field(errormsg), ++failed;
+            values = &evaluate.at(a, b, errormsg);
+            if (!zp_common::is_ok(errormsg)) message = errormsg, values = nullptr;
         } else {
-            ++failed;
-            out.put_field(complete ? fields[0] : ""), out.put(','),
-                out.put_field(complete ? fields[1] : "");
-            for (std::size_t i = 0; i < requests.size(); ++i) out.put(',');
-            out.put(',');
-            out.put_field("line " + std::to_string(line_number) +
-                          (complete ? ": the inputs are not numbers" : ": too few columns"));
+            row_message = "line " + std::to_string(line_number) +
+                          (complete ? ": the inputs are not numbers" : ": too few columns");
+            message = row_message;
         }
-        out.end_row();
+        if (!message.empty()) ++failed;
+        // the input fields: all of them with --keep, else the two inputs
+        const std::size_t n_inputs = keep ? kept.size() : 2;
+        const auto input_field = [&](std::size_t k) {
+            return keep ? kept[k] : complete ? fields[k] : std::string_view{};
+        };
+        if (json) {
+            out.put(rows == 1 ? "\n{" : ",\n{");
+            for (std::size_t k = 0; k < n_inputs && k < names.size() - requests.size() - 1; ++k) {
+                out.put_string(names[k]), out.put(':');
+                double v;
+                if (parse_number(input_field(k), v))
+                    out.put(input_field(k));
+                else
+                    out.put_string(input_field(k));
+                out.put(',');
+            }
+            const std::size_t first_value = names.size() - requests.size() - 1;
+            for (std::size_t i = 0; i < requests.size(); ++i) {
+                out.put_string(names[first_value + i]), out.put(':');
+                out.put_json(values ? (*values)[i] : zp_common::not_set);
+                out.put(',');
+            }
+            out.put("\"error\":");
+            if (message.empty())
+                out.put("null");
+            else
+                out.put_string(message);
+            out.put('}');
+            out.end_row_quiet();
+        } else {
+            if (numbers && !keep) {
+                out.put(fields[0]), out.put_delimited(fields[1]);
+            } else {
+                for (std::size_t k = 0; k < n_inputs; ++k) {
+                    if (k) out.delimiter();
+                    out.put_field(input_field(k));
+                }
+            }
+            for (std::size_t i = 0; i < requests.size(); ++i)
+                out.put_delimited(values ? (*values)[i] : zp_common::not_set);
+            if (message.empty()) {
+                out.end_good_row();
+            } else {
+                out.delimiter(), out.put_field(message);
+                out.end_row();
+            }
+        }
     }
-    out.flush();
+    if (!writer) { // an empty input: the header alone
+        if (output != "-") out_file = open(output, "wb");
+        writer = std::make_unique<block_writer>(out_file ? out_file.get() : stdout, delimiter,
+                                                precision);
+        if (json) {
+            writer->put("[");
+        } else {
+            writer->put_field(labelled(inputspec.substr(0, 1))), writer->delimiter();
+            writer->put_field(labelled(inputspec.substr(1, 1)));
+            for (const auto& keyword : requests)
+                writer->delimiter(), writer->put_field(labelled(keyword));
+            writer->delimiter(), writer->put("error"), writer->end_row();
+        }
+    }
+    if (json) writer->put("\n]\n");
+    writer->flush();
+    for (std::size_t i = 0; i < requests.size(); ++i)
+        if (evaluate.absent()[i] > 0)
+            std::fprintf(stderr, "zentropia batch: %s not computed in %zu of %zu rows (%s)\n",
+                         requests[i].c_str(), evaluate.absent()[i], rows,
+                         evaluate.reasons()[i].c_str());
     if (failed == 0) return exit_ok;
     std::fprintf(stderr, "zentropia batch: %zu of %zu rows failed\n", failed, rows);
     return exit_failed_rows;

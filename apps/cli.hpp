@@ -1,6 +1,6 @@
 #pragma once
 // The zentropia command-line tool: its command line, the selection it makes, and its commands.
-#include "zentropia/zentropia.hpp"
+#include "main/property_table.hpp"
 
 #include <array>
 #include <cstdio>
@@ -42,9 +42,11 @@ struct selection {
 struct command_line {
     std::string command;
     std::vector<std::string> arguments;         // positional arguments after the command
-    std::map<std::string, std::string> options; // the command's own options, by name
+    std::map<std::string, std::string> options; // the command's own options, by name ("" for a
+                                                // flag)
     selection fluid;
     bool help = false;
+    bool version = false;
 };
 
 // The command's own options (beyond the common ones) and whether it takes positional arguments.
@@ -73,15 +75,16 @@ void check(const std::string& errormsg);
 std::string unit_of(std::string_view symbol);
 // A Latin-1 library text (unit texts carry the degree sign as byte 0xB0) as UTF-8.
 std::string latin1_to_utf8(std::string_view text);
-// A value for people: ten significant digits, or "not computed" for the sentinel.
+// A value exactly, in the fewest digits that read back to it, or "not computed" for the sentinel.
 std::string readable(double value);
 
-inline constexpr std::size_t n_allprops = zentropia::allprops_outputs.size();
-// Evaluates allprops; values in the order of zentropia::allprops_outputs, x and y the phase
-// compositions.
-void allprops(std::string_view inputspec, double input1, double input2,
-              std::array<double, n_allprops>& values, zp_common::composition& x,
-              zp_common::composition& y, std::string& errormsg);
+// Throws usage_error unless the first two letters of inputspec are input symbols of the unit sets
+// (P, T, v, d, h, s, u) or the quality q; their case matters ("PT", not "pt").
+void check_inputspec(std::string_view inputspec);
+// "h [J/kg]": a property keyword with its unit in the chosen units ("q" alone where it has none)
+std::string labelled(std::string_view keyword);
+// Throws usage_error unless keyword is a property keyword of calcprop.
+void check_keyword(std::string_view keyword);
 
 int run_calc(const command_line& cl);
 int run_props(const command_line& cl);
@@ -89,5 +92,7 @@ int run_batch(const command_line& cl);
 int run_info(const command_line& cl);
 int run_fluids(const command_line& cl);
 int run_units(const command_line& cl);
+int run_models(const command_line& cl);
+int run_envelope(const command_line& cl);
 
 } // namespace cli

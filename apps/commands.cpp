@@ -3,10 +3,12 @@
 #include "cli.hpp"
 #include "main/zentropia_main.hpp"
 #include "units/zentropia_units.hpp"
+#include "zentropia/zentropia.hpp"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <map>
 
 namespace cli {
 
@@ -21,35 +23,9 @@ void print_exact(double value) {
 
 void print_row(std::string_view name, std::string_view meaning, double value,
                std::string_view unit) {
-    std::printf("  %-8.*s %-32.*s %16s  %.*s\n", static_cast<int>(name.size()), name.data(),
+    std::printf("  %-8.*s %-32.*s %22s  %.*s\n", static_cast<int>(name.size()), name.data(),
                 static_cast<int>(meaning.size()), meaning.data(), readable(value).c_str(),
                 static_cast<int>(unit.size()), unit.data());
-}
-
-// Models whose full state carries no pressure derivatives (IF97) leave the derivative properties
-// of allprops uncomputed; their own entry points derive them from single properties instead.
-using entry_point = double (*)(std::string_view, double, double, std::string&);
-constexpr std::array<std::pair<std::string_view, entry_point>, 10> derived_entries{{
-    {"alpha", &zentropia_main::alpha},
-    {"beta", &zentropia_main::beta},
-    {"chi", &zentropia_main::chi},
-    {"fi", &zentropia_main::fi},
-    {"ksi", &zentropia_main::ksi},
-    {"psi", &zentropia_main::psi},
-    {"zeta", &zentropia_main::zeta},
-    {"theta", &zentropia_main::theta},
-    {"kappa", &zentropia_main::kappa},
-    {"gamma", &zentropia_main::gamma},
-}};
-
-double derived_value(std::string_view name, std::string_view inputspec, double v1, double v2) {
-    for (const auto& [entry_name, entry] : derived_entries)
-        if (entry_name == name) {
-            std::string errormsg;
-            const double value = entry(inputspec, v1, v2, errormsg);
-            return zp_common::is_ok(errormsg) ? value : zp_common::not_set;
-        }
-    return zp_common::not_set;
 }
 
 std::string fluid_name(const selection& fluid) {
@@ -63,12 +39,18 @@ std::string fluid_name(const selection& fluid) {
 
 int run_calc(const command_line& cl) {
     expect_arguments(cl, 4, "PROP INPUTSPEC V1 V2");
+    check_keyword(cl.arguments[0]);
+    check_inputspec(cl.arguments[1]);
     const double v1 = number(cl.arguments[2], "V1"), v2 = number(cl.arguments[3], "V2");
     select(cl.fluid);
-    std::string errormsg;
-    const double value =
-        zentropia_main::calcprop(cl.arguments[0], cl.arguments[1], v1, v2, errormsg);
+    std::string errormsg, reason;
+    const auto& [keyword, inputspec] = std::pair(cl.arguments[0], cl.arguments[1]);
+    const double value = zp_props::one_answer(
+        zp_props::property_index(keyword), inputspec, v1, v2,
+        zentropia_main::calcprop(keyword, inputspec, v1, v2, errormsg), reason);
     check(errormsg);
+    if (zp_common::isinit(value))
+        throw library_error(keyword + " is not computed for this state (" + reason + ")");
     print_exact(value);
     return exit_ok;
 }
@@ -76,29 +58,40 @@ int run_calc(const command_line& cl) {
 int run_props(const command_line& cl) {
     expect_arguments(cl, 3, "INPUTSPEC V1 V2");
     const std::string& inputspec = cl.arguments[0];
+    check_inputspec(inputspec);
     const double v1 = number(cl.arguments[1], "V1"), v2 = number(cl.arguments[2], "V2");
     select(cl.fluid);
-    std::array<double, n_allprops> values;
-    zp_common::composition x{}, y{};
+    double t_crit, p_crit;
+    zp_props::critical_point(t_crit, p_crit);
+    zp_props::state state;
     std::string errormsg;
-    allprops(inputspec, v1, v2, values, x, y, errormsg);
+    zp_props::state_of(inputspec, v1, v2, t_crit, p_crit, state, errormsg);
     check(errormsg);
     std::printf("%s, %s units %s, state %s = %s, %s\n\n", fluid_name(cl.fluid).c_str(),
                 cl.fluid.unitset.c_str(), cl.fluid.basis.c_str(), inputspec.c_str(),
                 cl.arguments[1].c_str(), cl.arguments[2].c_str());
-    for (std::size_t i = 0; i < n_allprops; ++i) {
-        const auto& row = zentropia::allprops_outputs[i];
-        if (zp_common::isinit(values[i])) values[i] = derived_value(row.name, inputspec, v1, v2);
-        print_row(row.name, row.description, values[i], unit_of(row.unit_symbol));
-    }
-    if (cl.fluid.components.size() > 1)
-        for (std::size_t i = 0; i < cl.fluid.components.size(); ++i) {
-            const std::string n = std::to_string(i + 1), &name = cl.fluid.components[i];
-            print_row(std::string("x").append(n), std::string("liquid fraction of ").append(name),
-                      x[i], "");
-            print_row(std::string("y").append(n), std::string("vapour fraction of ").append(name),
-                      y[i], "");
+    const std::string_view phase = zp_props::phase_names[static_cast<int>(state.label)];
+    std::printf("  %-8s %-32s %22.*s\n", "phase", "phase of the state",
+                static_cast<int>(phase.size()), phase.data());
+    std::map<std::string, std::string> reasons; // reason -> the properties it concerns
+    for (std::size_t i = 0; i < zp_props::n_properties; ++i) {
+        const auto& row = zp_props::properties[i];
+        print_row(row.name, row.description, state.values[i], unit_of(row.unit_symbol));
+        if (!state.reasons[i].empty()) {
+            auto& names = reasons[state.reasons[i]];
+            names += (names.empty() ? "" : ", ") + std::string(row.name);
         }
+    }
+    for (std::size_t i = 0; i < cl.fluid.components.size(); ++i) {
+        const std::string n = std::to_string(i + 1), &name = cl.fluid.components[i];
+        print_row(std::string("x").append(n), std::string("liquid fraction of ").append(name),
+                  state.x[i], "");
+        print_row(std::string("y").append(n), std::string("vapour fraction of ").append(name),
+                  state.y[i], "");
+    }
+    if (!reasons.empty()) std::printf("\nnot computed:\n");
+    for (const auto& [reason, names] : reasons)
+        std::printf("  %s: %s\n", names.c_str(), reason.c_str());
     return exit_ok;
 }
 
@@ -124,15 +117,72 @@ int run_fluids(const command_line& cl) {
     const std::array<std::string_view, 3> kinds{"long", "short", "cas"};
     const auto kind = std::find(kinds.begin(), kinds.end(), by);
     if (kind == kinds.end()) throw usage_error("--by is long, short or cas, not '" + by + "'");
-    int nfluid = 0;
-    std::vector<std::string> names;
+    const int k = static_cast<int>(kind - kinds.begin());
     std::string errormsg;
-    zentropia_base::getfluidnames(static_cast<int>(kind - kinds.begin()),
-                                  cl.fluid.model_given ? cl.fluid.model : "", nfluid, names,
-                                  errormsg);
+    std::vector<std::string> names;
+    if (!cl.fluid.model_given) {
+        names = zentropia::getfluidnames(k, "", errormsg);
+        check(errormsg);
+    } else {
+        // The back-end's own list, by the names of the fluid table where the table has them.
+        const auto offered = zentropia::getcompset(cl.fluid.model, errormsg);
+        check(errormsg);
+        const auto listed = zentropia::getfluidnames(k, cl.fluid.model, errormsg);
+        if (zp_common::is_ok(errormsg) && !listed.empty()) {
+            names = listed;
+        } else {
+            std::array<std::vector<std::string>, 3> table;
+            for (int j = 0; j < 3; ++j) table[j] = zentropia::getfluidnames(j, "", errormsg);
+            for (const auto& name : offered) {
+                std::string shown = name;
+                for (std::size_t row = 0; row < table[k].size(); ++row)
+                    for (int j = 0; j < 3; ++j)
+                        if (row < table[j].size() && table[j][row] == name) shown = table[k][row];
+                names.push_back(shown);
+            }
+        }
+    }
+    for (const auto& name : names) std::printf("%s\n", name.c_str());
+    return exit_ok;
+}
+
+int run_models(const command_line& cl) {
+    expect_arguments(cl, 0, "no arguments");
+    std::printf("%-12s %s\n", "model", "back-end");
+    constexpr int last = static_cast<int>(zp_models::model_id::mesheq);
+    for (int id = 1; id <= last; ++id) {
+        const auto& model = zp_models::of(static_cast<zp_models::model_id>(id));
+        std::string errormsg;
+        const auto offered = zentropia::getcompset(model.name, errormsg);
+        const bool installed =
+            model.adapter != nullptr && errormsg.find("not installed") == std::string::npos;
+        std::printf("%-12.*s %s\n", static_cast<int>(model.name.size()), model.name.data(),
+                    installed ? "installed" : "back-end library not installed");
+    }
+    return exit_ok;
+}
+
+int run_envelope(const command_line& cl) {
+    expect_arguments(cl, 0, "no arguments");
+    select(cl.fluid);
+    constexpr int room = 1000;
+    std::vector<double> t(room), p(room);
+    std::vector<zp_common::composition> x(room), y(room);
+    int npnts = room;
+    std::string errormsg;
+    zentropia_base::zp_saturationline(npnts, t, p, x, y, errormsg);
     check(errormsg);
-    for (int i = 0; i < nfluid && i < static_cast<int>(names.size()); ++i)
-        std::printf("%s\n", names[i].c_str());
+    const auto ncmp = cl.fluid.components.size();
+    std::printf("T [K],P [Pa]");
+    for (std::size_t i = 1; i <= ncmp; ++i) std::printf(",x%zu", i);
+    for (std::size_t i = 1; i <= ncmp; ++i) std::printf(",y%zu", i);
+    std::printf("\n");
+    for (int k = 0; k < std::clamp(npnts, 0, room); ++k) {
+        std::printf("%s,%s", readable(t[k]).c_str(), readable(p[k]).c_str());
+        for (std::size_t i = 0; i < ncmp; ++i) std::printf(",%s", readable(x[k][i]).c_str());
+        for (std::size_t i = 0; i < ncmp; ++i) std::printf(",%s", readable(y[k][i]).c_str());
+        std::printf("\n");
+    }
     return exit_ok;
 }
 

@@ -1,6 +1,7 @@
 // zentropia: thermophysical properties from the command line (calc, props, batch, info, fluids,
-// units). Without a command it shows every property of water at 1 atm and 300 K.
+// models, envelope, units). Without a command it shows every property of water at 1 atm and 300 K.
 #include "cli.hpp"
+#include "zentropia/version.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -18,10 +19,13 @@ property of water at 1 atm (101325 Pa) and 300 K.
 commands:
   calc PROP INPUTSPEC V1 V2   one property (a keyword such as h, enthalpy, cp, c, eta) at a
                               state
-  props INPUTSPEC V1 V2       every property of a state, as a table with units
+  props INPUTSPEC V1 V2       the phase and every property of a state, as a table with units
   batch [FILE]                a CSV of states (FILE or standard input) to a CSV of properties
   info                        molar mass, critical point and temperature limits of the fluid
-  fluids                      the fluid names of the fluid table
+  fluids                      the fluid names of the fluid table; with --model, what that
+                              model computes
+  models                      the models and whether each one's back-end library is installed
+  envelope                    the phase envelope of a mixture as CSV (T in K, P in Pa, x, y)
   units                       the unit of every property symbol in the chosen unit set
 
 A state is an INPUTSPEC, the symbols of two properties (PT, Ph, Ps, Td, Pq, Tq ...), and their
@@ -31,10 +35,12 @@ options of every command:
   --model NAME         model (default IF97)
   --fluid A[,B...]     components, comma-separated (default water)
   --conc X[,Y...]      concentrations, one per component (default 1 for a single component)
-  --units SET          SI (default), Zentropia or Anglo-Saxon
+  --units SET          SI (default), Zentropia or Anglo-Saxon, in any case
   --basis BASIS        PerMass (default) or PerMole
-  --unit SYMBOL=UNIT   the unit of one property, e.g. --unit P=MPa --unit T=C (repeatable)
+  --unit SYMBOL=UNIT   the unit of one property, e.g. --unit P=MPa --unit T=degC, psi, cP,
+                       kJ/(kg K) (repeatable)
   -h, --help           this help; zentropia COMMAND --help explains a command
+  --version            the version of zentropia
 
 exit status: 0 success, 1 the library reported a failure (its message on standard error),
 2 a wrong command line, 3 batch ran to its end but some rows failed.
@@ -59,8 +65,10 @@ example: zentropia calc enthalpy PT 101325 300    (J/kg of water at 1 atm and 30
 
 constexpr std::string_view props_help = R"(usage: zentropia props INPUTSPEC V1 V2 [OPTIONS]
 
-Prints every property of the state (INPUTSPEC, V1, V2) as a table: keyword, meaning, value and unit.
-Properties the model does not compute read "not computed".
+Prints the phase (liquid, vapour, two-phase, supercritical) and every property of the state
+(INPUTSPEC, V1, V2) as a table: keyword, meaning, value and unit. A property the model's full
+state lacks comes from its own entry point, as calc gives it; one that nothing computes reads
+"not computed", with the reason under the table.
 
 example: zentropia props Ph 10 2800 --units Zentropia    (steam at 10 bar, 2800 kJ/kg)
 )";
@@ -70,15 +78,25 @@ constexpr std::string_view batch_help =
                        [--output FILE] [OPTIONS]
 
 Reads states from a CSV file (standard input when FILE is absent or "-") and writes one CSV row
-per state to standard output: the two inputs as given, the chosen properties and an error column
-that is empty when the row succeeded. The rows stream through, so inputs of any length work. A
-row that fails (a field that is not a number, a state the library refuses) gets the message in
-its error column and the run goes on; the exit status is then 3.
+per state to standard output: the two inputs as given, the chosen properties (with their units
+in the header) and an error column that is empty when the row succeeded. The rows stream
+through, so inputs of any length work. A row that fails (a field that is not a number, a state
+the library refuses) gets the message in its error column and the run goes on; the exit status
+is then 3.
 
   --inputspec INPUTSPEC  the symbols of the two input columns (default PT)
   --props LIST           comma-separated property keywords, as calc takes them (default h,s,c)
   --columns I,J          the CSV columns (counted from 1) holding the two inputs (default 1,2)
   --output FILE          write to FILE instead of standard output
+  --keep                 write every field of the input line, then the properties
+  --delimiter CHAR       the field separator of input and output (default ",", "tab" for tabs)
+  --precision N          N significant digits (default: the fewest that read back exactly)
+  --format csv|json      CSV (default; units in the header, "h [J/kg]") or a JSON array of
+                         objects, one per row (null for a property not computed)
+
+A property the model does not compute at a state leaves its cell empty; a note on standard error
+counts such cells. Unknown properties and --columns beyond the input's columns are refused
+before anything is written.
 
 A first line whose input fields are not numbers is a header and is not evaluated; empty lines
 and lines starting with # are skipped.
@@ -96,7 +114,22 @@ constexpr std::string_view fluids_help =
     R"(usage: zentropia fluids [--by long|short|cas] [--model NAME]
 
 Lists the fluids of the fluid table by long name (default), short name or CAS number; with
---model, only those that model's back-end offers.
+--model, the fluids that model computes (IF97: water), or that its back-end is not installed.
+)";
+
+constexpr std::string_view models_help = R"(usage: zentropia models
+
+Lists the models a selection can name (--model) and whether the back-end library that computes
+each one is installed.
+)";
+
+constexpr std::string_view envelope_help = R"(usage: zentropia envelope [OPTIONS]
+
+Writes the phase envelope of a mixture as CSV: temperature in K, pressure in Pa and the liquid
+and vapour mole fractions of each component, from low pressure on the bubble side through the
+critical point round to low pressure on the dew side (models with a phase envelope: Varimol).
+
+example: zentropia envelope --model Varimol --fluid methane,ethane --conc 0.85,0.15
 )";
 
 constexpr std::string_view units_help = R"(usage: zentropia units [OPTIONS]
@@ -110,9 +143,15 @@ const std::vector<command_spec>& commands() {
     static const std::vector<command_spec> table{
         {"calc", {}, &run_calc, calc_help},
         {"props", {}, &run_props, props_help},
-        {"batch", {"--inputspec", "--props", "--columns", "--output"}, &run_batch, batch_help},
+        {"batch",
+         {"--inputspec", "--props", "--columns", "--output", "--keep", "--delimiter", "--precision",
+          "--format"},
+         &run_batch,
+         batch_help},
         {"info", {}, &run_info, info_help},
         {"fluids", {"--by"}, &run_fluids, fluids_help},
+        {"models", {}, &run_models, models_help},
+        {"envelope", {}, &run_envelope, envelope_help},
         {"units", {}, &run_units, units_help},
     };
     return table;
@@ -132,6 +171,10 @@ int run(int argc, char** argv) {
         cl.help = true;
         cl.command = cl.arguments.empty() ? "" : cl.arguments.front();
     }
+    if (cl.version) {
+        std::printf("zentropia %s\n", ZENTROPIA_VERSION);
+        return exit_ok;
+    }
     if (cl.command.empty() && cl.help) {
         std::fputs(general_help.data(), stdout);
         return exit_ok;
@@ -148,10 +191,17 @@ int run(int argc, char** argv) {
         std::fputs(command->help.data(), stdout);
         return exit_ok;
     }
-    for (const auto& [name, value] : cl.options)
-        if (std::find(command->options.begin(), command->options.end(), name) ==
+    for (const auto& [name, value] : cl.options) {
+        if (std::find(command->options.begin(), command->options.end(), name) !=
             command->options.end())
-            throw usage_error("option " + name + " does not belong to " + cl.command);
+            continue;
+        bool elsewhere = false;
+        for (const auto& c : commands())
+            elsewhere =
+                elsewhere || std::find(c.options.begin(), c.options.end(), name) != c.options.end();
+        throw usage_error(elsewhere ? "option " + name + " does not belong to " + cl.command
+                                    : "unknown option " + name);
+    }
     return command->run(cl);
 }
 

@@ -3,8 +3,11 @@
 #include "base/zentropia_base.hpp"
 #include "cli.hpp"
 #include "main/zentropia_main.hpp"
+#include "units/unit_spelling.hpp"
 #include "units/zentropia_units.hpp"
+#include "zentropia/zentropia.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 
@@ -22,6 +25,11 @@ std::vector<std::string> split(std::string_view text, char separator) {
         if (end == std::string_view::npos) return parts;
         at = end + 1;
     }
+}
+
+// options that take no value
+bool is_flag(std::string_view name) {
+    return name == "--keep";
 }
 
 bool looks_numeric(std::string_view arg) {
@@ -62,12 +70,16 @@ command_line parse(int argc, char** argv) {
         const std::string_view arg = argv[i];
         if (arg == "-h" || arg == "--help") {
             cl.help = true;
+        } else if (arg == "--version") {
+            cl.version = true;
         } else if (arg.starts_with("--")) {
             const auto eq = arg.find('=');
             const std::string name(arg.substr(0, eq));
             std::string value;
             if (eq != std::string_view::npos)
                 value = arg.substr(eq + 1);
+            else if (is_flag(name))
+                value = "";
             else if (i + 1 < argc)
                 value = argv[++i];
             else
@@ -109,6 +121,34 @@ void check(const std::string& errormsg) {
     if (!zp_common::is_success(errormsg)) throw library_error(errormsg);
 }
 
+namespace {
+
+// setunits with the overrides of the command line; on a failure that a single override causes,
+// the message names that override's unit
+void select_units(const selection& fluid) {
+    const std::string set = unit_spelling::unitset(fluid.unitset);
+    const std::string basis = unit_spelling::basis(fluid.basis);
+    std::string symbols, units, errormsg;
+    for (const auto& [symbol, unit] : fluid.overrides) {
+        if (!symbols.empty()) symbols += ',', units += ',';
+        symbols += symbol;
+        units += unit_spelling::unit(unit);
+    }
+    zentropia_units::setunits(set, basis, symbols, units, errormsg);
+    if (zp_common::is_ok(errormsg)) return;
+    for (const auto& [symbol, unit] : fluid.overrides) {
+        std::string single;
+        zentropia_units::setunits(set, basis, symbol, unit_spelling::unit(unit), single);
+        if (!zp_common::is_ok(single)) {
+            errormsg = single + " (unit \"" + unit + "\" of " + symbol + ")";
+            break;
+        }
+    }
+    throw library_error(errormsg);
+}
+
+} // namespace
+
 void select(const selection& fluid) {
     std::vector<double> conc = fluid.composition;
     if (conc.empty() && fluid.components.size() == 1) conc.push_back(1.0);
@@ -119,17 +159,45 @@ void select(const selection& fluid) {
         throw usage_error("--fluid names " + std::to_string(fluid.components.size()) +
                           " components but --conc gives " + std::to_string(conc.size()) +
                           " concentrations");
+    try {
+        zentropia::check_components(fluid.model, fluid.components);
+    } catch (const zentropia::error& e) {
+        throw library_error(e.what());
+    }
     std::string errormsg;
     zentropia_base::setfluid(fluid.model, static_cast<int>(fluid.components.size()),
                              fluid.components, conc, errormsg);
     check(errormsg);
-    std::string symbols, units;
-    for (const auto& [symbol, unit] : fluid.overrides) {
-        symbols += (symbols.empty() ? "" : ",") + symbol;
-        units += (units.empty() ? "" : ",") + unit;
-    }
-    zentropia_units::setunits(fluid.unitset, fluid.basis, symbols, units, errormsg);
-    check(errormsg);
+    select_units(fluid);
+}
+
+void check_inputspec(std::string_view inputspec) {
+    constexpr std::string_view letters = "PTvdhsuq";
+    if (inputspec.size() >= 2 && letters.find(inputspec[0]) != std::string_view::npos &&
+        letters.find(inputspec[1]) != std::string_view::npos && inputspec[0] != inputspec[1])
+        return;
+    throw usage_error("inputspec '" + std::string(inputspec) +
+                      "': its two letters name the inputs by the symbols P, T, v, d, h, s, u and "
+                      "q (quality), in this case: PT, Ph, Ps, Td, Pq, Tq ...");
+}
+
+void check_keyword(std::string_view keyword) {
+    // calcprop's keywords beyond the properties of a state
+    constexpr std::array<std::string_view, 6> derivatives{"dpdt",   "dpdv",    "d2pdt2",
+                                                          "d2pdv2", "d2pdtdv", "dcvdt"};
+    const std::string key = zp_common::lower(zp_common::strip(keyword));
+    if (zp_props::property_index(key) >= 0 ||
+        std::find(derivatives.begin(), derivatives.end(), key) != derivatives.end())
+        return;
+    throw usage_error("unknown property '" + std::string(keyword) +
+                      "'; zentropia calc --help lists the keywords");
+}
+
+std::string labelled(std::string_view keyword) {
+    const int column = zp_props::property_index(keyword);
+    const std::string unit =
+        column < 0 ? std::string() : unit_of(zp_props::properties[column].unit_symbol);
+    return unit.empty() ? std::string(keyword) : std::string(keyword) + " [" + unit + "]";
 }
 
 std::string latin1_to_utf8(std::string_view text) {
@@ -157,16 +225,7 @@ std::string unit_of(std::string_view symbol) {
 std::string readable(double value) {
     if (zp_common::isinit(value)) return "not computed";
     char text[32];
-    std::snprintf(text, sizeof text, "%.10g", value);
-    return text;
-}
-
-void allprops(std::string_view inputspec, double input1, double input2,
-              std::array<double, n_allprops>& r, zp_common::composition& x,
-              zp_common::composition& y, std::string& errormsg) {
-    zentropia_main::allprops(inputspec, input1, input2, r[0], r[1], r[2], r[3], r[4], r[5], r[6],
-                             r[7], x, y, r[8], r[9], r[10], r[11], r[12], r[13], r[14], r[15],
-                             r[16], r[17], r[18], r[19], r[20], r[21], r[22], errormsg);
+    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
 } // namespace cli

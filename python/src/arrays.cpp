@@ -1,11 +1,13 @@
 #include "arrays.hpp"
 
 #include "binder.hpp"
-#include "zentropia/zentropia.hpp"
+#include "main/property_table.hpp"
+#include "units/unit_spelling.hpp"
 
 #include <pybind11/numpy.h>
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 namespace zpy {
@@ -46,7 +48,8 @@ py::ssize_t common_size(const real_array& input1, const real_array& input2) {
 
 // (values, failed, first failure, its text) of the property propspec at every pair (input1[i],
 // input2[i]): through the property's own entry point where it answers as calcprop does, which
-// evaluates only that property, else through calcprop.
+// evaluates only that property, else through calcprop; a value these leave uncomputed comes from
+// the entry point that derives it (one_answer), else stays -8888.8.
 py::object calcprop_array(const std::string& propspec, const std::string& inputspec,
                           const real_array& input1, const real_array& input2) {
     const auto n = common_size(input1, input2);
@@ -55,43 +58,48 @@ py::object calcprop_array(const std::string& propspec, const std::string& inputs
     const double* a = input1.data();
     const double* b = input2.data();
     double* out = values.mutable_data();
-    const int column = zentropia::allprops_output_index(propspec);
-    const auto entry = column < 0 ? nullptr : zentropia::allprops_outputs[column].entry;
-    std::string errormsg;
+    const int column = zp_props::property_index(propspec);
+    const auto entry = column < 0 ? nullptr : zp_props::properties[column].entry;
+    std::string errormsg, reason;
     for (py::ssize_t i = 0; i < n; ++i) {
         out[i] = entry ? entry(inputspec, a[i], b[i], errormsg)
                        : zentropia_main::calcprop(propspec, inputspec, a[i], b[i], errormsg);
+        if (zp_common::isinit(out[i]) && zp_common::is_ok(errormsg))
+            out[i] = zp_props::one_answer(column, inputspec, a[i], b[i], out[i], reason);
         failed.record(i, errormsg);
     }
     return py::make_tuple(values) + failed.result();
 }
 
-// (values[n, 23] in the order of zentropia::allprops_outputs, x[n, 20], y[n, 20], failed, first
-// failure, its text) of allprops at every pair (input1[i], input2[i])
+// (values[n, 24] in the order of zp_props::properties, x[n, 20], y[n, 20], phase[n] (the codes
+// of zp_props::phase), failed, first failure, its text) of every property at every pair
+// (input1[i], input2[i]): one full state each, completed by one_answer.
 py::object allprops_array(const std::string& inputspec, const real_array& input1,
                           const real_array& input2) {
     const auto n = common_size(input1, input2);
-    constexpr auto ncol = static_cast<py::ssize_t>(zentropia::allprops_outputs.size());
+    constexpr auto ncol = static_cast<py::ssize_t>(zp_props::n_properties);
     constexpr auto ncmp = static_cast<py::ssize_t>(zp_common::max_components);
     real_array values({n, ncol});
     real_array x({n, ncmp});
     real_array y({n, ncmp});
+    py::array_t<std::int8_t> phase(n);
     failures failed(n);
     const double* a = input1.data();
     const double* b = input2.data();
     std::string errormsg;
-    zp_common::composition xi{}, yi{};
+    double t_crit, p_crit;
+    zp_props::critical_point(t_crit, p_crit);
+    zp_props::state state;
     for (py::ssize_t i = 0; i < n; ++i) {
-        double* r = values.mutable_data(i, 0);
-        std::fill_n(r, ncol, zp_common::not_set);
-        zentropia_main::allprops(inputspec, a[i], b[i], r[0], r[1], r[2], r[3], r[4], r[5], r[6],
-                                 r[7], xi, yi, r[8], r[9], r[10], r[11], r[12], r[13], r[14], r[15],
-                                 r[16], r[17], r[18], r[19], r[20], r[21], r[22], errormsg);
-        std::copy(xi.begin(), xi.end(), x.mutable_data(i, 0));
-        std::copy(yi.begin(), yi.end(), y.mutable_data(i, 0));
+        zp_props::state_of(inputspec, a[i], b[i], t_crit, p_crit, state, errormsg);
+        std::copy(state.values.begin(), state.values.end(), values.mutable_data(i, 0));
+        std::copy(state.x.begin(), state.x.end(), x.mutable_data(i, 0));
+        std::copy(state.y.begin(), state.y.end(), y.mutable_data(i, 0));
+        phase.mutable_data()[i] = static_cast<std::int8_t>(
+            zp_common::is_ok(errormsg) ? state.label : zp_props::phase::unknown);
         failed.record(i, errormsg);
     }
-    return py::make_tuple(values, x, y) + failed.result();
+    return py::make_tuple(values, x, y, phase) + failed.result();
 }
 
 } // namespace
@@ -101,10 +109,17 @@ void bind_arrays(py::module_& m) {
           py::arg("input1"), py::arg("input2"));
     m.def("_allprops_array", &allprops_array, py::arg("inputspec"), py::arg("input1"),
           py::arg("input2"));
-    py::tuple columns(zentropia::allprops_outputs.size());
-    for (std::size_t i = 0; i < zentropia::allprops_outputs.size(); ++i)
-        columns[i] = std::string(zentropia::allprops_outputs[i].name);
+    py::tuple columns(zp_props::n_properties);
+    for (std::size_t i = 0; i < zp_props::n_properties; ++i)
+        columns[i] = std::string(zp_props::properties[i].name);
     m.attr("_allprops_columns") = columns;
+    py::tuple phases(zp_props::phase_names.size());
+    for (std::size_t i = 0; i < zp_props::phase_names.size(); ++i)
+        phases[i] = std::string(zp_props::phase_names[i]);
+    m.attr("_phase_names") = phases;
+    m.def("_unitset_name", &unit_spelling::unitset, py::arg("text"));
+    m.def("_basis_name", &unit_spelling::basis, py::arg("text"));
+    m.def("_unit_text", &unit_spelling::unit, py::arg("text"));
 }
 
 } // namespace zpy

@@ -24,5 +24,6 @@ The library keeps one process-wide selection of fluid and units; each Fluid sele
 again whenever another one (or a direct call of setfluid, setunits ...) was used in between.
 """
 
+from ._version import __version__  # noqa: F401
 from ._core import *  # noqa: F401,F403 - the procedures of the programming interface
 from ._fluid import Fluid, ZentropiaError  # noqa: F401

@@ -13,8 +13,49 @@ _UNIT_SYMBOLS = {
     "p": "P", "t": "T", "v": "v", "d": "d", "h": "h", "s": "s", "u": "u", "cv": "cv", "cp": "cp",
     "c": "c", "alpha": "alpha", "beta": "beta", "chi": "chi", "fi": "fi", "ksi": "ksi",
     "psi": "psi", "zeta": "zeta", "theta": "theta", "kappa": "kappa", "eta": "eta",
-    "lambda": "lambda",
+    "lambda": "lambda", "sigma": "sigma",
 }
+# the letters an inputspec names its two inputs by: the input symbols of the unit sets and q
+_INPUT_LETTERS = "PTvdhsuq"
+
+
+def _same(a, b):
+    return a.lower() == b.lower()
+
+
+def _check_components(model, components):
+    """Raises ZentropiaError unless model can compute every component: a model without its
+    back-end library says so; a model that computes one fluid (IF97: water) refuses other names
+    and mixtures. A name counts by any of its names in the fluid table (long, short, CAS)."""
+    _, offered, errormsg = _core.getcompset(model)
+    if "not installed" in errormsg:
+        raise ZentropiaError(errormsg)
+    if errormsg not in _SUCCESS or not offered:
+        return  # setfluid tells what is wrong
+    if len(offered) == 1 and len(components) > 1:
+        raise ZentropiaError("Error in Zentropia: model %s computes %s alone, not a mixture of %d "
+                             "components" % (model, offered[0], len(components)))
+    table = [_core.getfluidnames(k, "")[1] for k in range(3)]
+    of_model = [_core.getfluidnames(k, model)[1] for k in range(3)]
+    rows = list(zip(*table))
+    for name in components:
+        known = any(_same(name, n) for n in offered) or \
+            any(_same(name, n) for names in of_model for n in names)
+        known = known or any(any(_same(name, n) for n in row) and
+                             any(_same(n, o) for n in row for o in offered) for row in rows)
+        if not known:
+            raise ZentropiaError('Error in Zentropia: model %s cannot compute "%s"; it computes %s'
+                                 % (model, name if len(name) <= 64 else name[:64] + "...",
+                                    ", ".join(offered[:12])))
+
+
+def _check_inputspec(inputspec):
+    if (isinstance(inputspec, str) and len(inputspec) >= 2 and inputspec[0] in _INPUT_LETTERS
+            and inputspec[1] in _INPUT_LETTERS and inputspec[0] != inputspec[1]):
+        return
+    raise ValueError("inputspec %r: its two letters name the inputs by the symbols P, T, v, d, "
+                     "h, s, u and q (quality), in this case: 'PT', 'Ph', 'Ps', 'Td', 'Pq' ..."
+                     % (inputspec,))
 
 
 class ZentropiaError(Exception):
@@ -41,13 +82,19 @@ class Fluid:
     model: a model name of setfluid ("IF97", "RefProp", "PCP-SAFT" ...), in any case.
     components: component names (one name may be given as a plain string).
     composition: concentrations, one per component (default 1.0 for a single component).
-    units: "SI", "Zentropia" or "Anglo-Saxon"; basis: "PerMass" or "PerMole".
-    unit_overrides: units of single properties, e.g. {"P": "MPa", "T": "C"}.
+    units: "SI", "Zentropia" or "Anglo-Saxon" (any case); basis: "PerMass" or "PerMole".
+    unit_overrides: units of single properties, e.g. {"P": "MPa", "T": "degC", "eta": "cP",
+    "cp": "kJ/(kg K)", "P": "psi"}.
+
+    A component the model cannot compute ("nitrogen" or a mixture for IF97), a model whose
+    back-end library is not installed and a unit that is not understood raise ZentropiaError
+    here.
 
     The selection is made at once, so a bad name raises ZentropiaError here. States are given
     by an inputspec, the symbols of two properties ("PT", "Ph", "Ts", "Pq" ...), and two
     values, numbers or arrays (broadcast together), in the fluid's units. Properties that the
-    model does not compute come back as NaN.
+    model does not compute come back as NaN. The inputspec's letters are case-sensitive: "PT", not
+    "pt".
 
     >>> water = Fluid("IF97", "water", units="SI", unit_overrides={"P": "bar"})
     >>> water.calc("h", "PT", 1.0, 300.0)          # J/kg at 1 bar, 300 K
@@ -64,10 +111,11 @@ class Fluid:
         self.model = model
         self.components = components
         self.composition = tuple(float(c) for c in composition)
-        self.units = units
-        self.basis = basis
+        self.units = _core._unitset_name(units)
+        self.basis = _core._basis_name(basis)
         self.unit_overrides = dict(unit_overrides or {})
         self._epoch = None
+        _check_components(model, components)
         self._select()
 
     def __repr__(self):
@@ -81,8 +129,17 @@ class Fluid:
             return
         _check(_core.setfluid(self.model, len(self.components), list(self.components),
                               list(self.composition)))
-        _check(_core.setunits(self.units, self.basis, ",".join(self.unit_overrides),
-                              ",".join(self.unit_overrides.values())))
+        units = [_core._unit_text(u) for u in self.unit_overrides.values()]
+        errormsg = _core.setunits(self.units, self.basis, ",".join(self.unit_overrides),
+                                  ",".join(units))
+        if errormsg not in _SUCCESS:
+            # name the override that fails, when one alone does
+            for (symbol, unit), text in zip(self.unit_overrides.items(), units):
+                single = _core.setunits(self.units, self.basis, symbol, text)
+                if single not in _SUCCESS:
+                    errormsg = '%s (unit "%s" of %s)' % (single, unit, symbol)
+                    break
+            raise ZentropiaError(errormsg)
         self._epoch = _core._selection_epoch()
 
     @staticmethod
@@ -115,6 +172,7 @@ class Fluid:
         knows them) at the states (inputspec, input1, input2). Returns a float for numbers, else an
         array of the inputs' broadcast shape. errors="raise" raises ZentropiaError for the first
         state that fails; errors="nan" returns NaN for it instead."""
+        _check_inputspec(inputspec)
         self._select()
         shape, a, b = self._states(input1, input2)
         values, failed, first, message = _core._calcprop_array(prop, inputspec, a, b)
@@ -122,23 +180,42 @@ class Fluid:
         return values.reshape(shape) if shape else float(values[0])
 
     def props(self, inputspec, input1, input2, errors="raise"):
-        """Every property of allprops at the states (inputspec, input1, input2), as a dict of name to
-        float (for numbers) or array (of the inputs' broadcast shape): p, t, v, d, h, s, u, q, cv,
-        cp, c, alpha, beta, chi, fi, ksi, psi, zeta, theta, kappa, gamma, eta, lambda, and the
-        liquid and vapour compositions x and y (a last axis of one entry per component).
+        """Every property of the states (inputspec, input1, input2), as a dict of name to float
+        (for numbers) or array (of the inputs' broadcast shape): p, t, v, d, h, s, u, q, cv, cp, c,
+        alpha, beta, chi, fi, ksi, psi, zeta, theta, kappa, gamma, eta, lambda, sigma; "phase"
+        ("liquid", "vapour", "two-phase", "supercritical"; "" for a failed state); and the liquid
+        and vapour compositions x and y (a last axis of one entry per component; for a pure fluid
+        1.0 where the phase exists, NaN where it does not). Each value is the one calc gives.
         errors as for calc."""
+        _check_inputspec(inputspec)
         self._select()
         shape, a, b = self._states(input1, input2)
-        values, x, y, failed, first, message = _core._allprops_array(inputspec, a, b)
+        values, x, y, phase, failed, first, message = _core._allprops_array(inputspec, a, b)
         columns = [values[:, i] for i in range(values.shape[1])]
         ncmp = len(self.components)
         x, y = x[:, :ncmp], y[:, :ncmp]
         self._settle(shape, failed, first, message, errors, columns + [x, y])
         result = {name: (col.reshape(shape) if shape else float(col[0]))
                   for name, col in zip(_core._allprops_columns, columns)}
+        labels = np.array(_core._phase_names, dtype=object)[phase]
+        result["phase"] = labels.reshape(shape) if shape else str(labels[0])
         result["x"] = x.reshape(shape + (ncmp,))
         result["y"] = y.reshape(shape + (ncmp,))
         return result
+
+    def phase_envelope(self, points=1000):
+        """The phase envelope of a mixture, traced by the model's back-end (Varimol): a dict of
+        arrays "t" (K) and "p" (Pa), from low pressure on the bubble side through the critical
+        point round to low pressure on the dew side, and "x" and "y", the liquid and vapour mole
+        fractions at each point (one column per component). The envelope is in the back-end's
+        units, whatever this fluid's unit set. Raises ZentropiaError for a model without one."""
+        self._select()
+        _, t, p, x, y, errormsg = _core.zp_saturationline(int(points))
+        _check(errormsg)
+        ncmp = len(self.components)
+        return {"t": np.array(t), "p": np.array(p),
+                "x": np.array(x, dtype=float).reshape(len(t), -1)[:, :ncmp],
+                "y": np.array(y, dtype=float).reshape(len(t), -1)[:, :ncmp]}
 
     def info(self):
         """The fluid's constants in its units: m_mol, t_crit, p_crit, t_min, t_max."""

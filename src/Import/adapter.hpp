@@ -42,6 +42,38 @@ using phaseenvelope_op = void (*)(int& npnts, std::span<double> t, std::span<dou
                                   std::span<composition> x, std::span<composition> y,
                                   std::string& errormsg);
 
+// The values of one evaluated state, in internal units, -8888.8 where nothing was computed. cp and
+// c are the back-end's own, for the back-ends that compute them (sound tells that they were asked
+// for and delivered).
+struct state_values {
+    double p = zp_common::not_set, t = zp_common::not_set, v = zp_common::not_set;
+    double d = zp_common::not_set, h = zp_common::not_set, s = zp_common::not_set;
+    double u = zp_common::not_set, q = zp_common::not_set, cv = zp_common::not_set;
+    double dpdt = zp_common::not_set, dpdv = zp_common::not_set, d2pdt2 = zp_common::not_set;
+    double d2pdv2 = zp_common::not_set, d2pdtdv = zp_common::not_set;
+    double dcvdt = zp_common::not_set;
+    double eta = zp_common::not_set, lambda = zp_common::not_set, sigma = zp_common::not_set;
+    double cp = zp_common::not_set, c = zp_common::not_set;
+    bool sound = false;
+};
+
+// The values a caller needs of a state, as flags. An adapter that evaluates part of a state asks
+// its back-end for these alone; the phase compositions come with the quality q.
+namespace output {
+inline constexpr unsigned p = 1u << 0, t = 1u << 1, v = 1u << 2, d = 1u << 3, h = 1u << 4,
+                          s = 1u << 5, u = 1u << 6, q = 1u << 7, cv = 1u << 8,
+                          derivatives = 1u << 9, // the six pressure derivatives
+    eta = 1u << 10, lambda = 1u << 11, sigma = 1u << 12, cp = 1u << 13, c = 1u << 14;
+// what the bundle of allprops holds
+inline constexpr unsigned all = (1u << 15) - 1;
+} // namespace output
+
+// the part `wanted` (output flags) of a state; values asked along with it may be delivered too,
+// the rest of `out` stays as it was
+using evaluate_op = void (*)(std::string_view inputspec, double value1, double value2,
+                             unsigned wanted, state_values& out, composition& x, composition& y,
+                             std::string& errormsg);
+
 struct operations {
     std::string_view model; // canonical name of the back-end, as its error texts name it
     bool installed;         // false: every operation answers "back-end library not installed"
@@ -63,6 +95,8 @@ struct operations {
     zflow_vu_op zflow_vu;
     void (*psat_k1)(double k1, double t, double& psat, std::string& errormsg);
     phaseenvelope_op phaseenvelope;
+    // a part of the state (null: the adapter evaluates whole states by allprops alone)
+    evaluate_op evaluate;
 };
 
 // The operations an adapter offers, as a set of flags; the rest stay null in its row.
@@ -149,7 +183,8 @@ template <model_name Name> struct absent {
                 has(offer::fugacoef) ? &composition_vector : nullptr,
                 has(offer::zflow_vu) ? &zflow_vu : nullptr,
                 has(offer::psat_k1) ? &psat_k1 : nullptr,
-                has(offer::phaseenvelope) ? &phaseenvelope : nullptr};
+                has(offer::phaseenvelope) ? &phaseenvelope : nullptr,
+                nullptr};
     }
 };
 

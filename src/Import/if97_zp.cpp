@@ -57,13 +57,14 @@ std::string_view output_list(std::string_view outputspec, std::array<char, list_
 // The back-end works with specific volume and vapour fraction: density inputs become 1/d, the
 // quality letter "q" becomes "x".
 std::string_view input_letter(std::string_view inputspec, std::size_t i, double& value) {
-    const auto letter = i < inputspec.size() ? inputspec.substr(i, 1) : std::string_view(" ");
-    if (letter == "d") {
+    if (i >= inputspec.size()) return " ";
+    const char letter = inputspec[i];
+    if (letter == 'd') {
         value = 1.0 / value;
         return "v";
     }
-    if (i == 1 && letter == "q") return "x";
-    return letter;
+    if (i == 1 && letter == 'q') return "x";
+    return inputspec.substr(i, 1);
 }
 
 double reciprocal(double value) {
@@ -78,6 +79,107 @@ void evaluate(std::string_view inputspec, double value1, double value2, std::str
     const auto letter1 = input_letter(inputspec, 0, value1);
     const auto letter2 = input_letter(inputspec, 1, value2);
     if97::if97_main(letter1, value1, letter2, value2, list, output, errormsg);
+}
+
+// ---- A part of a state ---------------------------------------------------------------------
+
+// The back-end's code of each output a caller may want, in the order of a list, and where its
+// value goes.
+struct wanted_code {
+    unsigned flag;
+    std::string_view code;
+    double zp_adapter::state_values::*value;
+};
+using sv = zp_adapter::state_values;
+namespace out = zp_adapter::output;
+constexpr std::array<wanted_code, 12> wanted_codes{{{out::p, "p", &sv::p},
+                                                    {out::t, "t", &sv::t},
+                                                    {out::v, "v", &sv::v},
+                                                    {out::h, "h", &sv::h},
+                                                    {out::s, "s", &sv::s},
+                                                    {out::u, "u", &sv::u},
+                                                    {out::q, "x", &sv::q},
+                                                    {out::cv, "cv", &sv::cv},
+                                                    {out::cp, "cp", &sv::cp},
+                                                    {out::c, "w", &sv::c},
+                                                    {out::eta, "dv", &sv::eta},
+                                                    {out::lambda, "tc", &sv::lambda}}};
+// Outputs this back-end's state bundle does not carry (they stay not computed): the pressure
+// derivatives and the surface tension. Density is 1/v.
+constexpr unsigned asked_as_volume = zp_adapter::output::d;
+
+// The list of the back-end codes for a set of outputs, and where each code's value lands.
+struct built_list {
+    unsigned codes = 0; // flags of wanted_codes; 0: not built
+    std::array<char, 48> text{};
+    std::size_t size = 0;
+    std::array<double sv::*, wanted_codes.size()> value{}; // where the value of each entry goes
+    std::size_t count = 0;                                 // entries of the list
+    int v_slot = -1;                                       // the entry of v
+};
+
+// The lists built so far: a caller asks a few sets of outputs again and again.
+std::array<built_list, 8> built_lists;
+std::size_t next_built = 0;
+
+const built_list& list_of(unsigned codes) {
+    static const built_list* last = &built_lists[0];
+    if (last->codes == codes) return *last;
+    for (const built_list& b : built_lists)
+        if (b.codes == codes) return *(last = &b);
+    built_list& b = built_lists[next_built];
+    last = &b;
+    next_built = (next_built + 1) % built_lists.size();
+    b = built_list{};
+    b.codes = codes;
+    for (const wanted_code& w : wanted_codes) {
+        if ((codes & w.flag) == 0) continue;
+        if (b.count > 0) b.text[b.size++] = ',';
+        for (const char c : w.code) b.text[b.size++] = c;
+        if (w.flag == out::v) b.v_slot = static_cast<int>(b.count);
+        b.value[b.count++] = w.value;
+    }
+    b.text[b.size++] = '.';
+    return b;
+}
+
+// Only (P, T) states are the same whatever else is asked with them: the back-end's iterations
+// carry their last small step when no caloric value is asked, which moves v, h, s and u in their
+// last bits. A part of any other state is therefore asked at the caloric level (with cv), so that
+// it is, to the last bit, the value the whole state has.
+bool same_at_every_level(std::string_view inputspec) {
+    const std::string_view pair = inputspec.substr(0, std::min<std::size_t>(inputspec.size(), 2));
+    return pair == "PT" || pair == "TP";
+}
+
+void evaluate_part(std::string_view inputspec, double value1, double value2, unsigned wanted,
+                   zp_adapter::state_values& values, zp_adapter::composition& x,
+                   zp_adapter::composition& y, std::string& errormsg) {
+    unsigned codes = wanted & ~asked_as_volume;
+    if ((wanted & asked_as_volume) != 0) codes |= out::v;
+    if (!same_at_every_level(inputspec)) codes |= out::cv;
+    codes &= out::p | out::t | out::v | out::h | out::s | out::u | out::q | out::cv | out::cp |
+             out::c | out::eta | out::lambda;
+    if (codes == 0) codes = out::p; // nothing this back-end holds: the state must stand alone
+    const built_list& list = list_of(codes);
+    // The back-end writes every entry of the list (-8888.8 all through when it fails) and the
+    // message, "No errors" included.
+    std::array<double, wanted_codes.size()> work;
+    const auto letter1 = input_letter(inputspec, 0, value1);
+    const auto letter2 = input_letter(inputspec, 1, value2);
+    if97::if97_main(letter1, value1, letter2, value2, std::string_view(list.text.data(), list.size),
+                    std::span<double>(work.data(), list.count), errormsg);
+    // (a value asked along with the wanted ones is delivered too)
+    for (std::size_t k = 0; k < list.count; ++k) values.*list.value[k] = work[k];
+    if (wanted & out::d) values.d = reciprocal(work[static_cast<std::size_t>(list.v_slot)]);
+    if (wanted & out::q) {
+        // one component: the liquid and vapour fractions of the state stand in entry 0
+        x.fill(not_set);
+        y.fill(not_set);
+        x[0] = isnotinit(values.q) ? 1.0 - values.q : not_set;
+        y[0] = values.q;
+    }
+    values.sound = (wanted & (out::cp | out::c)) == (out::cp | out::c);
 }
 
 void allprops_row(std::string_view inputspec, double value1, double value2, double& p, double& t,
@@ -107,7 +209,8 @@ constinit const zp_adapter::operations operations{.model = "IF97",
                                                   .fugacoef = nullptr,
                                                   .zflow_vu = nullptr,
                                                   .psat_k1 = nullptr,
-                                                  .phaseenvelope = nullptr};
+                                                  .phaseenvelope = nullptr,
+                                                  .evaluate = &evaluate_part};
 
 void if97_zp_sub() {
     if97::if97_sub();

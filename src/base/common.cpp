@@ -27,7 +27,7 @@ bool same_text(std::string_view a, std::string_view b) {
     return trim(a) == trim(b);
 }
 
-bool is_ok(std::string_view errormsg) {
+bool is_ok_padded(std::string_view errormsg) {
     return trim(errormsg) == no_errors;
 }
 

@@ -42,8 +42,11 @@ std::string lower(std::string_view text);
 std::string_view fit(std::string_view text, std::size_t n);
 // equal after trailing blanks are removed
 bool same_text(std::string_view a, std::string_view b);
-// errormsg holds the success text "No errors"
-bool is_ok(std::string_view errormsg);
+// errormsg holds the success text "No errors" (blank-padded or not)
+bool is_ok_padded(std::string_view errormsg);
+inline bool is_ok(std::string_view errormsg) {
+    return errormsg == no_errors || is_ok_padded(errormsg);
+}
 // errormsg holds "No errors" or "Same fluid"
 bool is_success(std::string_view errormsg);
 

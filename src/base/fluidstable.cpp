@@ -107,6 +107,10 @@ void zp_to_libname(zp_models::model_id model, int ncomp, std::span<const std::st
     for (std::size_t i = 0; i < n; ++i) {
         const int r = find_row(zp_comp[i]);
         if (r >= 0) lib_comp[i] = table[r][column];
+        if (r < 0 && zp_models::of(model).unknown_names_pass) {
+            lib_comp[i] = zp_comp[i];
+            continue;
+        }
         if (r < 0 || lib_comp[i] == not_offered) {
             missing.resize(trim(missing).size());
             missing.append(", ").append(trim(zp_comp[i]));

@@ -350,6 +350,29 @@ void allthermophys(std::string_view inputspec, double input1, double input2, dou
     spread(work_y, usr_y, named->keeps_zero_components);
 }
 
+void allthermophys_part(std::string_view inputspec, double input1, double input2, unsigned wanted,
+                        zp_adapter::state_values& out, zp_common::composition& usr_x,
+                        zp_common::composition& usr_y, std::string& errormsg) {
+    out.sigma = not_set; // stays when the back-end has no surface tension
+    // The phase compositions come with the quality.
+    const bool compositions = (wanted & zp_adapter::output::q) != 0;
+    if (compositions) copy_in(usr_x, usr_y);
+    if (alias_ops == nullptr || alias_ops->allprops == nullptr) {
+        errormsg = model_name_unknown;
+    } else if (finite_inputs(input1, input2, errormsg)) {
+        if (alias_ops->evaluate != nullptr)
+            alias_ops->evaluate(inputspec, input1, input2, wanted, out, work_x, work_y, errormsg);
+        else
+            alias_ops->allprops(inputspec, input1, input2, out.p, out.t, out.v, out.d, out.h, out.s,
+                                out.u, out.q, work_x, work_y, work_lnphi, out.cv, out.dpdt,
+                                out.dpdv, out.d2pdt2, out.d2pdv2, out.d2pdtdv, out.dcvdt, out.eta,
+                                out.lambda, out.sigma, errormsg);
+    }
+    if (!compositions) return;
+    spread(work_x, usr_x, named->keeps_zero_components);
+    spread(work_y, usr_y, named->keeps_zero_components);
+}
+
 void allthermophyssu2(std::string_view inputspec, double input1, double input2, double& p,
                       double& t, double& v, double& d, double& h, double& s, double& u, double& q,
                       zp_common::composition& usr_x, zp_common::composition& usr_y, double& cv,

@@ -74,6 +74,11 @@ void allthermophyssu2(std::string_view inputspec, double input1, double input2, 
                       double& dpdt, double& dpdv, double& d2pdt2, double& d2pdv2, double& d2pdtdv,
                       double& dcvdt, double& eta, double& lambda, double& sigma,
                       std::string& errormsg);
+// allthermophys for the part `wanted` (zp_adapter::output flags) of the state: an adapter that
+// evaluates parts of states is asked for that part alone, any other for its whole state
+void allthermophys_part(std::string_view inputspec, double input1, double input2, unsigned wanted,
+                        zp_adapter::state_values& out, zp_common::composition& usr_x,
+                        zp_common::composition& usr_y, std::string& errormsg);
 // one property named by outputspec; 0.0 when no model is selected
 double calculate(std::string_view inputspec, double input1, double input2,
                  std::string_view outputspec, std::string& errormsg);

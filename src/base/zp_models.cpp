@@ -27,28 +27,29 @@ constexpr double saft_offset = 111.0;
 
 // One row per model. column: the model's back-end column of the fluid table (0-based; 3 TPSI,
 // 4 the Varimol models, 5 Aerolt, 6 RefProp, 7 Kelvora, 8 PCP-SAFT). names: the back-end takes
-// the caller's component names untranslated. zeros: components of zero concentration reach the
+// the caller's component names untranslated. files: a name the fluid table does not know reaches
+// the back-end unchanged (a user's fluid file). zeros: components of zero concentration reach the
 // back-end. fixed: the model describes one fluid only. offset: added to the first concentration.
 
 constexpr std::array<model, 14> make_models() {
     // clang-format off
     using enum model_id;
     return {{
-    // id         name           adapter                      column names  zeros  fixed  offset
-    {none,        "",            nullptr,                     -1, false, false, false, 0.0},
-    {tpsi,        "TPSI",        &tpsi_zp::operations,         3, false, false, false, 0.0},
-    {litevarimol, "liteVarimol", &litevarimol_zp::operations,  4, false, true,  false, 0.0},
-    {varimol,     "Varimol",     &varimol_zp::operations,      4, false, true,  false, 0.0},
-    {if97,        "IF97",        &if97_zp::operations,        -1, false, false, true,  0.0},
-    {aerolt,      "Aerolt",      &aerolt_zp::operations,       5, true,  false, false, 0.0},
-    {refprop,     "RefProp",     &refprop_zp::operations,      6, false, false, false, 0.0},
-    {kelvora,     "Kelvora",     &kelvora_zp::operations,      7, false, false, false, 0.0},
-    {pcp_saft,    "PCP-SAFT",    &pcp_saft_zp::operations,     8, true,  false, false, 0.0},
-    {spcp_saft,   "sPCP-SAFT",   &pcp_saft_zp::operations,     8, true,  false, false, saft_offset},
-    {critova,     "Critova",     &critova_zp::operations,     -1, true,  false, false, 0.0},
-    {nh3_h2o,     "NH3-H2O",     nullptr,                     -1, false, false, false, 0.0},
-    {libr_h2o,    "LiBr-H2O",    &libr_h2o_zp::operations,    -1, false, false, false, 0.0},
-    {mesheq,      "Mesheq",      &mesheq_zp::operations,      -1, true,  false, false, 0.0},
+    // id         name           adapter                      column names  files  zeros  fixed  offset
+    {none,        "",            nullptr,                     -1, false, false, false, false, 0.0},
+    {tpsi,        "TPSI",        &tpsi_zp::operations,         3, false, false, false, false, 0.0},
+    {litevarimol, "liteVarimol", &litevarimol_zp::operations,  4, false, true , true , false, 0.0},
+    {varimol,     "Varimol",     &varimol_zp::operations,      4, false, true , true , false, 0.0},
+    {if97,        "IF97",        &if97_zp::operations,        -1, false, false, false, true , 0.0},
+    {aerolt,      "Aerolt",      &aerolt_zp::operations,       5, true , false, false, false, 0.0},
+    {refprop,     "RefProp",     &refprop_zp::operations,      6, false, false, false, false, 0.0},
+    {kelvora,     "Kelvora",     &kelvora_zp::operations,      7, false, false, false, false, 0.0},
+    {pcp_saft,    "PCP-SAFT",    &pcp_saft_zp::operations,     8, true , false, false, false, 0.0},
+    {spcp_saft,   "sPCP-SAFT",   &pcp_saft_zp::operations,     8, true , false, false, false, saft_offset},
+    {critova,     "Critova",     &critova_zp::operations,     -1, true , false, false, false, 0.0},
+    {nh3_h2o,     "NH3-H2O",     nullptr,                     -1, false, false, false, false, 0.0},
+    {libr_h2o,    "LiBr-H2O",    &libr_h2o_zp::operations,    -1, false, false, false, false, 0.0},
+    {mesheq,      "Mesheq",      &mesheq_zp::operations,      -1, true , false, false, false, 0.0},
     }};
     // clang-format on
 }

@@ -31,6 +31,8 @@ struct model {
     const zp_adapter::operations* adapter; // the adapter that serves the model; null: none
     int column;                 // the model's back-end column of the fluid table, -1: none
     bool untranslated_names;    // the back-end takes the caller's component names
+    bool unknown_names_pass;    // a name the fluid table does not know reaches the back-end as it
+                                // is (it may name a user's fluid file)
     bool keeps_zero_components; // components of zero concentration still reach the back-end
     bool fixed_fluid;           // the model always describes one fluid (selection is a no-op)
     double first_conc_offset;   // added to the first concentration handed to the back-end

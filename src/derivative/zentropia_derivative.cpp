@@ -401,6 +401,28 @@ bool is_single_phase(std::string_view inputspec, double q) {
     return inputspec.size() > 4 && inputspec.substr(4, 2) == "ph";
 }
 
+completion completion_of_selection() {
+    switch (zentropia_base::selected_alias()) {
+    case model_id::mesheq:
+        return completion::backend_all;
+    case model_id::if97:
+        return completion::backend_cp_c;
+    default:
+        return completion::formulas;
+    }
+}
+
+bool completion_keeps_state(std::string_view inputspec, double q) {
+    switch (completion_of_selection()) {
+    case completion::backend_all:
+        return false;
+    case completion::backend_cp_c:
+        return true;
+    default: // (a two-phase mixture state gets no derivatives, and no text)
+        return is_single_phase(inputspec, q) || is_mixture();
+    }
+}
+
 // ---- Bundles ------------------------------------------------------------------------------------
 
 void allderivative(std::string_view inputspec, double input1, double input2, double p, double t,
@@ -408,7 +430,7 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
                    double d2pdt2, double d2pdv2, double d2pdtdv, double dcvdt, double& cp,
                    double& c, double& alpha, double& beta, double& chi, double& fi, double& ksi,
                    double& psi, double& zeta, double& theta, double& kappa, double& gamma,
-                   std::string& errormsg) {
+                   std::string& errormsg, const backend_sound* delivered) {
     if (!is_ok(errormsg)) return;
     const state_query s{inputspec, input1, input2};
     if (alias_is(model_id::mesheq)) {
@@ -421,8 +443,8 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
         return;
     }
     if (alias_is(model_id::if97)) {
-        cp = ask(s, "cp", errormsg);
-        c = ask(s, "c", errormsg);
+        cp = delivered != nullptr ? delivered->cp : ask(s, "cp", errormsg);
+        c = delivered != nullptr ? delivered->c : ask(s, "c", errormsg);
         alpha = beta = chi = fi = ksi = psi = zeta = theta = kappa = gamma = not_set;
         return;
     }
@@ -451,10 +473,12 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
 
 void allderivativesu2(std::string_view inputspec, double input1, double input2, double p, double t,
                       double v, double q, double& cv, double dpdt, double dpdv, double& c,
-                      double& alpha, double& beta, std::string& errormsg) {
+                      double& alpha, double& beta, std::string& errormsg,
+                      const backend_sound* delivered) {
     if (!is_ok(errormsg)) return;
     if (alias_is(model_id::if97)) {
-        c = ask(state_query{inputspec, input1, input2}, "c", errormsg);
+        c = delivered != nullptr ? delivered->c
+                                 : ask(state_query{inputspec, input1, input2}, "c", errormsg);
         alpha = beta = not_set;
         return;
     }
@@ -481,13 +505,13 @@ void allderivativesu2(std::string_view inputspec, double input1, double input2, 
 
 void allderivativetarn(std::string_view inputspec, double input1, double input2, double p, double t,
                        double v, double q, double& cv, double dpdt, double dpdv, double& cp,
-                       double& c, double& alpha, double& beta, double& zeta,
-                       std::string& errormsg) {
+                       double& c, double& alpha, double& beta, double& zeta, std::string& errormsg,
+                       const backend_sound* delivered) {
     if (!is_ok(errormsg)) return;
     if (alias_is(model_id::if97)) {
         const state_query s{inputspec, input1, input2};
-        cp = ask(s, "cp", errormsg);
-        c = ask(s, "c", errormsg);
+        cp = delivered != nullptr ? delivered->cp : ask(s, "cp", errormsg);
+        c = delivered != nullptr ? delivered->c : ask(s, "c", errormsg);
         alpha = beta = zeta = not_set;
         return;
     }

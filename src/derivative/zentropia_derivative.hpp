@@ -28,22 +28,40 @@ derived_properties single_phase_derived(double p, double t, double v, double d, 
                                         double dpdt, double dpdv, double d2pdt2, double d2pdv2,
                                         double d2pdtdv, double dcvdt);
 
+// How allderivative completes a state of the selected model: by the formulas over the pressure
+// derivatives, with the back-end's own cp and c (and -8888.8 for the other ten), or asking the
+// back-end for all twelve (table models).
+enum class completion { formulas, backend_cp_c, backend_all };
+completion completion_of_selection();
+// true when allderivative leaves the state's values (cv) and the error text as they are: for
+// back-ends whose own cp and c belong to the evaluated state, and in the single-phase region
+// where only formulas are evaluated
+bool completion_keeps_state(std::string_view inputspec, double q);
+
+// The back-end's own cp and c, when the state's evaluation delivered them.
+struct backend_sound {
+    double cp, c;
+};
+
 // The twelve derivative properties of a state evaluated by the dispatcher; cv is replaced by the
-// two-phase value in the two-phase region. Does nothing unless errormsg is "No errors".
+// two-phase value in the two-phase region. Does nothing unless errormsg is "No errors". A model
+// that takes cp and c from its back-end takes those of `delivered` instead of asking again.
 void allderivative(std::string_view inputspec, double input1, double input2, double p, double t,
                    double v, double d, double q, double& cv, double dpdt, double dpdv,
                    double d2pdt2, double d2pdv2, double d2pdtdv, double dcvdt, double& cp,
                    double& c, double& alpha, double& beta, double& chi, double& fi, double& ksi,
                    double& psi, double& zeta, double& theta, double& kappa, double& gamma,
-                   std::string& errormsg);
+                   std::string& errormsg, const backend_sound* delivered = nullptr);
 // c, alpha and beta for the SU2 bundle.
 void allderivativesu2(std::string_view inputspec, double input1, double input2, double p, double t,
                       double v, double q, double& cv, double dpdt, double dpdv, double& c,
-                      double& alpha, double& beta, std::string& errormsg);
+                      double& alpha, double& beta, std::string& errormsg,
+                      const backend_sound* delivered = nullptr);
 // cp, c, alpha, beta and zeta for the Tarn bundle (two-phase for mixtures too).
 void allderivativetarn(std::string_view inputspec, double input1, double input2, double p, double t,
                        double v, double q, double& cv, double dpdt, double dpdv, double& cp,
-                       double& c, double& alpha, double& beta, double& zeta, std::string& errormsg);
+                       double& c, double& alpha, double& beta, double& zeta, std::string& errormsg,
+                       const backend_sound* delivered = nullptr);
 
 // One property of a state given in internal units, evaluated anew.
 double zp_heatcapp(std::string_view inputspec, double input1, double input2, std::string& errormsg);

@@ -21,13 +21,14 @@ composition scratch_x{}, scratch_y{};
 
 } // namespace
 
-void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
-                    composition& x, composition& y, std::string& errormsg) {
-    evaluate_record(zentropia_base::allthermophys, inputspec, zp_input1, zp_input2, r, x, y,
-                    errormsg);
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, unsigned wanted,
+                    completion_rule completion, state_record& r, composition& x, composition& y,
+                    std::string& errormsg) {
+    zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, wanted, r, x, y, errormsg);
     if (is_refprop_partial(errormsg)) {
         // The state stands; of its derivatives only those of p, v and T alone are computed.
         errormsg = zp_common::no_errors;
+        r.cp = r.c = not_set;
         std::string scratch;
         const double chi = zentropia_derivative::zp_chi(inputspec, zp_input1, zp_input2, scratch);
         if (is_ok(scratch)) r.chi = chi;
@@ -35,10 +36,22 @@ void evaluate_state(std::string_view inputspec, double zp_input1, double zp_inpu
         if (is_ok(scratch)) r.fi = fi;
         return;
     }
-    zentropia_derivative::allderivative(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.q,
-                                        r.cv, r.dpdt, r.dpdv, r.d2pdt2, r.d2pdv2, r.d2pdtdv,
-                                        r.dcvdt, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi, r.ksi,
-                                        r.psi, r.zeta, r.theta, r.kappa, r.gamma, errormsg);
+    if (completion == completion_rule::never ||
+        (completion == completion_rule::if_it_changes_the_state &&
+         zentropia_derivative::completion_keeps_state(inputspec, r.q)))
+        return;
+    const zentropia_derivative::backend_sound sound{r.cp, r.c};
+    r.cp = r.c = not_set;
+    zentropia_derivative::allderivative(
+        inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.d, r.q, r.cv, r.dpdt, r.dpdv, r.d2pdt2,
+        r.d2pdv2, r.d2pdtdv, r.dcvdt, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi, r.ksi, r.psi, r.zeta,
+        r.theta, r.kappa, r.gamma, errormsg, r.sound ? &sound : nullptr);
+}
+
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
+                    composition& x, composition& y, std::string& errormsg) {
+    evaluate_state(inputspec, zp_input1, zp_input2, zp_adapter::output::all,
+                   completion_rule::always, r, x, y, errormsg);
 }
 
 void allprops(std::string_view inputspec, double input1, double input2, double& p, double& t,
@@ -97,9 +110,15 @@ void allpropssu2(std::string_view inputspec, double input1, double input2, doubl
                  double& beta, std::string& errormsg) {
     double zp_input1, zp_input2;
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    // One evaluation holds what this bundle and the completion of its derivatives read.
+    namespace out = zp_adapter::output;
+    constexpr unsigned wanted = out::p | out::t | out::v | out::d | out::s | out::u | out::q |
+                                out::cv | out::derivatives | out::cp | out::c;
     state_record r;
-    evaluate_record(zentropia_base::allthermophyssu2, inputspec, zp_input1, zp_input2, r, scratch_x,
-                    scratch_y, errormsg);
+    zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, wanted, r, scratch_x,
+                                       scratch_y, errormsg);
+    const zentropia_derivative::backend_sound sound{r.cp, r.c};
+    r.c = not_set;
     double c_squared = not_set;
     if (is_refprop_partial(errormsg)) {
         // Unlike allprops, the caller sees RefProp's text.
@@ -109,8 +128,8 @@ void allpropssu2(std::string_view inputspec, double input1, double input2, doubl
         c_squared = r.d2pdtdv, r.alpha = r.d2pdt2, r.beta = r.d2pdv2;
     } else {
         zentropia_derivative::allderivativesu2(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.q,
-                                               r.cv, r.dpdt, r.dpdv, r.c, r.alpha, r.beta,
-                                               errormsg);
+                                               r.cv, r.dpdt, r.dpdv, r.c, r.alpha, r.beta, errormsg,
+                                               r.sound ? &sound : nullptr);
         if (zp_common::isnotinit(r.c)) c_squared = r.c * r.c;
     }
     p = r.p, t = r.t, d = r.d, s = r.s, u = r.u, cv = r.cv, c2 = c_squared;
@@ -126,14 +145,16 @@ void allpropstarn(std::string_view inputspec, double input1, double input2, doub
     double zp_input1, zp_input2;
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
     state_record r;
-    evaluate_record(zentropia_base::allthermophys, inputspec, zp_input1, zp_input2, r, scratch_x,
-                    scratch_y, errormsg);
+    zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, zp_adapter::output::all, r,
+                                       scratch_x, scratch_y, errormsg);
+    const zentropia_derivative::backend_sound sound{r.cp, r.c};
+    r.cp = r.c = not_set;
     if (is_refprop_partial(errormsg))
         errormsg = zp_common::no_errors;
     else
         zentropia_derivative::allderivativetarn(inputspec, zp_input1, zp_input2, r.p, r.t, r.v, r.q,
                                                 r.cv, r.dpdt, r.dpdv, r.cp, r.c, r.alpha, r.beta,
-                                                r.zeta, errormsg);
+                                                r.zeta, errormsg, r.sound ? &sound : nullptr);
     p = r.p, t = r.t, v = r.v, d = r.d, h = r.h, s = r.s, u = r.u, cv = r.cv, cp = r.cp;
     c = r.c, alpha = r.alpha, beta = r.beta, zeta = r.zeta, eta = r.eta, lambda = r.lambda;
     alloutputconvtarn(p, t, v, d, h, s, u, cv, cp, c, alpha, beta, zeta, eta, lambda);
@@ -213,13 +234,16 @@ void alloutputconv(double& p, double& t, double& v, double& d, double& h, double
                    double& fi, double& ksi, double& psi, double& zeta, double& theta, double& kappa,
                    double& eta, double& lambda) {
     const auto& cf = zentropia_units::convfact();
-    to_caller(cf, {{unit_row::P, p},         {unit_row::T, t},         {unit_row::v, v},
-                   {unit_row::d, d},         {unit_row::h, h},         {unit_row::s, s},
-                   {unit_row::u, u},         {unit_row::cp, cp},       {unit_row::cv, cv},
-                   {unit_row::c, c},         {unit_row::alpha, alpha}, {unit_row::beta, beta},
-                   {unit_row::chi, chi},     {unit_row::fi, fi},       {unit_row::ksi, ksi},
-                   {unit_row::psi, psi},     {unit_row::zeta, zeta},   {unit_row::theta, theta},
-                   {unit_row::kappa, kappa}, {unit_row::eta, eta},     {unit_row::lambda, lambda}});
+    to_caller(cf, unit_row::P, p), to_caller(cf, unit_row::T, t), to_caller(cf, unit_row::v, v);
+    to_caller(cf, unit_row::d, d), to_caller(cf, unit_row::h, h), to_caller(cf, unit_row::s, s);
+    to_caller(cf, unit_row::u, u), to_caller(cf, unit_row::cp, cp);
+    to_caller(cf, unit_row::cv, cv), to_caller(cf, unit_row::c, c);
+    to_caller(cf, unit_row::alpha, alpha), to_caller(cf, unit_row::beta, beta);
+    to_caller(cf, unit_row::chi, chi), to_caller(cf, unit_row::fi, fi);
+    to_caller(cf, unit_row::ksi, ksi), to_caller(cf, unit_row::psi, psi);
+    to_caller(cf, unit_row::zeta, zeta), to_caller(cf, unit_row::theta, theta);
+    to_caller(cf, unit_row::kappa, kappa), to_caller(cf, unit_row::eta, eta);
+    to_caller(cf, unit_row::lambda, lambda);
 }
 
 void alloutputconvsu2(double& p, double& t, double& d, double& s, double& u, double& cv, double& c2,

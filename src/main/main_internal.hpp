@@ -13,18 +13,11 @@
 namespace zentropia_main {
 
 // Every internal result of one state: the back-end's values and the derived properties.
-struct state_record {
-    double p = zp_common::not_set, t = zp_common::not_set, v = zp_common::not_set;
-    double d = zp_common::not_set, h = zp_common::not_set, s = zp_common::not_set;
-    double u = zp_common::not_set, q = zp_common::not_set, cv = zp_common::not_set;
-    double dpdt = zp_common::not_set, dpdv = zp_common::not_set, d2pdt2 = zp_common::not_set;
-    double d2pdv2 = zp_common::not_set, d2pdtdv = zp_common::not_set;
-    double dcvdt = zp_common::not_set;
-    double eta = zp_common::not_set, lambda = zp_common::not_set, sigma = zp_common::not_set;
-    double cp = zp_common::not_set, c = zp_common::not_set, alpha = zp_common::not_set;
-    double beta = zp_common::not_set, chi = zp_common::not_set, fi = zp_common::not_set;
-    double ksi = zp_common::not_set, psi = zp_common::not_set, zeta = zp_common::not_set;
-    double theta = zp_common::not_set, kappa = zp_common::not_set, gamma = zp_common::not_set;
+struct state_record : zp_adapter::state_values {
+    double alpha = zp_common::not_set, beta = zp_common::not_set, chi = zp_common::not_set;
+    double fi = zp_common::not_set, ksi = zp_common::not_set, psi = zp_common::not_set;
+    double zeta = zp_common::not_set, theta = zp_common::not_set, kappa = zp_common::not_set;
+    double gamma = zp_common::not_set;
 };
 
 // One evaluation of the state (internal inputs) by a dispatcher bundle (allthermophys or
@@ -42,6 +35,15 @@ inline void evaluate_record(dispatcher evaluate, std::string_view inputspec, dou
 // units; x and y receive the phase compositions.
 void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, state_record& r,
                     zp_common::composition& x, zp_common::composition& y, std::string& errormsg);
+// When the derivative properties of a part of a state are completed: always (the value asked for
+// is one of them), never (the completion of the selected model cannot change the state's values
+// nor fail), or when it could change the state's values or the error text (the outcome is then
+// that of the whole state).
+enum class completion_rule { always, never, if_it_changes_the_state };
+// The same for the part `wanted` (zp_adapter::output flags) of the state.
+void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, unsigned wanted,
+                    completion_rule completion, state_record& r, zp_common::composition& x,
+                    zp_common::composition& y, std::string& errormsg);
 
 // A value of the phase marked in inputspec ("liq", "vap"), whose composition is cnc, in the
 // caller's unit of one row: outputconversion_cnc by row.

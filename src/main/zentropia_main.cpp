@@ -8,6 +8,7 @@
 #include "units/zentropia_units.hpp"
 
 #include <array>
+#include <cstring>
 
 namespace zentropia_main {
 namespace {
@@ -21,45 +22,91 @@ constexpr std::size_t symbol_length = 10;
 // Property keywords are compared as texts of 32 characters.
 constexpr std::size_t keyword_length = 32;
 
+// How a keyword's value is found: the outputs of the state it needs, whether it is one of the
+// derivative properties completed from the state, and the unit row it is converted by (none: the
+// value is dimensionless or a pressure derivative, returned as computed).
+enum class completed : bool { no, yes };
+constexpr int no_row = -1;
+
 struct keyword {
     std::string_view long_form; // empty where the property has only the short form
     std::string_view short_form;
     double state_record::*value;
+    unsigned needs;
+    completed derived;
+    int row;
 };
 
+constexpr int row_of(unit_row row) {
+    return static_cast<int>(row);
+}
+
+namespace out = zp_adapter::output;
+using enum completed;
+using enum unit_row;
+
 // Tried in this order; the first row whose long or short form matches answers.
+// clang-format off
 constexpr std::array<keyword, 30> keywords{{
-    {"pressure", "p", &state_record::p},
-    {"temperature", "t", &state_record::t},
-    {"specvolume", "v", &state_record::v},
-    {"density", "d", &state_record::d},
-    {"enthalpy", "h", &state_record::h},
-    {"entropy", "s", &state_record::s},
-    {"intenergy", "u", &state_record::u},
-    {"vaporqual", "q", &state_record::q},
-    {"heatcapv", "cv", &state_record::cv},
-    {"heatcapp", "cp", &state_record::cp},
-    {"soundspeed", "c", &state_record::c},
-    {"", "alpha", &state_record::alpha},
-    {"", "beta", &state_record::beta},
-    {"", "chi", &state_record::chi},
-    {"", "fi", &state_record::fi},
-    {"", "ksi", &state_record::ksi},
-    {"", "psi", &state_record::psi},
-    {"", "zeta", &state_record::zeta},
-    {"", "theta", &state_record::theta},
-    {"", "kappa", &state_record::kappa},
-    {"", "gamma", &state_record::gamma},
-    {"viscosity", "eta", &state_record::eta},
-    {"thermcond", "lambda", &state_record::lambda},
-    {"surftens", "sigma", &state_record::sigma},
-    {"", "dpdt", &state_record::dpdt},
-    {"", "dpdv", &state_record::dpdv},
-    {"", "d2pdt2", &state_record::d2pdt2},
-    {"", "d2pdv2", &state_record::d2pdv2},
-    {"", "d2pdtdv", &state_record::d2pdtdv},
-    {"", "dcvdt", &state_record::dcvdt},
+    {"pressure",    "p",       &state_record::p,       out::p,           no,  row_of(P)},
+    {"temperature", "t",       &state_record::t,       out::t,           no,  row_of(T)},
+    {"specvolume",  "v",       &state_record::v,       out::v,           no,  row_of(v)},
+    {"density",     "d",       &state_record::d,       out::d,           no,  row_of(d)},
+    {"enthalpy",    "h",       &state_record::h,       out::h,           no,  row_of(h)},
+    {"entropy",     "s",       &state_record::s,       out::s,           no,  row_of(s)},
+    {"intenergy",   "u",       &state_record::u,       out::u,           no,  row_of(u)},
+    {"vaporqual",   "q",       &state_record::q,       out::q,           no,  no_row},
+    {"heatcapv",    "cv",      &state_record::cv,      out::cv,          no,  row_of(cv)},
+    {"heatcapp",    "cp",      &state_record::cp,      out::cp,          yes, row_of(cp)},
+    {"soundspeed",  "c",       &state_record::c,       out::c,           yes, row_of(c)},
+    {"",            "alpha",   &state_record::alpha,   0,                yes, row_of(alpha)},
+    {"",            "beta",    &state_record::beta,    0,                yes, row_of(beta)},
+    {"",            "chi",     &state_record::chi,     0,                yes, row_of(chi)},
+    {"",            "fi",      &state_record::fi,      0,                yes, row_of(fi)},
+    {"",            "ksi",     &state_record::ksi,     0,                yes, row_of(ksi)},
+    {"",            "psi",     &state_record::psi,     0,                yes, row_of(psi)},
+    {"",            "zeta",    &state_record::zeta,    0,                yes, row_of(zeta)},
+    {"",            "theta",   &state_record::theta,   0,                yes, row_of(theta)},
+    {"",            "kappa",   &state_record::kappa,   0,                yes, row_of(kappa)},
+    {"",            "gamma",   &state_record::gamma,   0,                yes, no_row},
+    {"viscosity",   "eta",     &state_record::eta,     out::eta,         no,  row_of(eta)},
+    {"thermcond",   "lambda",  &state_record::lambda,  out::lambda,      no,  row_of(lambda)},
+    {"surftens",    "sigma",   &state_record::sigma,   out::sigma,       no,  row_of(sigma)},
+    {"",            "dpdt",    &state_record::dpdt,    out::derivatives, no,  no_row},
+    {"",            "dpdv",    &state_record::dpdv,    out::derivatives, no,  no_row},
+    {"",            "d2pdt2",  &state_record::d2pdt2,  out::derivatives, no,  no_row},
+    {"",            "d2pdv2",  &state_record::d2pdv2,  out::derivatives, no,  no_row},
+    {"",            "d2pdtdv", &state_record::d2pdtdv, out::derivatives, no,  no_row},
+    {"",            "dcvdt",   &state_record::dcvdt,   out::derivatives, no,  no_row},
 }};
+// clang-format on
+
+// What the derivative completion reads of a state.
+constexpr unsigned completion_reads =
+    out::p | out::t | out::v | out::d | out::q | out::cv | out::derivatives;
+
+// The part of the state one keyword's value needs, and when the completion runs, for the way the
+// selected model completes its states.
+struct evaluation_plan {
+    unsigned wanted;
+    completion_rule completion;
+};
+evaluation_plan plan_of(const keyword& k) {
+    using zentropia_derivative::completion;
+    switch (zentropia_derivative::completion_of_selection()) {
+    case completion::backend_cp_c:
+        // cp and c are the back-end's own values of the state; the completion computes nothing
+        // else, so the other derivative properties stay not computed.
+        return {k.needs, completion_rule::never};
+    case completion::formulas:
+        // the quality tells whether the completion may be left out (single-phase states)
+        return k.derived == yes
+                   ? evaluation_plan{completion_reads | k.needs, completion_rule::always}
+                   : evaluation_plan{k.needs | out::q, completion_rule::if_it_changes_the_state};
+    default:
+        return {out::all, completion_rule::always};
+    }
+}
 
 // text equals the lower-case word when ASCII letters are lowered
 bool equals_lowered(std::string_view text, std::string_view word) {
@@ -76,6 +123,22 @@ const keyword* find_keyword(std::string_view propspec) {
     for (const keyword& k : keywords)
         if (equals_lowered(key, k.long_form) || equals_lowered(key, k.short_form)) return &k;
     return nullptr;
+}
+
+// The keyword of the last call found in the table: callers ask one property again and again.
+const keyword* remembered_keyword(std::string_view propspec) {
+    static std::array<char, keyword_length> text{};
+    static std::size_t size = 0;
+    static const keyword* last = nullptr;
+    if (last != nullptr && propspec.size() == size &&
+        std::memcmp(propspec.data(), text.data(), size) == 0)
+        return last;
+    const keyword* k = find_keyword(propspec);
+    if (k != nullptr && propspec.size() <= text.size()) {
+        std::memcpy(text.data(), propspec.data(), propspec.size());
+        size = propspec.size(), last = k;
+    }
+    return k;
 }
 
 // The unit row of each one-character property symbol (the letters of an input specification),
@@ -95,12 +158,13 @@ const std::array<signed char, 128>& letter_rows() {
 }
 
 // Caller's value of the input at position i of the input specification to internal units.
-double input_to_internal(std::string_view inputspec, std::size_t i, double value) {
+double input_to_internal(std::string_view inputspec, std::size_t i, double value,
+                         const std::array<signed char, 128>& rows, const conversion_table& cf) {
     const unsigned char letter = i < inputspec.size() ? inputspec[i] : ' ';
-    const int row = letter < 128 ? letter_rows()[letter] : -1;
+    const int row = letter < 128 ? rows[letter] : -1;
     if (row < 0) return value;
-    const auto& cf = zentropia_units::convfact()[static_cast<std::size_t>(row)];
-    return value * cf.factor + cf.offset;
+    const auto& pair = cf[static_cast<std::size_t>(row)];
+    return value * pair.factor + pair.offset;
 }
 
 // Runs convert with the unit factors of the phase marked in inputspec ("liq" or "vap" at
@@ -149,8 +213,10 @@ state_record saturated_at_pressure(double p, double quality, std::string& errorm
 
 void inputconversion(std::string_view inputspec, double input1, double input2, double& zp_input1,
                      double& zp_input2) {
-    zp_input1 = input_to_internal(inputspec, 0, input1);
-    zp_input2 = input_to_internal(inputspec, 1, input2);
+    const auto& rows = letter_rows();
+    const auto& cf = zentropia_units::convfact();
+    zp_input1 = input_to_internal(inputspec, 0, input1, rows, cf);
+    zp_input2 = input_to_internal(inputspec, 1, input2, rows, cf);
 }
 
 void outputconversion(std::string_view outputspec, double zp_output, double& output) {
@@ -178,18 +244,22 @@ double calcprop(std::string_view propspec, std::string_view inputspec, double in
                 std::string& errormsg) {
     double zp_input1, zp_input2;
     inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    // The state is evaluated first: an unknown keyword is reported only for a state that stands,
+    // whose failures are then those of the whole state.
+    const keyword* k = remembered_keyword(propspec);
+    const evaluation_plan plan =
+        k != nullptr ? plan_of(*k) : evaluation_plan{out::all, completion_rule::always};
     state_record r;
-    evaluate_state(inputspec, zp_input1, zp_input2, r, work_x, work_y, errormsg);
-    alloutputconv(r.p, r.t, r.v, r.d, r.h, r.s, r.u, r.cv, r.cp, r.c, r.alpha, r.beta, r.chi, r.fi,
-                  r.ksi, r.psi, r.zeta, r.theta, r.kappa, r.eta, r.lambda);
-    to_caller(zentropia_units::convfact(), unit_row::sigma, r.sigma);
+    evaluate_state(inputspec, zp_input1, zp_input2, plan.wanted, plan.completion, r, work_x, work_y,
+                   errormsg);
     if (!is_ok(errormsg)) return not_set;
-    const keyword* k = find_keyword(propspec);
     if (k == nullptr) {
         errormsg = "Unknown property specified...";
         return not_set;
     }
-    return r.*(k->value);
+    double value = r.*(k->value);
+    if (k->row != no_row) to_caller(zentropia_units::convfact(), unit_row(k->row), value);
+    return value;
 }
 
 void modelica_p(double p, double& d_liq, double& d_vap, double& h_liq, double& h_vap, double& t_sat,

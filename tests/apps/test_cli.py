@@ -38,19 +38,27 @@ def test_calc_prints_the_value_exactly(args, units):
     assert errormsg == "No errors" and float(out) == expected
 
 
+def props_table(out):
+    """The rows of the props table by keyword (up to the blank line before the notes)."""
+    lines = out.splitlines()[2:]
+    return {line.split()[0]: line for line in lines[:lines.index("")] if line.strip()}
+
+
 def test_props_is_a_table_with_units():
     out = run("props", "PT", 1, 26.85, "--units", "Zentropia", check=OK).stdout
-    table = {line.split()[0]: line for line in out.splitlines()[2:]}
-    assert len(table) == 23
+    table = props_table(out)
+    assert len(table) == 1 + 24 + 2  # phase, the properties, x1 and y1
+    assert table["phase"].split()[-1] == "liquid" and float(table["x1"].split()[-1]) == 1.0
     assert table["h"].split()[-1] == "kJ/kg" and table["t"].split()[-1] == "\u00b0C"
     assert float(table["p"].split()[-2]) == pytest.approx(1.0)  # in bar
     assert "not computed" in table["kappa"]                     # IF97 does not give it
+    assert "kappa: IF97: calculation of Kappa not available." in out
 
 
 def test_props_fills_the_derivatives_from_their_entry_points():
     # Dilute steam is nearly an ideal gas: the fundamental derivative tends to (cp/cv + 1) / 2.
     out = run("props", "PT", 0.01, 400, "--units", "Zentropia", check=OK).stdout
-    table = {line.split()[0]: line.split() for line in out.splitlines()[2:]}
+    table = {k: line.split() for k, line in props_table(out).items()}
     cp, cv = float(table["cp"][-2]), float(table["cv"][-2])
     assert float(table["gamma"][-1]) == pytest.approx((cp / cv + 1) / 2, rel=1e-2)  # no unit
 
@@ -80,7 +88,7 @@ def test_without_a_command_it_shows_water():
 @pytest.mark.parametrize("args, status, message", [
     (("calc", "h", "PT", 1e5, 300, "--model", "NoSuchModel"), FAILURE,
      "Error in Zentropia: invalid model name NoSuchModel"),
-    (("calc", "nonsense", "PT", 1e5, 300), FAILURE, "Unknown property specified..."),
+    (("calc", "nonsense", "PT", 1e5, 300), USAGE, "unknown property 'nonsense'"),
     (("calc", "h", "PT", -1, 300), FAILURE, "Error in IF97"),
     (("calc", "h", "PT", 1e5, 300, "--units", "Metric"), FAILURE, 'Unit set "Metric" unknown'),
     (("calc", "h", "PT", "abc", 300), USAGE, "'abc' is not a number"),
@@ -93,6 +101,19 @@ def test_without_a_command_it_shows_water():
     (("fluids", "--by", "colour"), USAGE, "--by is long, short or cas"),
     (("batch", "--columns", "1,1"), USAGE, "--columns names one column twice"),
     (("batch", "no/such/file.csv"), FAILURE, "cannot open no/such/file.csv"),
+    (("calc", "h", "PT", 1e5, 300, "--frobnicate", "1"), USAGE, "unknown option --frobnicate"),
+    (("calc", "h", "pt", 1e5, 300), USAGE, "the symbols P, T, v, d, h, s, u and q"),
+    (("calc", "h", "PT", 1e5, 300, "--fluid", "nitrogen"), FAILURE,
+     'model IF97 cannot compute "nitrogen"'),
+    (("calc", "h", "PT", 1e5, 300, "--fluid", "water,methane", "--conc", "0.5,0.5"), FAILURE,
+     "not a mixture of 2 components"),
+    (("calc", "h", "PT", 1e5, 300, "--model", "TPSI"), FAILURE, "back-end library not installed"),
+    (("fluids", "--model", "refprop"), FAILURE, "back-end library not installed"),
+    (("calc", "h", "PT", 1, 300, "--unit", "P=furlong"), FAILURE, 'unit "furlong" of P'),
+    (("calc", "kappa", "PT", 1e5, 300), FAILURE, "kappa is not computed for this state"),
+    (("batch", "--props", "h,nonsense"), USAGE, "unknown property 'nonsense'"),
+    (("batch", "--format", "xml"), USAGE, "--format is csv or json"),
+    (("batch", "--precision", "40"), USAGE, "--precision is a number"),
 ])
 def test_failures_print_a_message_and_exit_non_zero(args, status, message):
     result = run(*args)
@@ -104,10 +125,11 @@ def test_batch_evaluates_every_row():
     states = [(1e5, 300.0), (1e6, 500.0), (2e7, 700.0), (5e7, 1000.0)]
     text = "P,T\n" + "".join(f"{p!r},{t!r}\n" for p, t in states)
     table = rows(run("batch", "--props", "h,s,c,cp,eta,lambda", stdin=text, check=OK).stdout)
-    assert table[0] == ["P", "T", "h", "s", "c", "cp", "eta", "lambda", "error"]
+    assert table[0] == ["P", "T", "h [J/kg]", "s [J/kg/K]", "c [m/s]", "cp [J/kg/K]",
+                        "eta [Pa.s]", "lambda [W/m/K]", "error"]
     for (p, t), row in zip(states, table[1:]):
         assert row[-1] == ""
-        for keyword, value in zip(table[0][2:-1], row[2:-1]):
+        for keyword, value in zip(["h", "s", "c", "cp", "eta", "lambda"], row[2:-1]):
             assert float(value) == pytest.approx(zentropia.calcprop(keyword, "PT", p, t)[0],
                                                   rel=1e-12)
 
@@ -116,7 +138,8 @@ def test_one_by_one_and_whole_state_evaluations_agree():
     text = "".join(f"{1e5 * k},{280.0 + 40 * k}\n" for k in range(1, 20))
     few = rows(run("batch", "--props", "h,s,c", stdin=text, check=OK).stdout)
     many = rows(run("batch", "--props", "h,s,c,v,d", stdin=text, check=OK).stdout)
-    assert few[0] == ["P", "T", "h", "s", "c", "error"]  # no header in the input: the symbols
+    # no header in the input: the symbols, with units
+    assert few[0] == ["P [Pa]", "T [K]", "h [J/kg]", "s [J/kg/K]", "c [m/s]", "error"]
     for a, b in zip(few[1:], many[1:]):
         assert [float(x) for x in a[2:5]] == pytest.approx([float(x) for x in b[2:5]], rel=1e-12)
 
@@ -144,7 +167,7 @@ def test_batch_columns_spec_file_and_output(tmp_path):
     run("batch", source, "--inputspec", "Ph", "--columns", "2,3", "--props", "T,q,sigma",
         "--units", "Zentropia", "--output", target, check=OK)
     table = rows(target.read_text())
-    assert table[0] == ["p", "h", "T", "q", "sigma", "error"]
+    assert table[0] == ["p", "h", "T [\u00b0C]", "q", "sigma [N/m]", "error"]
     zentropia.setunits("Zentropia", "PerMass", "", "")
     for row in table[1:]:
         p, h = float(row[0]), float(row[1])
@@ -172,3 +195,47 @@ def test_batch_streams_without_holding_the_input(tmp_path):
             assert sum(1 for _ in out) == n + 1
     assert peaks[1] - peaks[0] < 4000, f"peak memory {peaks[0]} kB for 10 rows, {peaks[1]} kB " \
                                        "for 500,000"
+
+
+@pytest.mark.parametrize("args, same_as", [
+    (("--units", "si"), ("--units", "SI")),
+    (("--units", "ZENTROPIA", "--basis", "permole"), ("--units", "Zentropia", "--basis", "PerMole")),
+    (("--unit", "P=psi", "--unit", "T=degF"), ("--unit", "P=psia", "--unit", "T=F")),
+    (("--unit", "T=\u00b0C", "--unit", "s=kJ/(kg K)"), ("--unit", "T=C", "--unit", "s=kJ/kg/K")),
+])
+def test_unit_spellings_mean_the_canonical_units(args, same_as):
+    for prop in ("h", "s", "eta"):
+        got = run("calc", prop, "PT", 100, 300, *args, check=OK).stdout
+        assert got == run("calc", prop, "PT", 100, 300, *same_as, check=OK).stdout
+
+
+def test_centipoise_is_a_thousandth_of_a_pascal_second():
+    eta = float(run("calc", "eta", "PT", 1e5, 300, check=OK).stdout)
+    assert float(run("calc", "eta", "PT", 1e5, 300, "--unit", "eta=cP", check=OK).stdout) == \
+        pytest.approx(eta * 1000, rel=1e-14)
+
+
+def test_batch_keep_delimiter_precision_and_json():
+    text = "id;P;T;note\n7;1e5;300;cold\n8;1e5;-5;broken\n"
+    out = run("batch", "--columns", "2,3", "--delimiter", ";", "--keep", "--precision", "6",
+              "--props", "h,kappa", stdin=text)
+    assert out.returncode == FAILED_ROWS
+    header, good, bad = [line.split(";") for line in out.stdout.splitlines()]
+    assert header == ["id", "P", "T", "note", "h [J/kg]", "kappa [Pa^-1]", "error"]
+    assert good == ["7", "1e5", "300", "cold", "112664", "", ""]  # 6 digits; kappa not computed
+    assert bad[:4] == ["8", "1e5", "-5", "broken"] and bad[-1].startswith("Error in IF97")
+    assert "kappa not computed in 1 of 2 rows" in out.stderr
+    import json
+    rows_json = json.loads(run("batch", "--format", "json", "--props", "h,kappa",
+                               stdin="P,T\n1e5,300\n", check=OK).stdout)
+    assert rows_json == [{"P": 1e5, "T": 300, "h": pytest.approx(112663.82328242698),
+                          "kappa": None, "error": None}]
+
+
+def test_models_fluids_and_version():
+    models = dict(line.split(None, 1) for line in run("models", check=OK).stdout.splitlines())
+    assert models.pop("model") == "back-end"
+    assert models["IF97"] == "installed" and models["TPSI"] == "back-end library not installed"
+    assert run("fluids", "--model", "IF97", check=OK).stdout == "water\n"
+    assert run("fluids", "--model", "IF97", "--by", "cas", check=OK).stdout == "7732-18-5\n"
+    assert run("--version", check=OK).stdout == f"zentropia {zentropia.__version__}\n"

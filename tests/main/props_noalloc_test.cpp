@@ -45,11 +45,18 @@ TEST(NoAllocation, HotPaths) {
         select_water(set.name, set.basis);
         const double p = to_set(set, kind::P, 1e6), t = to_set(set, kind::T, 450.0);
         const double v = to_set(set, kind::v, 0.0011), u = to_set(set, kind::energy, 7.0e5);
+        const double h = to_set(set, kind::energy, 3.0e6);
         std::string errormsg;
         double o[23];
         composition x{}, y{};
         const std::vector<std::pair<const char*, std::function<void()>>> calls{
-            {"calcprop", [&] { o[0] = zm::calcprop("h", "PT", p, t, errormsg); }},
+            {"calcprop",
+             [&] {
+                 // each keyword asks the back-end its own list
+                 for (const char* key : {"h", "s", "cp", "c", "eta", "alpha", "sigma", "dpdt"})
+                     for (const auto& [spec, second] : {std::pair{"PT", t}, std::pair{"Ph", h}})
+                         o[0] = zm::calcprop(key, spec, p, second, errormsg);
+             }},
             {"allprops",
              [&] {
                  zm::allprops("PT", p, t, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7], x, y,

@@ -35,7 +35,7 @@ def test_numbers_give_floats_and_not_computed_values_are_nan():
     water = Fluid("IF97", "water")
     assert isinstance(water.calc("h", "PT", 1e5, 300.0), float)
     props = water.props("PT", 1e5, 300.0)
-    assert set(props) == set(zp._core._allprops_columns) | {"x", "y"}
+    assert set(props) == set(zp._core._allprops_columns) | {"x", "y", "phase"}
     assert isinstance(props["h"], float) and np.isnan(props["kappa"])
     assert props["h"] == water.calc("enthalpy", "PT", 1e5, 300.0)
 
@@ -91,3 +91,38 @@ def test_failed_states_as_nan():
 def test_wrong_arguments_raise_value_errors(make):
     with pytest.raises(ValueError):
         make()
+
+
+@pytest.mark.parametrize("kwargs, message", [
+    (dict(components="nitrogen"), 'model IF97 cannot compute "nitrogen"'),
+    (dict(components=["water", "methane"], composition=[0.5, 0.5]), "not a mixture"),
+    (dict(model="TPSI"), "back-end library not installed"),
+    (dict(unit_overrides={"P": "furlong"}), 'unit "furlong" of P'),
+])
+def test_fluid_refuses_what_it_cannot_compute(kwargs, message):
+    with pytest.raises(zp.ZentropiaError, match=message):
+        Fluid(**kwargs)
+
+
+@pytest.mark.parametrize("component", ["water", "Water", "H2O", "7732-18-5"])
+def test_water_by_any_of_its_names(component):
+    assert Fluid("if97", component).calc("h", "PT", 1e5, 300.0) == \
+        Fluid("IF97", "water").calc("h", "PT", 1e5, 300.0)
+
+
+def test_inputspec_letters_are_case_sensitive():
+    with pytest.raises(ValueError, match="P, T, v, d, h, s, u and q"):
+        Fluid("IF97", "water").calc("h", "pt", 1e5, 300.0)
+
+
+@pytest.mark.parametrize("spelled, canonical", [
+    (dict(units="si"), dict(units="SI")),
+    (dict(units="anglo-saxon", basis="permole"), dict(units="Anglo-Saxon", basis="PerMole")),
+    (dict(unit_overrides={"P": "psi", "T": "degC"}), dict(unit_overrides={"P": "psia", "T": "C"})),
+    (dict(unit_overrides={"eta": "cP", "cp": "kJ/(kg K)"}),
+     dict(unit_overrides={"eta": "mPa.s", "cp": "kJ/kg/K"})),
+])
+def test_spellings_mean_the_canonical_units(spelled, canonical):
+    a, b = Fluid("IF97", "water", **spelled), Fluid("IF97", "water", **canonical)
+    for prop in ("h", "s", "eta", "cp"):
+        assert a.calc(prop, "PT", 100.0, 300.0) == b.calc(prop, "PT", 100.0, 300.0)

@@ -1,5 +1,6 @@
 #include "if97/if97.hpp"
 
+#include "forward.hpp"
 #include "properties.hpp"
 #include "sentinel.hpp"
 #include "solve.hpp"
@@ -168,15 +169,35 @@ bool parse_codes(std::string_view outlist, code_list& list, std::string& errorms
     return code_error(outlist, list, {}, errormsg);
 }
 
-// The last output list parsed and its codes: a caller usually asks the same list again and again,
-// and then the text is compared instead of parsed.
+// The output lists read so far and their codes: a caller usually asks a few lists again and
+// again (a bundle's list, then one property, then the bundle's again), and then the text is
+// compared instead of parsed. The table is small and searched from the list used last; a new list
+// takes the place of the oldest.
 struct remembered_list {
     std::array<char, 256> text{};
     std::size_t size = 0; // 0: nothing remembered
     code_list list;
 };
 
-remembered_list last_list;
+constexpr std::size_t remembered_lists = 8;
+std::array<remembered_list, remembered_lists> lists;
+std::size_t last_used = 0; // the entry the last call used
+std::size_t next_free = 0; // the entry a new list takes
+
+// The remembered codes of outlist, or nullptr.
+inline const code_list* remembered(std::string_view outlist) {
+    const remembered_list& last = lists[last_used];
+    if (last.size != 0 && same(outlist, std::string_view(last.text.data(), last.size)))
+        return &last.list;
+    for (std::size_t k = 0; k < remembered_lists; ++k) {
+        const remembered_list& m = lists[k];
+        if (m.size != 0 && same(outlist, std::string_view(m.text.data(), m.size))) {
+            last_used = k;
+            return &m.list;
+        }
+    }
+    return nullptr;
+}
 
 // The last pair of one-character input letters read and their variables (a valid pair to begin
 // with, so that no match is ever wrong).
@@ -324,22 +345,27 @@ namespace {
     return true;
 }
 
-// The codes of an output list other than the last one, parsed and remembered; nullptr on
-// failure (the text is written, the outputs are -8888.8).
+// The codes of an output list not remembered, parsed and remembered; nullptr on failure (the
+// text is written, the outputs are -8888.8).
 [[gnu::noinline]] const code_list* read_list(std::string_view outlist, std::span<double> output,
                                              std::string& errormsg) {
-    remembered_list& m = last_list;
-    m.size = 0;
-    m.list = code_list{};
-    if (!parse_codes(outlist, m.list, errormsg)) {
-        m.list = code_list{}; // (nothing of a list that failed half-way stays)
+    code_list parsed;
+    if (!parse_codes(outlist, parsed, errormsg)) {
+        // (nothing of a list that failed half-way stays)
         std::fill(output.begin(), output.end(), not_set);
         return nullptr;
     }
-    if (!outlist.empty() && outlist.size() <= m.text.size()) {
-        std::memcpy(m.text.data(), outlist.data(), outlist.size());
-        m.size = outlist.size();
+    static code_list unremembered; // a list too long to remember, for this call only
+    if (outlist.empty() || outlist.size() > lists[0].text.size()) {
+        unremembered = parsed;
+        return &unremembered;
     }
+    remembered_list& m = lists[next_free];
+    last_used = next_free;
+    next_free = (next_free + 1) % remembered_lists;
+    std::memcpy(m.text.data(), outlist.data(), outlist.size());
+    m.size = outlist.size();
+    m.list = parsed;
     return &m.list;
 }
 
@@ -362,7 +388,11 @@ void answer(const code_list& list, variable a, double value_a, variable b, doubl
             std::span<double> output, std::string& errormsg) {
     const bool known = cache.valid && cache.a == a && cache.b == b && cache.value_a == value_a &&
                        cache.value_b == value_b;
-    if (!known || cache.st.level == properties::bare) { // solve (a bare saturation point again)
+    // A (P, T) state asked for more than it holds is evaluated anew rather than raised (a region-3
+    // state would be raised from its rounded volume): its values never depend on what was asked
+    // before. A new (P, T) evaluation costs what raising it would.
+    const bool pt_anew = known && cache.st.level < list.level && a == solve::P && b == solve::T;
+    if (!known || cache.st.level == properties::bare || pt_anew) { // solve (a bare point again)
         if (!known || list.level > properties::bare) {
             cache.valid = false;
             solve::state_of(cache.st, a, to_release(a, value_a), b, to_release(b, value_b),
@@ -384,18 +414,47 @@ void answer(const code_list& list, variable a, double value_a, variable b, doubl
 
 } // namespace
 
-void if97_main(std::string_view letter1, double value1, std::string_view letter2, double value2,
-               std::string_view outlist, std::span<double> output, std::string& errormsg) {
-    if (std::string_view(errormsg) != std::string_view("No errors")) reset_message(errormsg);
+namespace {
+
+// A bare point of the saturation line, Ts(p) from (P, x) or ps(T) from (T, x) with the list "T."
+// or "P.": answered at the cost of the equation, before anything else is looked at. The value is
+// the one the general path gives; the remembered state is forgotten, as that path would replace
+// it. false when the question is not of this kind or its values are outside the line.
+[[gnu::always_inline]] inline bool saturation_point(std::string_view letter1, double value1,
+                                                    std::string_view letter2, double value2,
+                                                    std::string_view outlist,
+                                                    std::span<double> output) {
+    if (letter1.size() != 1 || letter2.size() != 1 || letter2[0] != 'x' || outlist.size() != 2 ||
+        outlist[1] != '.' || output.empty() || !(value2 >= 0.0 && value2 <= 1.0))
+        return false;
+    const char in = letter1[0], out = outlist[0];
+    if ((in == 'P' || in == 'p') && (out == 'T' || out == 't')) {
+        const double p = to_release(solve::P, value1);
+        // (the lowest saturation pressure, 611.213 Pa, is checked by the general path)
+        if (!(p <= forward::pc && p >= 0.000612)) return false;
+        output[0] = forward::tsat(p) - 273.15;
+    } else if ((in == 'T' || in == 't') && (out == 'P' || out == 'p')) {
+        const double T = to_release(solve::T, value1);
+        if (!(T >= properties::T_min && T < forward::Tc)) return false;
+        output[0] = forward::psat(T) * 10.0;
+    } else {
+        return false;
+    }
+    cache.valid = false;
+    return true;
+}
+
+// Every question but the bare saturation points.
+[[gnu::noinline]] void general_question(std::string_view letter1, double value1,
+                                        std::string_view letter2, double value2,
+                                        std::string_view outlist, std::span<double> output,
+                                        std::string& errormsg) {
     variable a = last_pair.a, b = last_pair.b;
     const bool same_letters = letter1.size() == 1 && letter2.size() == 1 &&
                               letter1[0] == last_pair.first && letter2[0] == last_pair.second;
     if (!same_letters && !read_letters(letter1, letter2, a, b, output, errormsg)) return;
-    const remembered_list& m = last_list;
-    const code_list* list = m.size != 0 && same(outlist, std::string_view(m.text.data(), m.size))
-                                ? &m.list
-                                : read_list(outlist, output, errormsg);
-    if (list == nullptr) return;
+    const code_list* list = remembered(outlist);
+    if (list == nullptr && (list = read_list(outlist, output, errormsg)) == nullptr) return;
     if (list->count > static_cast<int>(output.size()) || !std::isfinite(value1) ||
         !std::isfinite(value2))
         return refuse(*list, letter1, value1, letter2, output, errormsg);
@@ -403,15 +462,26 @@ void if97_main(std::string_view letter1, double value1, std::string_view letter2
     answer(*list, a, value1, b, value2, output, errormsg);
 }
 
+} // namespace
+
+void if97_main(std::string_view letter1, double value1, std::string_view letter2, double value2,
+               std::string_view outlist, std::span<double> output, std::string& errormsg) {
+    if (std::string_view(errormsg) != std::string_view("No errors")) reset_message(errormsg);
+    if (saturation_point(letter1, value1, letter2, value2, outlist, output)) return;
+    general_question(letter1, value1, letter2, value2, outlist, output, errormsg);
+}
+
 void if97_sub() {}
 
+// The version of the build, set once in the top-level CMakeLists.txt.
 void getversion(std::array<int, 4>& version) {
-    version = {1, 0, 0, 0};
+    version = {ZP_VERSION_MAJOR, ZP_VERSION_MINOR, ZP_VERSION_PATCH, 0};
 }
 
 void uninit_if97() {
     cache = last_state{};
-    last_list.size = 0;
+    for (remembered_list& m : lists) m.size = 0;
+    last_used = next_free = 0;
 }
 
 } // namespace if97

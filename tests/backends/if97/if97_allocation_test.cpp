@@ -71,6 +71,9 @@ TEST(If97Allocation, SuccessfulCallsDoNotAllocate) {
         for (const call& c : calls) {
             if97::if97_main(c.l1, c.a, c.l2, c.b, list, out, err);
             if97::if97_main(c.l1, c.a, c.l2, c.b, "d2P_dT2,dCv_dT,st.", out, err);
+            // the bare saturation points, answered before anything else
+            if97::if97_main("P", 10.0, "x", 0.5, "T.", out, err);
+            if97::if97_main("T", 100.0, "x", 0.5, "P.", out, err);
         }
     counting = false;
     EXPECT_EQ(err, "No errors");

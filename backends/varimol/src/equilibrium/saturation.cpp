@@ -1,0 +1,323 @@
+#include "equilibrium/saturation.hpp"
+
+#include "equilibrium/linear.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace varimol {
+
+namespace {
+// Lee-Kesler-like start: ln(P/Pc) = 5.373 (1 + w)(1 - Tc/T), Wilson's form for one component
+double wilson_psat(const component& c, double T) {
+    return c.pc * std::exp(5.373 * (1.0 + c.acentric) * (1.0 - c.tc / T));
+}
+} // namespace
+
+int pure_saturation_pressure(const fluid& f, double T, double& P, phase& L, phase& V) {
+    const component& c = f.comp[0];
+    if (!(T < c.tc)) return 102;
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    const double x[1] = {1.0};
+    double p = std::min(wilson_psat(c, T), 0.999 * c.pc);
+    double lo = 0.0, hi = c.pc * 1.0000001; // bracket of the equal-fugacity pressure
+    for (int it = 0; it < 200; ++it) {
+        eval_phase(f, t, p, x, root_choice::liquid, L);
+        eval_phase(f, t, p, x, root_choice::vapour, V);
+        if (L.nroots < 2) {
+            // one root only: above the liquid spinodal (vapour-like root) or below the vapour
+            // spinodal (liquid-like root), judged by the root's volume against the critical one
+            if (L.v > f.vcrit) hi = p; else lo = p;
+            p = lo > 0.0 ? 0.5 * (lo + hi) : 0.5 * p;
+            continue;
+        }
+        const double g = L.lnphi[0] - V.lnphi[0]; // > 0: the liquid is the less stable root
+        // equal fugacity to the rounding of ln phi
+        if (std::abs(g) <= 4e-16 * (1.0 + std::abs(L.lnphi[0]))) {
+            P = p;
+            return 0;
+        }
+        if (g > 0.0) lo = p; else hi = p;
+        const double dg = (L.Z - V.Z) / p;
+        double pn = p - g / dg;
+        // a step of rounding size is kept even if it crosses the bracket's end
+        if (std::abs(pn - p) > 1e-15 * p && !(pn > lo && pn < hi))
+            pn = lo > 0.0 ? 0.5 * (lo + hi) : 0.5 * (p + std::min(p, hi));
+        const double dp = std::abs(pn - p);
+        p = pn;
+        if (dp <= 1e-15 * p) {
+            eval_phase(f, t, p, x, root_choice::liquid, L);
+            eval_phase(f, t, p, x, root_choice::vapour, V);
+            if (L.nroots < 2) return 106;
+            P = p;
+            return 0;
+        }
+    }
+    return 106;
+}
+
+int pure_saturation_temperature(const fluid& f, double P, double& T, phase& L, phase& V) {
+    const component& c = f.comp[0];
+    if (!(P < c.pc)) return 143;
+    // Wilson's start inverted
+    double t = c.tc / (1.0 - std::log(P / c.pc) / (5.373 * (1.0 + c.acentric)));
+    t = std::min(t, 0.9999 * c.tc);
+    double lo = 0.0, hi = c.tc;
+    const double x[1] = {1.0};
+    for (int it = 0; it < 200; ++it) {
+        double p;
+        phase l, v;
+        if (int e = pure_saturation_pressure(f, t, p, l, v); e != 0) {
+            hi = t;
+            t = 0.5 * (std::max(lo, 0.5 * t) + hi);
+            continue;
+        }
+        // d ln psat / dT from Clausius-Clapeyron with the residual enthalpies of ln phi:
+        // d(ln phi_L - ln phi_V)/dT at P, divided by (Z_L - Z_V)/P
+        temperature_terms<taylor<1>> tt;
+        at_temperature(f, taylor<1>::variable(t), tt);
+        vec dtl{}, dtv{};
+        eval_phase_t(f, tt, p, x, root_choice::liquid, l, nullptr, nullptr, &dtl);
+        eval_phase_t(f, tt, p, x, root_choice::vapour, v, nullptr, nullptr, &dtv);
+        const double dlnp_dt = -(dtl[0] - dtv[0]) / (l.Z - v.Z);
+        const double r = std::log(P / p);
+        if (std::abs(r) <= 1e-15) {
+            L = l;
+            V = v;
+            T = t;
+            return 0;
+        }
+        if (p > P) hi = t; else lo = t;
+        double tn = t + r / dlnp_dt;
+        if (std::abs(tn - t) > 1e-14 * t && !(tn > lo && tn < hi))
+            tn = 0.5 * (std::max(lo, 0.5 * t) + hi);
+        const double dt = std::abs(tn - t);
+        t = tn;
+        if (dt <= 1e-14 * t) {
+            double pf;
+            if (pure_saturation_pressure(f, t, pf, L, V)) return 106;
+            T = t;
+            return 0;
+        }
+    }
+    return 106;
+}
+
+namespace {
+// Successive substitution then Newton on (ln K, ln P or T) from the given K-values; 0, 1 (no
+// convergence) or 2 (trivial solution).
+int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const double* z,
+            vec& lnk, flash_result& out) {
+    const int n = f.n;
+    const int base = 0;
+    vec K{}, x{}, y{};
+    auto rr = [&](const vec& lk, double& dfd) {
+        double s = 0.0;
+        dfd = 0.0;
+        for (int i = 0; i < n; ++i) {
+            const double k = std::exp(lk[i]);
+            const double den = 1.0 + q * (k - 1.0);
+            s += z[i] * (k - 1.0) / den;
+            dfd += z[i] * k / (den * den);
+        }
+        return s;
+    };
+    phase L, V;
+    mat dl, dv;
+    vec dpl{}, dpv{}, dtl{}, dtv{};
+    // successive substitution with the pressure (or temperature) moved on the same sum
+    bool converged = false;
+    for (int it = 0; it < 80; ++it) {
+        double sx = 0.0, sy = 0.0;
+        for (int i = 0; i < n; ++i) {
+            K[i] = std::exp(lnk[i]);
+            x[i] = z[i] / (1.0 + q * (K[i] - 1.0));
+            y[i] = K[i] * x[i];
+            sx += x[i];
+            sy += y[i];
+        }
+        vec xn{}, yn{};
+        for (int i = 0; i < n; ++i) xn[i] = x[i] / sx, yn[i] = y[i] / sy;
+        const bool newton = it >= 4;
+        int e;
+        if (given_t) {
+            temperature_terms<double> t;
+            at_temperature(f, T, t);
+            e = eval_phase(f, t, P, xn.data(), root_choice::liquid, L, newton ? &dl : nullptr,
+                           &dpl);
+            e = e ? e
+                  : eval_phase(f, t, P, yn.data(), root_choice::vapour, V,
+                               newton ? &dv : nullptr, &dpv);
+        } else {
+            temperature_terms<taylor<1>> t;
+            at_temperature(f, taylor<1>::variable(T), t);
+            e = eval_phase_t(f, t, P, xn.data(), root_choice::liquid, L, newton ? &dl : nullptr,
+                             nullptr, &dtl);
+            e = e ? e
+                  : eval_phase_t(f, t, P, yn.data(), root_choice::vapour, V,
+                                 newton ? &dv : nullptr, nullptr, &dtv);
+        }
+        if (e) return base + 1;
+        vec r{};
+        double rn = 0.0, triv = 0.0;
+        for (int i = 0; i < n; ++i) {
+            r[i] = lnk[i] + V.lnphi[i] - L.lnphi[i];
+            rn = std::max(rn, std::abs(r[i]));
+            triv += lnk[i] * lnk[i];
+        }
+        const double rs = sy - sx;
+        if (triv < 1e-8) return base + 2;
+        if (rn < 1e-12 && std::abs(rs) < 1e-14) {
+            // the vapour must be the phase richer in the volatile components: an iteration that
+            // ends with the roles exchanged has found the other saturation point of the feed
+            // (its dew point in place of its bubble point), which is not asked for
+            vec lw{};
+            wilson_k(f, T, P, lw.data());
+            double orient = 0.0;
+            for (int i = 0; i < n; ++i) orient += (yn[i] - xn[i]) * lw[i];
+            if (orient < 0.0) return 2;
+            converged = true;
+            out.x = xn;
+            out.y = yn;
+            out.liq = L;
+            out.vap = V;
+            break;
+        }
+        if (!newton) {
+            for (int i = 0; i < n; ++i) lnk[i] -= r[i];
+            double d;
+            const double s = rr(lnk, d);
+            if (given_t) {
+                // K scales as 1/P at fixed fugacity coefficients
+                P *= std::exp(std::clamp(s / d, -1.0, 1.0));
+            } else {
+                // sum dK/dT through the residual enthalpy difference
+                double dd = 0.0;
+                for (int i = 0; i < n; ++i) {
+                    const double k = std::exp(lnk[i]);
+                    const double den = 1.0 + q * (k - 1.0);
+                    dd += z[i] * k / (den * den) * (dtl[i] - dtv[i]);
+                }
+                if (dd != 0.0) T -= std::clamp(s / dd, -0.05 * T, 0.05 * T);
+            }
+            continue;
+        }
+        // Newton on (ln K_1..n, ln P or T)
+        const int m = n + 1;
+        constexpr int ld = mc + 1;
+        std::array<double, ld * ld> J{};
+        std::array<double, ld> rhs{};
+        for (int i = 0; i < n; ++i) {
+            for (int j = 0; j < n; ++j) {
+                const double w = x[j] * y[j] / z[j];
+                J[i * ld + j] = (i == j ? 1.0 : 0.0) + dv[i * mc + j] / sy * (1.0 - q) * w +
+                                dl[i * mc + j] / sx * q * w;
+            }
+            J[i * ld + n] = given_t ? P * (dpv[i] - dpl[i]) : dtv[i] - dtl[i];
+            rhs[i] = -r[i];
+        }
+        for (int j = 0; j < n; ++j) J[n * ld + j] = x[j] * y[j] / z[j];
+        J[n * ld + n] = 0.0;
+        rhs[n] = -rs;
+        if (!solve_linear(m, J.data(), ld, rhs.data())) return base + 1;
+        double smax = 0.0;
+        for (int i = 0; i < n; ++i) smax = std::max(smax, std::abs(rhs[i]));
+        double fac = 1.0;
+        if (smax > 1.0) fac = 1.0 / smax;
+        if (given_t) {
+            fac = std::min(fac, 0.5 / std::max(std::abs(rhs[n]), 1e-300));
+            for (int i = 0; i < n; ++i) lnk[i] += fac * rhs[i];
+            P *= std::exp(fac * rhs[n]);
+        } else {
+            fac = std::min(fac, 0.05 * T / std::max(std::abs(rhs[n]), 1e-300));
+            for (int i = 0; i < n; ++i) lnk[i] += fac * rhs[i];
+            T += fac * rhs[n];
+        }
+        if (!(P > 0.0) || !(T > 0.0)) return base + 1;
+    }
+    if (!converged) return 1;
+    return 0;
+}
+} // namespace
+
+int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double q,
+                 const double* z, flash_result& out) {
+    const int n = f.n;
+    const bool bubble_side = q < 0.5;
+    const int base = given_t ? (bubble_side ? 400 : 410) : (bubble_side ? 420 : 430);
+    double T = Tio, P = Pio;
+    vec lnk{};
+    // Wilson start: solve sum z (K - 1)/(1 + q (K - 1)) = 0 for P (or T) with Wilson's K
+    auto rr = [&](const vec& lk, double& dfd) {
+        double s = 0.0;
+        dfd = 0.0;
+        for (int i = 0; i < n; ++i) {
+            const double k = std::exp(lk[i]);
+            const double den = 1.0 + q * (k - 1.0);
+            s += z[i] * (k - 1.0) / den;
+            dfd += z[i] * k / (den * den); // d/d ln K_i of each term
+        }
+        return s;
+    };
+    for (int it = 0; it < 100; ++it) {
+        wilson_k(f, T, P, lnk.data());
+        double d;
+        const double s = rr(lnk, d);
+        double ds; // derivative of the sum by ln P or by T
+        if (given_t) {
+            ds = -d; // ln K = ... - ln P
+            const double step = std::clamp(-s / ds, -2.0, 2.0);
+            P *= std::exp(step);
+            if (std::abs(step) < 1e-10) break;
+        } else {
+            double dd = 0.0;
+            for (int i = 0; i < n; ++i) {
+                const double k = std::exp(lnk[i]);
+                const double den = 1.0 + q * (k - 1.0);
+                dd += z[i] * k / (den * den) * 5.373 * (1.0 + f.comp[i].acentric) *
+                      f.comp[i].tc / (T * T);
+            }
+            ds = dd;
+            const double step = std::clamp(-s / ds, -0.2 * T, 0.2 * T);
+            T += step;
+            if (std::abs(step) < 1e-10 * T) break;
+        }
+    }
+    if (!(P > 0.0) || !(T > 0.0) || !std::isfinite(P) || !std::isfinite(T)) return base + 1;
+    wilson_k(f, T, P, lnk.data());
+    const double t0 = T, p0 = P;
+    int e = iterate(f, given_t, T, P, q, z, lnk, out);
+    if (e != 0) {
+        // near the critical point Wilson's start falls onto the trivial solution: start instead
+        // from the tie line of a PT flash inside the two-phase region, found by moving the
+        // pressure (or the temperature) from Wilson's estimate into the dome: down from a
+        // bubble point, up from a dew point
+        // (the first tie line whose vapour fraction has passed q)
+        bool found = false;
+        double tt = t0, pp = p0;
+        for (int k = 0; k < 150 && !found; ++k) {
+            if (given_t) pp *= bubble_side ? 0.7 : 1.4;
+            else tt *= bubble_side ? 1.01 : 0.99;
+            flash_result fr;
+            if (flash_tp(f, tt, pp, z, fr) == 0 && fr.nphase == 2 &&
+                (bubble_side ? fr.beta >= q : fr.beta <= q)) {
+                for (int i = 0; i < n; ++i) lnk[i] = std::log(fr.y[i] / fr.x[i]);
+                found = true;
+            }
+        }
+        if (found) {
+            T = tt;
+            P = pp;
+            e = iterate(f, given_t, T, P, q, z, lnk, out);
+        }
+    }
+    if (e != 0) return base + e;
+    out.nphase = 2;
+    out.beta = q;
+    Tio = T;
+    Pio = P;
+    return 0;
+}
+
+} // namespace varimol

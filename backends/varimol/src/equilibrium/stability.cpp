@@ -1,0 +1,226 @@
+#include "equilibrium/stability.hpp"
+
+#include "equilibrium/linear.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace varimol {
+
+void wilson_k(const fluid& f, double T, double P, double* lnk) {
+    for (int i = 0; i < f.n; ++i) {
+        const component& c = f.comp[i];
+        lnk[i] = std::log(c.pc / P) + 5.373 * (1.0 + c.acentric) * (1.0 - c.tc / T);
+    }
+}
+
+namespace {
+
+constexpr double unstable_below = -1e-10;
+
+struct trial_outcome {
+    double tpd;   // -ln(sum W) at the stationary point (0 for the trivial solution)
+    bool trivial;
+    bool converged;
+    vec w;
+    vec lnphi;
+    double v;
+};
+
+// One trial from the amounts W (in: starting values as ln W).
+trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, double P,
+                        const double* z, const double* d, const phase& zphase, vec lnw) {
+    const int n = f.n;
+    trial_outcome o{};
+    phase ph;
+    vec w{}, g{}, gold{};
+    double sumw = 0.0;
+    auto evaluate = [&](bool, mat* dn) {
+        sumw = 0.0;
+        for (int i = 0; i < n; ++i) sumw += std::exp(lnw[i]);
+        for (int i = 0; i < n; ++i) w[i] = std::exp(lnw[i]) / sumw;
+        return eval_phase(f, t, P, w.data(), root_choice::stable, ph, dn, nullptr);
+    };
+    auto trivial_now = [&]() {
+        double s = 0.0;
+        for (int i = 0; i < n; ++i) s += (w[i] - z[i]) * (w[i] - z[i]);
+        return s < 1e-12 ||
+               (std::abs(ph.v - zphase.v) < 1e-6 * zphase.v && s < 1e-6);
+    };
+    // accelerated successive substitution: ln W_i = d_i - ln phi_i(w)
+    auto tpd_of_w = [&]() {
+        double s = 0.0;
+        for (int i = 0; i < n; ++i) s += w[i] * (std::log(w[i]) + ph.lnphi[i] - d[i]);
+        return s;
+    };
+    bool have_old = false;
+    for (int it = 0; it < 40; ++it) {
+        if (evaluate(false, nullptr)) break;
+        double gn = 0.0;
+        for (int i = 0; i < n; ++i) {
+            g[i] = d[i] - ph.lnphi[i] - lnw[i];
+            gn += g[i] * g[i];
+        }
+        // converged, or close enough to a stationary point well above the tangent plane, where
+        // the remaining steps cannot bring it below
+        if (gn < 1e-24 || (gn < 1e-8 && tpd_of_w() > 1e-6)) {
+            o.converged = true;
+            break;
+        }
+        // a trial composition below the tangent plane already proves instability; it is taken
+        // once it has settled enough to start the phase split
+        if (gn < 1e-4 && tpd_of_w() < -1e-8) {
+            o.converged = true;
+            break;
+        }
+        if (trivial_now()) {
+            o.trivial = true;
+            o.converged = true;
+            break;
+        }
+        // dominant eigenvalue acceleration every fifth step (Crowe and Nishio, AIChE J. 21
+        // (1975) 528)
+        if (it % 5 == 4 && have_old) {
+            double num = 0.0, den = 0.0;
+            for (int i = 0; i < n; ++i) num += g[i] * gold[i], den += gold[i] * gold[i];
+            const double lam = num / den;
+            if (lam > 0.0 && lam < 0.95) {
+                for (int i = 0; i < n; ++i) lnw[i] += g[i] / (1.0 - lam);
+                gold = g;
+                continue;
+            }
+        }
+        have_old = true;
+        for (int i = 0; i < n; ++i) lnw[i] += g[i];
+        gold = g;
+        if (gn < 1e-8) break; // close: the second-order steps finish
+    }
+    if (!o.converged && !o.trivial) {
+        // second-order steps in alpha_i = 2 sqrt(W_i) on tm(W) = 1 + sum W_i (ln W_i + ln phi_i
+        // - d_i - 1), Hessian delta_ij + sqrt(W_i W_j) d ln phi_i / d W_j
+        mat dn;
+        vec W{};
+        auto tm_of = [&](const vec& lw, double& tm) {
+            vec tmp = lnw;
+            lnw = lw;
+            const int e = evaluate(false, nullptr);
+            lnw = tmp;
+            if (e) return false;
+            tm = 1.0;
+            for (int i = 0; i < n; ++i) {
+                const double Wi = std::exp(lw[i]);
+                tm += Wi * (lw[i] + ph.lnphi[i] - d[i] - 1.0);
+            }
+            return true;
+        };
+        double gn_prev = INFINITY;
+        for (int k = 0; k < 60; ++k) {
+            if (evaluate(true, &dn)) break;
+            double gn = 0.0, tm = 1.0;
+            vec grad{};
+            std::array<double, mc * mc> H{};
+            for (int i = 0; i < n; ++i) {
+                W[i] = std::exp(lnw[i]);
+                const double G = lnw[i] + ph.lnphi[i] - d[i];
+                grad[i] = std::sqrt(W[i]) * G;
+                gn += G * G;
+                tm += W[i] * (G - 1.0);
+            }
+            // converged, or stalled at the rounding level of ln phi
+            if (gn < 1e-24 || (gn < 1e-18 && gn > 0.25 * gn_prev) ||
+                (gn < 1e-8 && tm > 1e-6)) {
+                o.converged = true;
+                break;
+            }
+            gn_prev = gn;
+            if (trivial_now()) {
+                o.trivial = true;
+                o.converged = true;
+                break;
+            }
+            for (int i = 0; i < n; ++i)
+                for (int j = 0; j < n; ++j)
+                    H[i * mc + j] = (i == j ? 1.0 : 0.0) +
+                                    std::sqrt(W[i] * W[j]) * dn[i * mc + j] / sumw;
+            vec step = grad;
+            for (int i = 0; i < n; ++i) step[i] = -step[i];
+            if (!solve_linear(n, H.data(), mc, step.data())) break;
+            // alpha -> W, halving the step until tm decreases
+            double fac = 1.0;
+            vec lw{};
+            bool ok = false;
+            for (int h = 0; h < 20; ++h) {
+                bool pos = true;
+                for (int i = 0; i < n; ++i) {
+                    const double a = 2.0 * std::sqrt(W[i]) + fac * step[i];
+                    if (!(a > 0.0)) { pos = false; break; }
+                    lw[i] = std::log(0.25 * a * a);
+                }
+                double tmn;
+                if (pos && tm_of(lw, tmn) && tmn <= tm + 1e-15) {
+                    ok = true;
+                    break;
+                }
+                fac *= 0.5;
+            }
+            if (!ok) {
+                // no descent is left at the rounding level of tm: the point is stationary
+                o.converged = gn < 1e-12;
+                break;
+            }
+            lnw = lw;
+        }
+    }
+    evaluate(false, nullptr);
+    o.w = w;
+    o.lnphi = ph.lnphi;
+    o.v = ph.v;
+    o.tpd = o.trivial ? 0.0 : tpd_of_w();
+    if (o.trivial) o.converged = true;
+    return o;
+}
+
+} // namespace
+
+int stability(const fluid& f, const temperature_terms<double>& t, double P, const double* z,
+              const phase& zphase, stability_result& out) {
+    const int n = f.n;
+    out = stability_result{};
+    vec d{}, lnk{};
+    for (int i = 0; i < n; ++i) d[i] = std::log(z[i]) + zphase.lnphi[i];
+    wilson_k(f, value(t.T), P, lnk.data());
+    int imax = 0, imin = 0;
+    for (int i = 1; i < n; ++i) {
+        if (lnk[i] > lnk[imax]) imax = i;
+        if (lnk[i] < lnk[imin]) imin = i;
+    }
+    vec starts[4];
+    int ntrial = 0;
+    for (int i = 0; i < n; ++i) starts[0][i] = std::log(z[i]) + lnk[i];
+    for (int i = 0; i < n; ++i) starts[1][i] = std::log(z[i]) - lnk[i];
+    ntrial = 2;
+    if (lnk[imax] - lnk[imin] > std::log(100.0)) {
+        for (int which : {imax, imin}) {
+            for (int i = 0; i < n; ++i)
+                starts[ntrial][i] = std::log(i == which ? 1.0 - 1e-3 * (n - 1) : 1e-3);
+            ++ntrial;
+        }
+    }
+    bool all_converged = true;
+    for (int k = 0; k < ntrial; ++k) {
+        const trial_outcome o = run_trial(f, t, P, z, d.data(), zphase, starts[k]);
+        if (!o.converged) all_converged = false;
+        if (!o.trivial && o.tpd < out.tpd) {
+            out.tpd = o.tpd;
+            out.w = o.w;
+            out.lnphi_w = o.lnphi;
+            out.lighter = o.v > zphase.v;
+        }
+        if (out.tpd < -1e-3) break; // clearly unstable: no further trial needed
+    }
+    out.stable = !(out.tpd < unstable_below);
+    if (out.stable && !all_converged) return 446;
+    return 0;
+}
+
+} // namespace varimol

@@ -1,0 +1,72 @@
+#include "model/cubic.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace varimol {
+
+namespace {
+// Z^3 + c2 Z^2 + c1 Z + c0 and its derivative
+inline double poly(double z, double c2, double c1, double c0, double& dp) {
+    dp = (3.0 * z + 2.0 * c2) * z + c1;
+    return ((z + c2) * z + c1) * z + c0;
+}
+
+// Newton polish of a root of the cubic; the analytic roots lose digits when two roots are close.
+inline double polish(double z, double c2, double c1, double c0) {
+    for (int it = 0; it < 4; ++it) {
+        double dp;
+        const double p = poly(z, c2, c1, c0, dp);
+        if (dp == 0.0) break;
+        const double dz = p / dp;
+        if (!std::isfinite(dz)) break;
+        z -= dz;
+        // Newton converges quadratically: after a step below 1e-9 the error is at rounding
+        if (std::abs(dz) <= 1e-9 * std::abs(z)) break;
+    }
+    return z;
+}
+} // namespace
+
+int z_roots(const cubic_family& eos, double A, double B, double& zmin, double& zmax) {
+    // (Z - B)(Z + d1 B)(Z + d2 B) - (Z + d1 B)(Z + d2 B) + A (Z - B) = 0
+    const double u = eos.delta1 + eos.delta2, w = eos.delta1 * eos.delta2;
+    const double c2 = (u - 1.0) * B - 1.0;
+    const double c1 = A + w * B * B - u * B * (B + 1.0);
+    const double c0 = -(A * B + w * B * B * (B + 1.0));
+    // depressed cubic t^3 + p t + q, Z = t - c2/3 (Cardano; trigonometric form for three roots)
+    const double s = c2 / 3.0;
+    const double p = c1 - c2 * s;
+    const double q = (2.0 * s * s - c1) * s + c0;
+    double roots[3];
+    int n = 0;
+    const double disc = 0.25 * q * q + p * p * p / 27.0;
+    if (disc > 0.0) {
+        const double sq = std::sqrt(disc);
+        const double h = -0.5 * q + (q <= 0.0 ? sq : -sq); // no cancellation
+        const double m = std::cbrt(h);
+        const double t = m - p / (3.0 * m);
+        roots[n++] = polish(t - s, c2, c1, c0);
+    } else {
+        const double r = std::sqrt(-p / 3.0);
+        double arg = (r > 0.0) ? (-0.5 * q) / (r * r * r) : 0.0;
+        arg = std::clamp(arg, -1.0, 1.0);
+        const double phi = std::acos(arg) / 3.0;
+        constexpr double third_turn = 2.0943951023931954923;
+        for (int k = 0; k < 3; ++k)
+            roots[n++] = polish(2.0 * r * std::cos(phi - third_turn * k) - s, c2, c1, c0);
+    }
+    zmin = INFINITY;
+    zmax = -INFINITY;
+    int count = 0;
+    for (int k = 0; k < n; ++k) {
+        if (!(roots[k] > B) || !std::isfinite(roots[k])) continue;
+        zmin = std::min(zmin, roots[k]);
+        zmax = std::max(zmax, roots[k]);
+        ++count;
+    }
+    if (count == 0) return 0;
+    return zmax > zmin ? 2 : 1;
+}
+
+} // namespace varimol

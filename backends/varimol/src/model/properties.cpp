@@ -1,0 +1,294 @@
+#include "model/properties.hpp"
+
+#include "model/ideal_gas.hpp"
+
+#include <cmath>
+
+namespace varimol {
+
+namespace {
+
+constexpr double R = gas_constant;
+
+// The volume functions of F at (V, B) with their V and B derivatives (one mole).
+template <class S>
+struct volume_terms {
+    S g, gV, gVV, gB;   // g = ln(1 - B/V)
+    S f, fV, fVV, fB;   // f of the header
+    double gVVV, fVVV;  // values only
+};
+
+template <class S>
+volume_terms<S> volume_functions(const cubic_family& e, const S& B, double V) {
+    volume_terms<S> w;
+    const S vmb = V - B;
+    const S w1 = V + e.delta1 * B, w2 = V + e.delta2 * B;
+    const S W = w1 * w2, dW = 2.0 * V + (e.delta1 + e.delta2) * B;
+    w.g = log(vmb / V);
+    w.gV = 1.0 / vmb - 1.0 / V;
+    w.gVV = 1.0 / (V * V) - 1.0 / (vmb * vmb);
+    w.gB = -1.0 / vmb;
+    const double dd = e.delta1 - e.delta2;
+    w.f = log(w1 / w2) / (R * dd * B);
+    w.fV = -1.0 / (R * W);
+    w.fVV = dW / (R * W * W);
+    w.fB = -(w.f + V * w.fV) / B;
+    const double vb = value(vmb), Wv = value(W), dWv = value(dW);
+    w.gVVV = 2.0 / (vb * vb * vb) - 2.0 / (V * V * V);
+    w.fVVV = (2.0 / (Wv * Wv) - 2.0 * dWv * dWv / (Wv * Wv * Wv)) / R;
+    return w;
+}
+
+template <class S>
+temperature_terms<double> values_of(const fluid& f, const temperature_terms<S>& t) {
+    if constexpr (std::is_same_v<S, double>) {
+        return t;
+    } else {
+        temperature_terms<double> d;
+        d.T = value(t.T);
+        for (int i = 0; i < f.n; ++i) {
+            d.a[i] = value(t.a[i]);
+            d.sa[i] = value(t.sa[i]);
+            d.abrt[i] = value(t.abrt[i]);
+            for (int j = 0; j < f.n; ++j) d.p[i * mc + j] = value(t.p[i * mc + j]);
+        }
+        return d;
+    }
+}
+
+// G_r/(RT) per mole on a root Z at (T, P), F + Z - 1 - ln Z, written with A and B of the cubic
+// in Z: Z - 1 - ln(Z - B) - A/(B (delta1 - delta2)) ln((Z + delta1 B)/(Z + delta2 B))
+double lng_at(const cubic_family& e, double A, double B, double Z) {
+    return Z - 1.0 - std::log(Z - B) -
+           A / (B * (e.delta1 - e.delta2)) * std::log((Z + e.delta1 * B) / (Z + e.delta2 * B));
+}
+
+template <class S>
+int eval_phase_impl(const fluid& f, const temperature_terms<S>& t, double P, const double* x,
+                    root_choice r, phase& out, mat* dn, vec* dp, vec* dt) {
+    const int nc = f.n;
+    mixture_terms<S> m;
+    mix(f, t, x, m, nullptr);
+    const double T = value(t.T);
+    const double Bv = value(m.B), Dv = value(m.D);
+    const double rt = R * T;
+    const double A = Dv * P / (rt * rt), Bz = Bv * P / rt;
+    double zmin, zmax;
+    const int nr = z_roots(f.eos, A, Bz, zmin, zmax);
+    if (nr == 0) return 109;
+    double Z;
+    bool smaller;
+    if (nr == 1 || r == root_choice::liquid) {
+        Z = zmin;
+        smaller = true;
+    } else if (r == root_choice::vapour) {
+        Z = zmax;
+        smaller = false;
+    } else {
+        const double gl = lng_at(f.eos, A, Bz, zmin), gv = lng_at(f.eos, A, Bz, zmax);
+        smaller = gl < gv;
+        Z = smaller ? zmin : zmax;
+    }
+    const double V = Z * rt / P;
+    const volume_terms<S> w = volume_functions(f.eos, m.B, V);
+    const S DT = m.D / t.T;
+    const double lnz = std::log(Z);
+    out.Z = Z;
+    out.v = V;
+    out.nroots = nr;
+    out.smaller = smaller;
+    out.lng = value(-w.g - DT * w.f) + Z - 1.0 - lnz;
+    std::array<S, mc> Fi;
+    for (int i = 0; i < nc; ++i) {
+        Fi[i] = -w.g - w.gB * m.Bi[i] - (m.Di[i] / t.T) * w.f - DT * w.fB * m.Bi[i];
+        out.lnphi[i] = value(Fi[i]) - lnz;
+    }
+    if (!dn && !dp && !dt) return 0;
+
+    // pressure derivatives at constant T, V: P_V and P_i = RT (1/V - F_iV)
+    const double gVv = value(w.gV), fVv = value(w.fV), gBv = value(w.gB), fBv = value(w.fB);
+    const double vmb = V - Bv;
+    const double gBV = 1.0 / (vmb * vmb);
+    const double fVV = value(w.fVV);
+    const double fBV = -(2.0 * fVv + V * fVV) / Bv;
+    const double DTv = Dv / T;
+    const double FVV = -value(w.gVV) - DTv * fVV;
+    const double PV = -rt * (FVV + 1.0 / (V * V));
+    vec Pi{};
+    for (int i = 0; i < nc; ++i) {
+        const double bi = value(m.Bi[i]), di = value(m.Di[i]);
+        const double FiV = -gVv - gBV * bi - di / T * fVv - DTv * fBV * bi;
+        Pi[i] = rt * (1.0 / V - FiV);
+    }
+    if (dp)
+        for (int i = 0; i < nc; ++i) (*dp)[i] = -Pi[i] / PV / rt - 1.0 / P;
+    if constexpr (!std::is_same_v<S, double>) {
+        if (dt) {
+            // P_T at constant V, n: P/T - RT dF_V/dT
+            const S FV = -w.gV - DT * w.fV;
+            const double PT = P / T - rt * FV.c[1];
+            for (int i = 0; i < nc; ++i)
+                (*dt)[i] = Fi[i].c[1] + 1.0 / T + PT * Pi[i] / (rt * PV);
+        }
+    }
+    if (dn) {
+        const temperature_terms<double> td = values_of(f, t);
+        mixture_terms<double> md;
+        second_terms s2;
+        mix(f, td, x, md, &s2);
+        const double gBB = -gBV;
+        const double fBB = -(2.0 * fBv + V * fBV) / Bv;
+        for (int i = 0; i < nc; ++i)
+            for (int j = 0; j <= i; ++j) {
+                const double bi = md.Bi[i], bj = md.Bi[j], di = md.Di[i], dj = md.Di[j];
+                const double bij = s2.Bij[i * mc + j], dij = s2.Dij[i * mc + j];
+                const double Fij = -gBv * (bi + bj) - gBB * bi * bj - gBv * bij -
+                                   (dij * value(w.f) + (di * bj + dj * bi) * fBv +
+                                    Dv * (fBB * bi * bj + fBv * bij)) /
+                                       T;
+                const double v = Fij + 1.0 + Pi[i] * Pi[j] / (rt * PV);
+                (*dn)[i * mc + j] = (*dn)[j * mc + i] = v;
+            }
+    }
+    return 0;
+}
+
+} // namespace
+
+int eval_phase(const fluid& f, const temperature_terms<double>& t, double P, const double* x,
+               root_choice r, phase& out, mat* dn, vec* dp) {
+    return eval_phase_impl(f, t, P, x, r, out, dn, dp, nullptr);
+}
+
+int eval_phase_t(const fluid& f, const temperature_terms<taylor<1>>& t, double P,
+                 const double* x, root_choice r, phase& out, mat* dn, vec* dp, vec* dt) {
+    return eval_phase_impl(f, t, P, x, r, out, dn, dp, dt);
+}
+
+void homogeneous(const fluid& f, double T, double v, const double* x, state_props& o) {
+    using T3 = taylor<3>;
+    temperature_terms<T3> t;
+    const T3 tt = T3::variable(T);
+    at_temperature(f, tt, t);
+    mixture_terms<T3> m;
+    mix(f, t, x, m, nullptr);
+    const volume_terms<T3> w = volume_functions(f.eos, m.B, v);
+    const T3 DT = m.D / tt;
+    const T3 F = -w.g - DT * w.f;
+    const T3 FV = -w.gV - DT * w.fV;
+    const T3 FVV = -w.gVV - DT * w.fVV;
+    const double FVVV = -w.gVVV - value(DT) * w.fVVV;
+    // P = RT (1/v - F_V); dP/dv = -RT (1/v^2 + F_VV); d2P/dv2 = RT (2/v^3 - F_VVV)
+    const T3 p = R * tt * (1.0 / v - FV);
+    const T3 pv = R * tt * (-1.0 / (v * v) - FVV);
+    // residual Helmholtz energy A_r = RT F; S_r = -dA_r/dT; U_r = A_r + T S_r;
+    // cv_r = -T d2A_r/dT2; dcv_r/dT = -d2A_r/dT2 - T d3A_r/dT3
+    const T3 ar = R * tt * F;
+    const double sr = -ar.d(1);
+    const double ur = ar.d(0) + T * sr;
+    const double cvr = -T * ar.d(2);
+    const double dcvr = -ar.d(2) - T * ar.d(3);
+    double h0 = 0.0, s0 = 0.0, cp0 = 0.0, dcp0 = 0.0;
+    for (int i = 0; i < f.n; ++i) {
+        if (x[i] <= 0.0) continue;
+        const ideal_gas_terms ig = ideal_gas(f.comp[i], T);
+        h0 += x[i] * ig.h;
+        s0 += x[i] * (ig.s - R * std::log(x[i]));
+        cp0 += x[i] * ig.cp;
+        dcp0 += x[i] * ig.dcpdt;
+    }
+    // ideal gas at (T, v): its pressure is RT/v
+    s0 -= R * std::log(R * T / (v * reference_pressure));
+    o.T = T;
+    o.v = v;
+    o.P = p.d(0);
+    o.dpdt = p.d(1);
+    o.d2pdt2 = p.d(2);
+    o.dpdv = pv.d(0);
+    o.d2pdtdv = pv.d(1);
+    o.d2pdv2 = R * T * (2.0 / (v * v * v) - FVVV);
+    o.u = h0 - R * T + ur;
+    o.h = o.u + o.P * v;
+    o.s = s0 + sr;
+    o.cv = cp0 - R + cvr;
+    o.dcvdt = dcp0 + dcvr;
+}
+
+void caloric(const fluid& f, double T, double v, const double* x, state_props& o) {
+    using T1 = taylor<1>;
+    temperature_terms<T1> t;
+    const T1 tt = T1::variable(T);
+    at_temperature(f, tt, t);
+    mixture_terms<T1> m;
+    mix(f, t, x, m, nullptr);
+    const volume_terms<T1> w = volume_functions(f.eos, m.B, v);
+    const T1 DT = m.D / tt;
+    const T1 ar = R * tt * (-w.g - DT * w.f);
+    const double FV = value(-w.gV - DT * w.fV);
+    double h0 = 0.0, s0 = 0.0;
+    for (int i = 0; i < f.n; ++i) {
+        if (x[i] <= 0.0) continue;
+        const ideal_gas_terms ig = ideal_gas(f.comp[i], T);
+        h0 += x[i] * ig.h;
+        s0 += x[i] * (ig.s - R * std::log(x[i]));
+    }
+    s0 -= R * std::log(R * T / (v * reference_pressure));
+    const double sr = -ar.c[1];
+    o.T = T;
+    o.v = v;
+    o.P = R * T * (1.0 / v - FV);
+    o.u = h0 - R * T + ar.c[0] + T * sr;
+    o.h = o.u + o.P * v;
+    o.s = s0 + sr;
+}
+
+void residual_helmholtz(const fluid& f, double T, double v, const double* x, double& F,
+                        double& FT, double& FV, vec& Fn) {
+    using T1 = taylor<1>;
+    temperature_terms<T1> t;
+    const T1 tt = T1::variable(T);
+    at_temperature(f, tt, t);
+    mixture_terms<T1> m;
+    mix(f, t, x, m, nullptr);
+    const volume_terms<T1> w = volume_functions(f.eos, m.B, v);
+    const T1 DT = m.D / tt;
+    const T1 Ft = -w.g - DT * w.f;
+    F = Ft.c[0];
+    FT = Ft.c[1];
+    FV = value(-w.gV - DT * w.fV);
+    for (int i = 0; i < f.n; ++i)
+        Fn[i] = value(-w.g - w.gB * m.Bi[i] - (m.Di[i] / tt) * w.f - DT * w.fB * m.Bi[i]);
+}
+
+} // namespace varimol
+
+namespace varimol {
+
+int fugacity_derivatives_tv(const fluid& f, const temperature_terms<double>& t, double V,
+                            const double* x, double& P, mat& Q) {
+    const int nc = f.n;
+    mixture_terms<double> m;
+    second_terms s2;
+    mix(f, t, x, m, &s2);
+    const double T = t.T, B = m.B, D = m.D;
+    if (!(V > B) || !std::isfinite(V)) return 109;
+    const volume_terms<double> w = volume_functions(f.eos, B, V);
+    // F = -n g - D/T f; at constant V the amounts enter through n, B and D
+    const double gBB = -1.0 / ((V - B) * (V - B));
+    const double fBV = -(2.0 * w.fV + V * w.fVV) / B;
+    const double fBB = -(2.0 * w.fB + V * fBV) / B;
+    P = R * T * (1.0 / V + w.gV + D / T * w.fV);
+    for (int i = 0; i < nc; ++i)
+        for (int j = 0; j <= i; ++j) {
+            const double bi = m.Bi[i], bj = m.Bi[j], di = m.Di[i], dj = m.Di[j];
+            const double bij = s2.Bij[i * mc + j], dij = s2.Dij[i * mc + j];
+            const double Fij = -w.gB * (bi + bj) - gBB * bi * bj - w.gB * bij -
+                               (dij * w.f + (di * bj + dj * bi) * w.fB +
+                                D * (fBB * bi * bj + w.fB * bij)) /
+                                   T;
+            Q[i * mc + j] = Q[j * mc + i] = Fij + (i == j ? 1.0 / x[i] : 0.0);
+        }
+    return 0;
+}
+
+} // namespace varimol

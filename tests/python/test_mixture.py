@@ -1,0 +1,69 @@
+"""Mixtures of the cubic model through the Pythonic layer: named components, predefined blends,
+the phase envelope against the quality flashes, thermodynamic identities of the interface, and bad
+input."""
+
+import numpy as np
+import pytest
+from zentropia import Fluid, ZentropiaError
+
+
+def test_two_phase_state_balances_and_round_trips():
+    gas = Fluid("Varimol", ["methane", "ethane"], [0.9, 0.1])
+    state = gas.props("PT", 2e6, 170.0)
+    assert state["phase"] == "two-phase" and 0.0 < state["q"] < 1.0
+    # the overall composition lies on the tie line
+    overall = state["q"] * state["y"] + (1.0 - state["q"]) * state["x"]
+    np.testing.assert_allclose(overall, [0.9, 0.1], atol=1e-10)
+    # the same state from its quality, at either end of the tie line
+    assert gas.calc("T", "Pq", 2e6, state["q"]) == pytest.approx(170.0, abs=1e-7)
+    bubble, dew = gas.calc("T", "Pq", 2e6, 0.0), gas.calc("T", "Pq", 2e6, 1.0)
+    assert bubble < 170.0 < dew
+
+
+def test_single_phase_identities_of_the_interface():
+    # cp from finite differences of h, and the speed of sound from those of the density and the
+    # entropy, for a compressed liquid and a gas of a refrigerant blend
+    blend = Fluid("Varimol", "R410A")
+    for p, t in [(3e6, 260.0), (5e5, 320.0)]:
+        dt, dp = 1e-3, 1.0
+        cp = (blend.calc("h", "PT", p, t + dt) - blend.calc("h", "PT", p, t - dt)) / (2 * dt)
+        assert blend.calc("cp", "PT", p, t) == pytest.approx(cp, rel=1e-6)
+        s = blend.calc("s", "PT", p, t)
+        drho = (blend.calc("d", "Ps", p + dp, s, errors="nan") -
+                blend.calc("d", "Ps", p - dp, s, errors="nan"))
+        if np.isnan(drho):  # the (P, s) pair not offered by this build of the back-end
+            continue
+        assert blend.calc("c", "PT", p, t) == pytest.approx(np.sqrt(2 * dp / drho), rel=1e-5)
+
+
+def test_phase_envelope_meets_the_bubble_and_dew_points():
+    gas = Fluid("Varimol", ["methane", "ethane"], [0.85, 0.15])
+    env = gas.phase_envelope()
+    assert len(env["t"]) > 10 and env["p"][0] == pytest.approx(1e5)
+    assert env["p"][-1] == pytest.approx(1e5)
+    # points on the bubble side carry the feed as liquid, on the dew side as vapour
+    for k in range(len(env["t"])):
+        if env["p"][k] > 0.8 * env["p"].max():
+            continue
+        on_bubble = np.allclose(env["x"][k], [0.85, 0.15], atol=1e-12)
+        q = 0.0 if on_bubble else 1.0
+        assert gas.calc("T", "Pq", env["p"][k], q) == pytest.approx(env["t"][k], rel=1e-8)
+    with pytest.raises(ZentropiaError, match="phase envelope method for IF97"):
+        Fluid("IF97", "water").phase_envelope()
+
+
+@pytest.mark.parametrize("components, composition, message", [
+    (["methane", "ethane"], [0.5, 0.6], "Sum of mole fractions does not equal 1"),
+    (["R410A", "methane"], [0.5, 0.5], "cannot be combined with other components"),
+    (["unobtainium"], [1.0], "cannot compute|error opening fluid"),
+    (["methane"] * 21, [1.0 / 21] * 21, ""),
+])
+def test_bad_selections_are_refused_and_the_next_one_works(components, composition, message):
+    with pytest.raises((ZentropiaError, ValueError), match=message):
+        Fluid("Varimol", components, composition)
+    gas = Fluid("Varimol", ["methane", "ethane"], [0.9, 0.1])
+    with pytest.raises(ZentropiaError):
+        gas.calc("T", "Pq", 2e6, 1.5)
+    with pytest.raises(ZentropiaError):
+        gas.calc("h", "PT", float("nan"), 300.0)
+    assert np.isfinite(gas.calc("h", "PT", 1e5, 300.0))
