@@ -1,5 +1,6 @@
 #include "transport/zentropia_transport.hpp"
 
+#include "Import/varimol_load.hpp"
 #include "base/common.hpp"
 #include "base/filelocation.hpp"
 #include "base/fluidstable.hpp"
@@ -116,6 +117,37 @@ bool load_component(std::string_view name, chung::component& c) {
     return true;
 }
 
+// A predefined mixture selected by its name alone (R410A, air) has no transport text of its own:
+// its components and mole fractions come from its fluid text, each component found in the fluid
+// table by its CAS number (the identifying number of the text). False when `name` is no such
+// mixture or a component lacks transport data.
+bool load_mixture(std::string_view name, std::span<chung::component> comps,
+                  std::span<double> fractions, int& n) {
+    varimol_load::fluid_data mixture;
+    std::string errormsg;
+    varimol_load::load_fluid(filelocation::fluidpath(filelocation::library_module),
+                             database_key(name), "", mixture, errormsg);
+    if (!is_ok(errormsg) || mixture.n_comps < 2) return false;
+    n = mixture.n_comps;
+    for (int i = 0; i < n; ++i) {
+        const double id = mixture.fluidparameters[varimol::parameter_index(varimol::row_id, i)];
+        fractions[i] =
+            mixture.fluidparameters[varimol::parameter_index(varimol::row_mole_fraction, i)];
+        bool found = false;
+        for (int row = 0; row < fluidstable::nfluids() && !found; ++row) {
+            std::string digits;
+            for (const char ch : fluidstable::cell(row, fluidstable::cas_number))
+                if (ch >= '0' && ch <= '9') digits += ch;
+            double cas = 0.0;
+            std::from_chars(digits.data(), digits.data() + digits.size(), cas);
+            if (!digits.empty() && cas == id)
+                found = load_component(fluidstable::cell(row, fluidstable::short_name), comps[i]);
+        }
+        if (!found) return false;
+    }
+    return true;
+}
+
 [[gnu::cold, gnu::noinline]] void report_state(double t, double v, std::string& errormsg) {
     std::array<char, 32> buffer{};
     errormsg.assign(zp_common::error_prefix)
@@ -191,17 +223,23 @@ void transport_setfluid(int ncmp, std::span<const std::string> cmp, std::span<co
         return;
     }
     std::array<chung::component, chung::max_components> comps;
-    for (int i = 0; i < n; ++i)
-        if (!load_component(cmp[i], comps[i])) {
-            errormsg.assign(not_available)
-                .append(" (")
-                .append(zp_common::strip(cmp[i]))
-                .append(")");
-            fluid.failure = errormsg;
-            return;
-        }
-    if (!chung::make_mixture(std::span<const chung::component>(comps.data(), n), cnc.first(n),
-                             fluid.mix, errormsg)) {
+    std::array<double, chung::max_components> fractions{};
+    int ncomps = n;
+    std::span<const double> x = cnc.first(n);
+    if (n == 1 && load_mixture(cmp[0], comps, fractions, ncomps)) {
+        x = std::span<const double>(fractions.data(), ncomps);
+    } else
+        for (int i = 0; i < n; ++i)
+            if (!load_component(cmp[i], comps[i])) {
+                errormsg.assign(not_available)
+                    .append(" (")
+                    .append(zp_common::strip(cmp[i]))
+                    .append(")");
+                fluid.failure = errormsg;
+                return;
+            }
+    if (!chung::make_mixture(std::span<const chung::component>(comps.data(), ncomps), x, fluid.mix,
+                             errormsg)) {
         fluid.failure = errormsg;
         return;
     }

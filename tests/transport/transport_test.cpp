@@ -67,7 +67,6 @@ TEST(Transport, OwnModelNamesTheFluidItCannotDescribe) {
     for (const auto& [names, expected] :
          {std::pair{std::vector<std::string>{"methane", "no such fluid"},
                     missing + " (no such fluid)"},
-          {std::vector<std::string>{"R410A"}, missing + " (R410A)"}, // a predefined blend
           {std::vector<std::string>{}, missing}}) {
         select_own(names, std::vector<double>(names.size(), 1.0), errormsg);
         EXPECT_EQ(errormsg, expected);
@@ -107,6 +106,21 @@ TEST(Transport, OwnModelRejectsStatesThatAreNoStates) {
         expect_not_computed(r);
         EXPECT_EQ(own_model(300.0, 0.01).errormsg, "No errors");
     }
+}
+
+// A predefined blend named alone is the mixture of its components at its own composition.
+TEST(Transport, OwnModelResolvesAPredefinedBlend) {
+    std::string errormsg;
+    select_own({"R410A"}, {1.0}, errormsg);
+    ASSERT_EQ(errormsg, "No errors");
+    const own_result blend = own_model(300.0, 0.01);
+    ASSERT_EQ(blend.errormsg, "No errors");
+    // R32/R125 50/50 by mass as mole fractions (molar masses 52.024 and 120.021 g/mol)
+    const double x32 = (50.0 / 52.024) / (50.0 / 52.024 + 50.0 / 120.021);
+    select_own({"R32", "R125"}, {x32, 1.0 - x32}, errormsg);
+    const own_result parts = own_model(300.0, 0.01);
+    EXPECT_NEAR(blend.eta, parts.eta, 1e-4 * parts.eta);
+    EXPECT_NEAR(blend.lambda, parts.lambda, 1e-4 * parts.lambda);
 }
 
 // The caller's name of a component, its short name and its CAS number reach the same data; a
