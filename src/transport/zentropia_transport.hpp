@@ -10,10 +10,13 @@
 
 namespace zentropia_transport {
 
-// Remembers the components the own model is to describe (called by the fluid selection).
+// Loads the transport data of the components (caller's names, found through the fluid-name
+// table in the fluid database) and mixes them for the own model (called by the fluid selection).
 void transport_setfluid(int ncmp, std::span<const std::string> cmp, std::span<const double> cnc,
                         std::string& errormsg);
-// The own model at temperature t (K) and specific volume v (m³/kg).
+// The own model at temperature t (K) and specific volume v (m³/kg); conductivity or surface
+// tension -8888.8 where a component lacks an ideal-gas heat capacity or a critical pressure, and
+// surface tension -8888.8 at or above the (pseudo-)critical temperature.
 void transport_calcprop(double t, double v, double& eta, double& eta_t, double& eta_rho,
                         double& lambda, double& lambda_t, double& lambda_rho, double& sigma,
                         std::string& errormsg);
