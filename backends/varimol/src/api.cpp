@@ -1,11 +1,15 @@
 // The entry points: range checks, mode dispatch, assembly of the outputs, and the codes.
 #include "varimol/varimol.hpp"
 
+#include "equilibrium/flash_ph_ps.hpp"
 #include "equilibrium/flash_tp.hpp"
+#include "equilibrium/flash_uv.hpp"
+#include "equilibrium/root_1d.hpp"
 #include "equilibrium/saturation.hpp"
 #include "model/ideal_gas.hpp"
 #include "model/properties.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 namespace varimol {
@@ -113,6 +117,52 @@ void pure_two_phase(const phase& l, const phase& v, flash_result& fr) {
     fr.x[0] = fr.y[0] = 1.0;
 }
 
+// the outputs of an equilibrium state from one of the state-function flashes
+void state_outputs(const fluid& f, const eq_state& st, double& T, double& p, double& q,
+                   const outputs& o, composition& x, composition& y, composition& lnphi) {
+    T = st.T;
+    p = st.P;
+    if (st.fr.nphase == 2) {
+        two_phase_outputs(f, st.T, st.fr, st.q, o, x, y, lnphi);
+        return;
+    }
+    put_props(st.one, o);
+    q = st.q;
+    spread(f, f.z, x);
+    spread(f, f.z, y);
+    spread(f, st.fr.liq.lnphi, lnphi);
+}
+
+double covolume(const fluid& f) {
+    double b = 0.0;
+    for (int i = 0; i < f.n; ++i) b += f.z[i] * f.comp[i].b;
+    return b;
+}
+
+// the codes of the (v, x) pairs: base 3210 (vu), 3220 (vh), 3230 (vs); +0 v too large, +1 too
+// small, +2 value below its value at Tmin, +3 above at Tmax, +4 the pressure above Pmax
+int v_pair(const fluid& f, int base, spec sp, double v, double value, eq_state& st) {
+    if (!(v > covolume(f)) || !std::isfinite(v)) return v > 0.0 ? base + 1 : base;
+    if (!std::isfinite(value)) return base + 2;
+    const int e = flash_v(f, v, sp, value, st);
+    if (e == out_below) return base + 2;
+    if (e == out_above) return base + 3;
+    if (e) return e;
+    if (st.P > f.pmax) return base + 4;
+    if (st.P < pmin) return base;
+    return 0;
+}
+
+// the (p, x) pairs: below/above give the two codes
+int p_pair(const fluid& f, int below, int above, spec sp, double p, double value, eq_state& st) {
+    if (int e = check_p(f, p)) return e;
+    if (!std::isfinite(value) || (sp == spec::v && !(value > 0.0))) return below;
+    const int e = flash_p(f, p, sp, value, st);
+    if (e == out_below) return below;
+    if (e == out_above) return above;
+    return e;
+}
+
 int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composition& x,
             composition& y, composition& lnphi) {
     if (!is_configured) return 101;
@@ -184,6 +234,73 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
         two_phase_outputs(f, T, fr, q, o, x, y, lnphi);
         return 0;
     }
+    case 2: { // T, v
+        if (int e = check_t(f, T)) return e;
+        const double vin = *o.v;
+        if (!(vin > covolume(f)) || !std::isfinite(vin)) return 3191;
+        eq_state st;
+        if (int e = state_tv(f, T, vin, st)) return e;
+        if (st.P > f.pmax) return 3191;
+        if (st.P < pmin) return 3190;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 3: { // T, s
+        if (int e = check_t(f, T)) return e;
+        const double sin = *o.s;
+        if (!std::isfinite(sin)) return 3200;
+        eq_state st;
+        const int e = flash_t(f, T, spec::s, sin, st);
+        if (e == out_below || (e == 0 && st.P < pmin)) return 3201;
+        if (e == out_above || (e == 0 && st.P > f.pmax)) return 3200;
+        if (e) return e;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 4:   // p, v
+    case 8:   // p, u
+    case 9:   // p, h
+    case 10: { // p, s
+        eq_state st;
+        const int e = mode == 4    ? p_pair(f, 3206, 3205, spec::v, p, *o.v, st)
+                      : mode == 8 ? p_pair(f, 3240, 3241, spec::u, p, *o.u, st)
+                      : mode == 9 ? p_pair(f, 3245, 3246, spec::h, p, *o.h, st)
+                                   : p_pair(f, 3250, 3251, spec::s, p, *o.s, st);
+        if (e) return e;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 5:   // v, u
+    case 6:   // v, h
+    case 7: { // v, s
+        eq_state st;
+        const int e = mode == 5    ? v_pair(f, 3210, spec::u, *o.v, *o.u, st)
+                      : mode == 6 ? v_pair(f, 3220, spec::h, *o.v, *o.h, st)
+                                   : v_pair(f, 3230, spec::s, *o.v, *o.s, st);
+        if (e) return e;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 13: { // h, s
+        const double hin = *o.h, sin = *o.s;
+        if (!std::isfinite(hin)) return 3261;
+        if (!std::isfinite(sin)) return 3263;
+        eq_state st;
+        if (int e = flash_hs(f, hin, sin, st)) return e;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 15: { // v, q
+        const double vin = *o.v;
+        if (!(q >= 0.0 && q <= 1.0)) return 3280;
+        if (!(vin > 0.0) || !std::isfinite(vin)) return vin > 0.0 ? 3281 : 3282;
+        eq_state st;
+        if (int e = flash_vq(f, vin, q, st)) return e;
+        const double qin = q;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        q = qin;
+        return 0;
+    }
     default: return 110;
     }
 }
@@ -251,6 +368,46 @@ int tmdprop_1ph(int mode, double& T, double& p, const outputs& o) {
         put_props(sp, o);
         return 0;
     }
+    case 5:   // v, u
+    case 6:   // v, h
+    case 7: { // v, s: one homogeneous phase, the temperature at fixed volume
+        const int base = mode == 5 ? 3210 : mode == 6 ? 3220 : 3230;
+        const double v = *o.v;
+        const double value = mode == 5 ? *o.u : mode == 6 ? *o.h : *o.s;
+        if (!(v > covolume(f)) || !std::isfinite(v)) return v > 0.0 ? base + 1 : base;
+        if (!std::isfinite(value)) return base + 2;
+        state_props sp;
+        const double scale = 1.0 / (gas_constant * 298.15);
+        auto val = [&](const state_props& x) { return mode == 5 ? x.u : mode == 6 ? x.h : x.s; };
+        auto g = [&](double t, double& r) {
+            homogeneous(f, t, v, f.z.data(), sp);
+            r = (val(sp) - value) * scale;
+            return 0;
+        };
+        // first step from the slope at the start: (du/dT)_v = cv, (dh/dT)_v = cv + v dp/dT,
+        // (ds/dT)_v = cv/T
+        const double t0 = std::clamp(T > 0.0 && std::isfinite(T) ? T : f.tcrit, f.tmin, f.tmax);
+        double r0;
+        g(t0, r0);
+        const double slope = (mode == 5 ? sp.cv : mode == 6 ? sp.cv + v * sp.dpdt : sp.cv / t0) *
+                             scale;
+        double step = std::abs(r0 / slope);
+        step = std::isfinite(step) && step > 0.0 ? std::min(1.1 * step + 1e-9 * t0, 0.5 * t0)
+                                                 : 0.05 * t0;
+        double t = t0;
+        const int e = find_root(g, root_search{t0, step, f.tmin, f.tmax, 1e-14 * t0, true}, t,
+                                true, r0);
+        if (e == out_below) return base + 2;
+        if (e == out_above) return base + 3;
+        if (e) return e;
+        homogeneous(f, t, v, f.z.data(), sp);
+        if (sp.P > f.pmax) return base + 4;
+        if (!(sp.P >= pmin)) return base;
+        T = t;
+        p = sp.P;
+        put_props(sp, o);
+        return 0;
+    }
     default: return 110;
     }
 }
@@ -291,9 +448,14 @@ void vm3_tmdprop(int mode, double& T, double& p, double& v, double& u, double& h
                  composition& lnphi, int& ierr) {
     const outputs o{&T, &p, &v, &u, &h, &s, &q, &cv, &dpdt, &dpdv, &d2pdt2, &d2pdv2, &d2pdtdv,
                     &dcvdt};
-    const double qin = q;
+    // the given state functions stay readable by the modes that use them
+    const double qin = q, vin = v, uin = u, hin = h, sin = s;
     preset(o);
     q = qin;
+    v = vin;
+    u = uin;
+    h = hin;
+    s = sin;
     x.fill(0.0);
     y.fill(0.0);
     lnphi.fill(0.0);
@@ -312,9 +474,12 @@ void vm3_tmdprop_1ph(int mode, double& T, double& p, double& v, double& u, doubl
                      double& d2pdtdv, double& dcvdt, int& ierr) {
     const outputs o{&T, &p, &v, &u, &h, &s, nullptr, &cv, &dpdt, &dpdv, &d2pdt2, &d2pdv2,
                     &d2pdtdv, &dcvdt};
-    const double vin = v;
+    const double vin = v, uin = u, hin = h, sin = s;
     preset(o);
     v = vin;
+    u = uin;
+    h = hin;
+    s = sin;
     ierr = tmdprop_1ph(mode, T, p, o);
     if ((ierr == 0 || ierr == 28) && !all_finite(o)) ierr = 106;
     if (ierr != 0 && ierr != 28) preset(o);

@@ -1,0 +1,170 @@
+#include "equilibrium/flash_uv.hpp"
+
+#include "equilibrium/root_1d.hpp"
+#include "equilibrium/saturation.hpp"
+
+#include <cmath>
+
+namespace varimol {
+
+namespace {
+double covolume(const fluid& f) {
+    double b = 0.0;
+    for (int i = 0; i < f.n; ++i) b += f.z[i] * f.comp[i].b;
+    return b;
+}
+
+// a homogeneous state at (T, v) with its phase at the same pressure
+void homogeneous_state(const fluid& f, const state_props& sp, const phase& ph, eq_state& st) {
+    st.T = sp.T;
+    st.P = sp.P;
+    st.v = sp.v;
+    st.u = sp.u;
+    st.h = sp.h;
+    st.s = sp.s;
+    st.one = sp;
+    st.fr = flash_result{};
+    st.fr.nphase = 1;
+    st.fr.liq = st.fr.vap = ph;
+    for (int i = 0; i < f.n; ++i) st.fr.x[i] = st.fr.y[i] = f.z[i];
+    st.fr.beta = ph.smaller ? 0.0 : 1.0;
+    st.q = phase_quality(f, ph);
+}
+
+// slope of the spec by T at constant v of a homogeneous state, scaled like the residual
+double slope_tv(const state_props& sp, spec s) {
+    switch (s) {
+    case spec::u: return sp.cv;
+    case spec::h: return sp.cv + sp.v * sp.dpdt;
+    case spec::s: return sp.cv / sp.T;
+    default: return 0.0;
+    }
+}
+
+// state on the line of vapour fraction q at temperature T
+int q_line_state(const fluid& f, double T, double q, eq_state& st) {
+    if (f.n == 1) {
+        double P;
+        phase l, v;
+        if (int e = pure_saturation_pressure(f, T, P, l, v)) return e;
+        pure_two_phase_state(f, T, P, l, v, q, st);
+        return 0;
+    }
+    double t = T, P = 1.0e5;
+    flash_result fr;
+    if (int e = saturation_q(f, true, t, P, q, f.z.data(), fr)) return e;
+    state_from_flash(f, T, P, fr, st);
+    return 0;
+}
+} // namespace
+
+int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess) {
+    if (!(v > covolume(f))) return 109;
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    state_props sp;
+    homogeneous(f, T, v, f.z.data(), sp);
+    if (f.n == 1 && T < f.comp[0].tc) {
+        double Ps;
+        phase l, g;
+        if (int e = pure_saturation_pressure(f, T, Ps, l, g)) return e;
+        if (v >= l.v && v <= g.v) {
+            pure_two_phase_state(f, T, Ps, l, g, (v - l.v) / (g.v - l.v), st);
+            return 0;
+        }
+        phase ph;
+        if (int e = eval_phase(f, t, sp.P, f.z.data(), v < l.v ? root_choice::liquid
+                                                              : root_choice::vapour, ph))
+            return e;
+        homogeneous_state(f, sp, ph, st);
+        return 0;
+    }
+    if (sp.P > 0.0 && sp.dpdv < 0.0 && std::isfinite(sp.P)) {
+        flash_result fr;
+        if (flash_tp(f, T, sp.P, f.z.data(), fr) == 0 && fr.nphase == 1 &&
+            std::abs(fr.liq.v - v) <= 1e-9 * v) {
+            homogeneous_state(f, sp, fr.liq, st);
+            return 0;
+        }
+        if (!(p_guess > 0.0)) p_guess = sp.P;
+    }
+    const int e = flash_t(f, T, spec::v, v, st, p_guess);
+    return e == out_below || e == out_above ? 106 : e;
+}
+
+int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
+    double p_last = 0.0;
+    eq_state cur;
+    const double scale = 1.0 / (gas_constant * 298.15);
+    auto g = [&](double T, double& r) {
+        if (int e = state_tv(f, T, v, cur, p_last)) return e;
+        p_last = cur.P;
+        r = (spec_value(cur, sp) - value) * scale;
+        return 0;
+    };
+    const double t0 = std::clamp(f.tcrit, f.tmin, f.tmax);
+    root_search rs{t0, 0.05 * t0, f.tmin, f.tmax, 1e-13 * t0, true};
+    double r0;
+    if (int e = g(t0, r0)) return e;
+    if (cur.fr.nphase == 1) {
+        const double d = std::abs(r0 / (slope_tv(cur.one, sp) * scale));
+        if (std::isfinite(d) && d > 0.0) rs.step = std::min(1.2 * d + 1e-6 * t0, 0.5 * t0);
+    }
+    double T = t0;
+    if (int e = find_root(g, rs, T, true, r0)) return e;
+    if (cur.T == T) {
+        st = cur;
+        return 0;
+    }
+    return state_tv(f, T, v, st, p_last);
+}
+
+int flash_vq(const fluid& f, double v, double q, eq_state& st) {
+    // the line of constant q, scanned upwards from the lowest temperature to its end
+    constexpr int npts = 32;
+    double ttop = f.comp[0].tc;
+    for (int i = 1; i < f.n; ++i) ttop = std::max(ttop, f.comp[i].tc);
+    if (f.n == 1) ttop *= 1.0 - 1e-9;
+    const double tlo = f.tmin;
+    if (!(ttop > tlo)) return 3281;
+    double tprev = 0.0, rprev = 0.0;
+    bool have_prev = false, any = false;
+    double vmin = INFINITY, vmax = 0.0;
+    int roots = 0;
+    double a = 0.0, b = 0.0, ra = 0.0, rb = 0.0;
+    for (int k = 0; k < npts; ++k) {
+        const double T = tlo + (ttop - tlo) * k / (npts - 1);
+        eq_state cur;
+        if (q_line_state(f, T, q, cur) || !(cur.P >= pmin)) {
+            have_prev = false;
+            continue;
+        }
+        any = true;
+        vmin = std::min(vmin, cur.v);
+        vmax = std::max(vmax, cur.v);
+        const double r = std::log(cur.v / v);
+        if (have_prev && (r > 0.0) != (rprev > 0.0)) {
+            ++roots;
+            a = tprev, ra = rprev, b = T, rb = r;
+        }
+        tprev = T;
+        rprev = r;
+        have_prev = true;
+    }
+    if (!any || v > vmax) return 3281;
+    if (v < vmin) return 3282;
+    if (roots != 1) return 3283;
+    auto g = [&](double T, double& r) {
+        if (int e = q_line_state(f, T, q, st)) return e;
+        r = std::log(st.v / v);
+        return 0;
+    };
+    const root_search rs{a, b - a, a, b, 1e-13 * b, rb > ra};
+    double T = a;
+    if (int e = find_root(g, rs, T, true, ra)) return e == out_below || e == out_above ? 3283 : e;
+    if (st.T != T)
+        if (int e = q_line_state(f, T, q, st)) return e;
+    return st.P >= pmin ? 0 : 3281;
+}
+
+} // namespace varimol
