@@ -131,7 +131,8 @@ void pure_two_phase_state(const fluid& f, double T, double P, const phase& l, co
     state_from_flash(f, T, P, fr, st);
 }
 
-int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* warm) {
+int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* warm,
+             bool lenient) {
     flash_result fr;
     if (warm && warm->fr.nphase == 2 && f.n > 1) {
         vec lnk{};
@@ -144,7 +145,8 @@ int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* w
             return 0;
         }
     }
-    if (int e = flash_tp(f, T, P, f.z.data(), fr)) return e;
+    const int e = flash_tp(f, T, P, f.z.data(), fr);
+    if (e != 0 && !(e == 446 && lenient)) return e;
     state_from_flash(f, T, P, fr, st);
     return 0;
 }
@@ -160,7 +162,7 @@ int search_t(const fluid& f, double P, spec sp, double value, double lo, double 
     bool warm_ok = f.n > 1;
     auto g = [&](double T, double& r) {
         eq_state next;
-        if (int e = state_tp(f, T, P, next, warm_ok && have ? &cur : nullptr)) return e;
+        if (int e = state_tp(f, T, P, next, warm_ok && have ? &cur : nullptr, true)) return e;
         cur = next;
         have = true;
         r = residual(cur, sp, value);
@@ -210,7 +212,7 @@ int search_p(const fluid& f, double T, spec sp, double value, double lnlo, doubl
     bool warm_ok = f.n > 1;
     auto g = [&](double lnp, double& r) {
         eq_state next;
-        if (int e = state_tp(f, T, std::exp(lnp), next, warm_ok && have ? &cur : nullptr))
+        if (int e = state_tp(f, T, std::exp(lnp), next, warm_ok && have ? &cur : nullptr, true))
             return e;
         cur = next;
         have = true;
@@ -326,7 +328,22 @@ int flash_hs(const fluid& f, double h, double s, eq_state& st) {
         r = (cur.s - s) / gas_constant;
         return 0;
     };
-    const root_search rs{std::log(1e5), 1.0, std::log(pmin), std::log(f.pmax), 1e-13, false};
+    // a start where the enthalpy lies within the temperature range: below the lowest
+    // temperature's enthalpy the state lies at higher pressure (a liquid below the triple-point
+    // pressure is out of range), above the highest temperature's at lower pressure
+    double p0 = 1e5;
+    for (int k = 0;; ++k) {
+        eq_state probe;
+        const int e = flash_p(f, p0, spec::h, h, probe);
+        if (e == 0) {
+            t_last = probe.T;
+            break;
+        }
+        if (k == 12 || (e != out_below && e != out_above)) return e == out_below ? 3261
+                                                                 : e == out_above ? 3260 : e;
+        p0 = std::clamp(e == out_below ? 10.0 * p0 : 0.1 * p0, pmin, f.pmax);
+    }
+    const root_search rs{std::log(p0), 1.0, std::log(pmin), std::log(f.pmax), 1e-13, false};
     double x = rs.x0;
     const int e = find_root(g, rs, x);
     if (e == out_below) return 3262; // s above its value at the lowest pressure

@@ -37,7 +37,10 @@ double phase_quality(const fluid& f, const phase& ph);
 // Fills st from a flash result at (T, P).
 void state_from_flash(const fluid& f, double T, double P, const flash_result& fr, eq_state& st);
 // The stable state at (T, P); with `warm` two-phase, the split starts from its K-values first.
-int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* warm = nullptr);
+// `lenient`: a stability test without convergence (446) keeps the homogeneous state (for the
+// intermediate points of a search; the answer itself is never lenient).
+int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* warm = nullptr,
+             bool lenient = false);
 // Two saturated phases of a pure fluid at T, P with vapour fraction q.
 void pure_two_phase_state(const fluid& f, double T, double P, const phase& l, const phase& v,
                           double q, eq_state& st);
