@@ -142,7 +142,8 @@ double covolume(const fluid& f) {
 // the codes of the (v, x) pairs: base 3210 (vu), 3220 (vh), 3230 (vs); +0 v too large, +1 too
 // small, +2 value below its value at Tmin, +3 above at Tmax, +4 the pressure above Pmax
 int v_pair(const fluid& f, int base, spec sp, double v, double value, eq_state& st) {
-    if (!(v > covolume(f)) || !std::isfinite(v)) return v > 0.0 ? base + 1 : base;
+    if (std::isinf(v) && v > 0.0) return base;
+    if (!(v > covolume(f))) return base + 1; // also NaN
     if (!std::isfinite(value)) return base + 2;
     const int e = flash_v(f, v, sp, value, st);
     if (e == out_below) return base + 2;
@@ -215,11 +216,11 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
         if (f.n == 1) {
             phase l, v;
             if (given_t) {
-                const int e = pure_saturation_pressure(f, T, p, l, v);
+                const int e = pure_saturation_p(f, T, p, l, v);
                 if (e == 102) return 3276;
                 if (e) return e;
             } else {
-                const int e = pure_saturation_temperature(f, p, T, l, v);
+                const int e = pure_saturation_t(f, p, T, l, v);
                 if (e == 143) return 3271;
                 if (e) return e;
                 if (T < f.tmin) return 3272;
@@ -237,7 +238,8 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
     case 2: { // T, v
         if (int e = check_t(f, T)) return e;
         const double vin = *o.v;
-        if (!(vin > covolume(f)) || !std::isfinite(vin)) return 3191;
+        if (std::isinf(vin) && vin > 0.0) return 3190;
+        if (!(vin > covolume(f))) return 3191; // also NaN
         eq_state st;
         if (int e = state_tv(f, T, vin, st)) return e;
         if (st.P > f.pmax) return 3191;
@@ -374,7 +376,8 @@ int tmdprop_1ph(int mode, double& T, double& p, const outputs& o) {
         const int base = mode == 5 ? 3210 : mode == 6 ? 3220 : 3230;
         const double v = *o.v;
         const double value = mode == 5 ? *o.u : mode == 6 ? *o.h : *o.s;
-        if (!(v > covolume(f)) || !std::isfinite(v)) return v > 0.0 ? base + 1 : base;
+        if (std::isinf(v) && v > 0.0) return base;
+        if (!(v > covolume(f))) return base + 1; // also NaN
         if (!std::isfinite(value)) return base + 2;
         state_props sp;
         const double scale = 1.0 / (gas_constant * 298.15);

@@ -50,6 +50,70 @@ double wilson_pressure(const fluid& f, double T) {
     return std::isfinite(P) ? std::clamp(P, 1e3, f.pmax) : 1e5;
 }
 
+// Equal fugacity of the two roots of a pure fluid by bisection, where the Newton iteration of
+// the saturation routines stops short of convergence close to the critical point. x is T (at
+// fixed P) or ln P (at fixed T); the sign of G_L - G_V tells the side, and where the cubic has
+// one root only, its kind does.
+int pure_sat_bisect(const fluid& f, bool given_t, double fixed, double lo, double hi, double& x,
+                    phase& L, phase& V) {
+    const double one[1] = {1.0};
+    temperature_terms<double> t;
+    if (given_t) at_temperature(f, fixed, t);
+    auto side = [&](double xv) { // > 0: the vapour is the stable root
+        if (!given_t) at_temperature(f, xv, t);
+        const double P = given_t ? std::exp(xv) : fixed;
+        eval_phase(f, t, P, one, root_choice::liquid, L);
+        eval_phase(f, t, P, one, root_choice::vapour, V);
+        if (L.nroots < 2) return L.v > f.vcrit ? 1.0 : -1.0;
+        return L.lnphi[0] - V.lnphi[0];
+    };
+    // higher T or lower P favours the vapour
+    double slo = side(lo);
+    if (given_t) slo = -slo;
+    for (int it = 0; it < 200 && hi - lo > 1e-15 * std::abs(hi); ++it) {
+        const double mid = 0.5 * (lo + hi);
+        double sm = side(mid);
+        if (given_t) sm = -sm;
+        if ((sm > 0.0) == (slo > 0.0)) lo = mid, slo = sm;
+        else hi = mid;
+    }
+    x = 0.5 * (lo + hi);
+    side(x);
+    return L.nroots == 2 ? 0 : 106;
+}
+
+// the two roots at (T, P) have equal fugacities
+bool pure_coexist(const fluid& f, double T, double P, phase& L, phase& V) {
+    const double one[1] = {1.0};
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    eval_phase(f, t, P, one, root_choice::liquid, L);
+    eval_phase(f, t, P, one, root_choice::vapour, V);
+    return L.nroots == 2 && std::abs(L.lnphi[0] - V.lnphi[0]) <= 1e-12;
+}
+} // namespace
+
+int pure_saturation_t(const fluid& f, double P, double& T, phase& L, phase& V) {
+    const int e = pure_saturation_temperature(f, P, T, L, V);
+    if (e == 0 && pure_coexist(f, T, P, L, V)) return 0;
+    if (e != 106 && e != 0) return e;
+    const component& c = f.comp[0];
+    return pure_sat_bisect(f, false, P, 0.3 * c.tc, c.tc, T, L, V);
+}
+
+int pure_saturation_p(const fluid& f, double T, double& P, phase& L, phase& V) {
+    const int e = pure_saturation_pressure(f, T, P, L, V);
+    if (e == 0 && pure_coexist(f, T, P, L, V)) return 0;
+    if (e != 106 && e != 0) return e;
+    const component& c = f.comp[0];
+    double x;
+    const int eb = pure_sat_bisect(f, true, T, std::log(1e-10 * c.pc), std::log(c.pc), x, L, V);
+    P = std::exp(x);
+    return eb;
+}
+
+namespace {
+
 // slopes of the specs of a homogeneous state by T at constant P
 double slope_t(const state_props& sp, spec s) {
     const double dvdt = -sp.dpdt / sp.dpdv;
@@ -156,7 +220,7 @@ namespace {
 // the search in T at fixed P over a continuous range [lo, hi] of the stable state; `start`
 // optionally a state already known at x0 = start->T
 int search_t(const fluid& f, double P, spec sp, double value, double lo, double hi,
-             double t0, const eq_state* start, eq_state& st) {
+             double t0, const eq_state* start, eq_state& st, bool lenient) {
     eq_state cur;
     bool have = false;
     bool warm_ok = f.n > 1;
@@ -190,7 +254,7 @@ int search_t(const fluid& f, double P, spec sp, double value, double lo, double 
     int e = find_root(g, rs, T, has_r0, r0);
     if (e) return e;
     // the answer from a full flash with its stability test
-    if (int e2 = state_tp(f, T, P, st)) return e2;
+    if (int e2 = state_tp(f, T, P, st, nullptr, lenient)) return e2;
     if (have && cur.T == T && cur.fr.nphase == st.fr.nphase &&
         std::abs(cur.fr.beta - st.fr.beta) <= 1e-9)
         return 0;
@@ -201,7 +265,7 @@ int search_t(const fluid& f, double P, spec sp, double value, double lo, double 
     rs.x0 = T;
     rs.step = 1e-6 * T;
     if (int e3 = find_root(g, rs, T)) return e3;
-    return state_tp(f, T, P, st);
+    return state_tp(f, T, P, st, nullptr, lenient);
 }
 
 // the same in ln P at fixed T
@@ -251,12 +315,17 @@ int search_p(const fluid& f, double T, spec sp, double value, double lnlo, doubl
 
 } // namespace
 
-int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, double t_guess) {
+int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, double t_guess,
+            bool lenient) {
     if (f.n == 1 && P < f.comp[0].pc) {
         double Ts;
         phase l, v;
-        if (int e = pure_saturation_temperature(f, P, Ts, l, v)) return e;
-        if (Ts > f.tmin && Ts < f.tmax) {
+        const int es = pure_saturation_t(f, P, Ts, l, v);
+        // within a per mille of the critical pressure the saturation may not converge; the
+        // liquid and vapour there differ by less than the iteration can resolve, and the stable
+        // root is searched alone
+        if (es != 0 && P < 0.999 * f.comp[0].pc) return es;
+        if (es == 0 && Ts > f.tmin && Ts < f.tmax) {
             eq_state sl, sv;
             pure_two_phase_state(f, Ts, P, l, v, 0.0, sl);
             pure_two_phase_state(f, Ts, P, l, v, 1.0, sv);
@@ -273,23 +342,28 @@ int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, doubl
             eq_state edge;
             if (value < al) {
                 state_from_flash(f, Ts, P, fl, edge);
-                return search_t(f, P, sp, value, f.tmin, Ts, Ts, &edge, st);
+                return search_t(f, P, sp, value, f.tmin, Ts, Ts, &edge, st, lenient);
             }
             state_from_flash(f, Ts, P, fv, edge);
-            return search_t(f, P, sp, value, Ts, f.tmax, Ts, &edge, st);
+            return search_t(f, P, sp, value, Ts, f.tmax, Ts, &edge, st, lenient);
         }
     }
     double t0 = t_guess > 0.0 ? t_guess : wilson_temperature(f, P);
     t0 = std::clamp(t0, f.tmin, f.tmax);
-    return search_t(f, P, sp, value, f.tmin, f.tmax, t0, nullptr, st);
+    return search_t(f, P, sp, value, f.tmin, f.tmax, t0, nullptr, st, lenient);
 }
 
 int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, double p_guess) {
     const double lnlo = std::log(search_pmin), lnhi = std::log(search_pmax);
+    double Ps = 0.0;
+    phase l, v;
+    int es = 1;
     if (f.n == 1 && T < f.comp[0].tc) {
-        double Ps;
-        phase l, v;
-        if (int e = pure_saturation_pressure(f, T, Ps, l, v)) return e;
+        es = pure_saturation_p(f, T, Ps, l, v);
+        // within a per mille of the critical temperature the stable root is searched alone
+        if (es != 0 && T < 0.999 * f.comp[0].tc) return es;
+    }
+    if (es == 0) {
         eq_state sl, sv;
         pure_two_phase_state(f, T, Ps, l, v, 0.0, sl);
         pure_two_phase_state(f, T, Ps, l, v, 1.0, sv);
@@ -320,9 +394,9 @@ int flash_hs(const fluid& f, double h, double s, eq_state& st) {
     int inner = 0;
     auto g = [&](double lnp, double& r) {
         eq_state cur;
-        const int e = flash_p(f, std::exp(lnp), spec::h, h, cur, t_last);
-        if (e == out_below) return inner = 3261;
-        if (e == out_above) return inner = 3260;
+        const int e = flash_p(f, std::exp(lnp), spec::h, h, cur, t_last, true);
+        if (e == out_below) return (inner = 3261), retry_closer;
+        if (e == out_above) return (inner = 3260), retry_closer;
         if (e) return e;
         t_last = cur.T;
         r = (cur.s - s) / gas_constant;
@@ -334,7 +408,7 @@ int flash_hs(const fluid& f, double h, double s, eq_state& st) {
     double p0 = 1e5;
     for (int k = 0;; ++k) {
         eq_state probe;
-        const int e = flash_p(f, p0, spec::h, h, probe);
+        const int e = flash_p(f, p0, spec::h, h, probe, 0.0, true);
         if (e == 0) {
             t_last = probe.T;
             break;
@@ -348,6 +422,7 @@ int flash_hs(const fluid& f, double h, double s, eq_state& st) {
     const int e = find_root(g, rs, x);
     if (e == out_below) return 3262; // s above its value at the lowest pressure
     if (e == out_above) return 3263;
+    if (e == retry_closer) return inner;
     if (e) return e;
     return flash_p(f, std::exp(x), spec::h, h, st, t_last);
 }

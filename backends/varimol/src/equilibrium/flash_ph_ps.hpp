@@ -45,14 +45,20 @@ int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* w
 void pure_two_phase_state(const fluid& f, double T, double P, const phase& l, const phase& v,
                           double q, eq_state& st);
 
+// Pure-fluid saturation temperature at P and pressure at T, as in saturation.hpp, finished by
+// bisection where the Newton iteration does not converge close to the critical point.
+int pure_saturation_t(const fluid& f, double P, double& T, phase& liq, phase& vap);
+int pure_saturation_p(const fluid& f, double T, double& P, phase& liq, phase& vap);
+
 // Results besides 0: out_below (the value lies below the range of the search: below its value
 // at the lowest temperature, or at the lowest pressure for the decreasing specs), out_above, or
 // a convergence code.
 inline constexpr int out_below = -1, out_above = 1;
 
 // Given P (Pa) and the spec (v, u, h or s) at `value`: the temperature in [tmin, tmax].
-// t_guess (K, 0 for none) starts the search.
-int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, double t_guess = 0.0);
+// t_guess (K, 0 for none) starts the search; `lenient` as for state_tp.
+int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, double t_guess = 0.0,
+            bool lenient = false);
 // Given T (K) and the spec (v or s): the pressure in [1e-6 Pa, 1e10 Pa] (the caller checks the
 // model's range); out_below/out_above refer to the pressure. p_guess (Pa, 0 for none).
 int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, double p_guess = 0.0);

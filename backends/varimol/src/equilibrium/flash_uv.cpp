@@ -46,7 +46,7 @@ int q_line_state(const fluid& f, double T, double q, eq_state& st) {
     if (f.n == 1) {
         double P;
         phase l, v;
-        if (int e = pure_saturation_pressure(f, T, P, l, v)) return e;
+        if (int e = pure_saturation_p(f, T, P, l, v)) return e;
         pure_two_phase_state(f, T, P, l, v, q, st);
         return 0;
     }
@@ -67,15 +67,17 @@ int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess) {
     if (f.n == 1 && T < f.comp[0].tc) {
         double Ps;
         phase l, g;
-        if (int e = pure_saturation_pressure(f, T, Ps, l, g)) return e;
-        if (v >= l.v && v <= g.v) {
+        const int es = pure_saturation_p(f, T, Ps, l, g);
+        if (es != 0 && T < 0.999 * f.comp[0].tc) return es;
+        if (es == 0 && v >= l.v && v <= g.v) {
             pure_two_phase_state(f, T, Ps, l, g, (v - l.v) / (g.v - l.v), st);
             return 0;
         }
         phase ph;
-        if (int e = eval_phase(f, t, sp.P, f.z.data(), v < l.v ? root_choice::liquid
-                                                              : root_choice::vapour, ph))
-            return e;
+        const root_choice r = es != 0 ? root_choice::stable
+                              : v < l.v ? root_choice::liquid : root_choice::vapour;
+        if (!(sp.P > 0.0)) return 106;
+        if (int e = eval_phase(f, t, sp.P, f.z.data(), r, ph)) return e;
         homogeneous_state(f, sp, ph, st);
         return 0;
     }
@@ -132,16 +134,30 @@ int flash_vq(const fluid& f, double v, double q, eq_state& st) {
     double vmin = INFINITY, vmax = 0.0;
     int roots = 0;
     double a = 0.0, b = 0.0, ra = 0.0, rb = 0.0;
-    for (int k = 0; k < npts; ++k) {
-        const double T = tlo + (ttop - tlo) * k / (npts - 1);
+    double t_at_min = 0.0, t_at_max = 0.0, t_before = 0.0; // sampled extremes of v
+    double t_min_lo = 0.0, t_min_hi = 0.0, t_max_lo = 0.0, t_max_hi = 0.0;
+    bool prev_was_min = false, prev_was_max = false;
+    // a point of the line, in increasing temperature; false where the line has no point
+    auto visit = [&](double T) {
         eq_state cur;
         if (q_line_state(f, T, q, cur) || !(cur.P >= pmin)) {
             have_prev = false;
-            continue;
+            return false;
         }
         any = true;
-        vmin = std::min(vmin, cur.v);
-        vmax = std::max(vmax, cur.v);
+        // the neighbours of the sampled extremes bound the true ones
+        if (prev_was_min) t_min_hi = T;
+        if (prev_was_max) t_max_hi = T;
+        prev_was_min = prev_was_max = false;
+        if (cur.v < vmin) {
+            vmin = cur.v, t_at_min = T, t_min_lo = have_prev ? tprev : T, t_min_hi = T;
+            prev_was_min = true;
+        }
+        if (cur.v > vmax) {
+            vmax = cur.v, t_at_max = T, t_max_lo = have_prev ? tprev : T, t_max_hi = T;
+            prev_was_max = true;
+        }
+        (void)t_before;
         const double r = std::log(cur.v / v);
         if (have_prev && (r > 0.0) != (rprev > 0.0)) {
             ++roots;
@@ -150,9 +166,64 @@ int flash_vq(const fluid& f, double v, double q, eq_state& st) {
         tprev = T;
         rprev = r;
         have_prev = true;
+        return true;
+    };
+    double last_ok = -1.0, first_fail = ttop;
+    for (int k = 0; k < npts; ++k) {
+        const double T = tlo + (ttop - tlo) * k / (npts - 1);
+        if (visit(T)) {
+            last_ok = T;
+            first_fail = ttop;
+        } else if (last_ok > 0.0 && first_fail == ttop) {
+            first_fail = T;
+        }
     }
-    if (!any || v > vmax) return 3281;
-    if (v < vmin) return 3282;
+    // the end of the line (a critical point, or where the mixture's line of this q stops) lies
+    // between the last point found and the next: approached by bisection, where the volumes of
+    // the line change fastest
+    if (last_ok > 0.0) {
+        have_prev = true;
+        eq_state cur;
+        q_line_state(f, last_ok, q, cur);
+        tprev = last_ok;
+        rprev = std::log(cur.v / v);
+        double lo = last_ok, hi = first_fail;
+        for (int k = 0; k < 30 && hi - lo > 1e-9 * hi; ++k) {
+            const double mid = 0.5 * (lo + hi);
+            const bool was = have_prev;
+            if (visit(mid)) lo = mid;
+            else {
+                hi = mid;
+                have_prev = was;
+            }
+        }
+    }
+    if (!any) return 3281;
+    if (roots == 0 && (v < vmin || v > vmax)) {
+        // the volume may still be reached between two samples, twice, about a sampled extreme:
+        // golden-section search for that extreme
+        const bool below = v < vmin;
+        double lo = below ? t_min_lo : t_max_lo, hi = below ? t_min_hi : t_max_hi;
+        (void)t_at_min;
+        (void)t_at_max;
+        const double sign = below ? 1.0 : -1.0; // minimise sign * v
+        auto val = [&](double T) {
+            eq_state cur;
+            return q_line_state(f, T, q, cur) ? INFINITY : sign * cur.v;
+        };
+        constexpr double gr = 0.6180339887498949;
+        double c = hi - gr * (hi - lo), d = lo + gr * (hi - lo);
+        double fc = val(c), fd = val(d);
+        for (int k = 0; k < 40 && hi - lo > 1e-10 * hi; ++k) {
+            if (fc < fd) {
+                hi = d, d = c, fd = fc, c = hi - gr * (hi - lo), fc = val(c);
+            } else {
+                lo = c, c = d, fc = fd, d = lo + gr * (hi - lo), fd = val(d);
+            }
+            if (std::min(fc, fd) < sign * v) return 3283; // reached twice
+        }
+        return below ? 3282 : 3281;
+    }
     if (roots != 1) return 3283;
     auto g = [&](double T, double& r) {
         if (int e = q_line_state(f, T, q, st)) return e;

@@ -16,6 +16,10 @@ struct root_search {
     bool increasing;  // the residual grows with x
 };
 
+// A code of g for a point where the residual does not exist (outside its domain): the bracket
+// search steps back towards its last point.
+inline constexpr int retry_closer = 2;
+
 // g(x, r) evaluates the residual r at x and returns 0 or an error code (> 1). Returns 0 with the
 // root in x, -1 when the residual keeps the sign of a root below lo, +1 when of a root above hi,
 // or g's error code. Known residual r0 at x0 may be passed (has_r0) to save one evaluation.
@@ -33,12 +37,17 @@ int find_root(G&& g, const root_search& rs, double& x, bool has_r0 = false, doub
     double step = rs.step;
     double b = a, rb = ra;
     bool bracketed = false;
-    for (int it = 0; it < 80; ++it) {
+    for (int it = 0; it < 120; ++it) {
         const double limit = dir < 0.0 ? rs.lo : rs.hi;
         double xn = a + dir * step;
         if ((dir < 0.0 && xn <= limit) || (dir > 0.0 && xn >= limit)) xn = limit;
         double rn;
-        if (int e = g(xn, rn)) return e;
+        if (int e = g(xn, rn)) {
+            // outside the domain where the residual exists: a shorter step
+            if (e != retry_closer || step < 1e-12 * (1.0 + std::abs(a))) return e;
+            step *= 0.25;
+            continue;
+        }
         if (rn == 0.0) {
             x = xn;
             return 0;
