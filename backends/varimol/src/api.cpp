@@ -91,13 +91,16 @@ int homogeneous_tp(const fluid& f, double T, double P, root_choice r, phase& ph,
 void two_phase_outputs(const fluid& f, double T, const flash_result& fr, double q,
                        const outputs& o, composition& x, composition& y, composition& lnphi) {
     state_props sl, sv;
-    homogeneous(f, T, fr.liq.v, fr.x.data(), sl);
-    homogeneous(f, T, fr.vap.v, fr.y.data(), sv);
     if (q == 0.0) {
+        homogeneous(f, T, fr.liq.v, fr.x.data(), sl);
         put_props(sl, o);
     } else if (q == 1.0) {
+        homogeneous(f, T, fr.vap.v, fr.y.data(), sv);
         put_props(sv, o);
     } else {
+        // inside the dome only the caloric properties are formed
+        caloric(f, T, fr.liq.v, fr.x.data(), sl);
+        caloric(f, T, fr.vap.v, fr.y.data(), sv);
         *o.v = (1.0 - q) * sl.v + q * sv.v;
         *o.u = (1.0 - q) * sl.u + q * sv.u;
         *o.h = (1.0 - q) * sl.h + q * sv.h;
@@ -133,10 +136,14 @@ void state_outputs(const fluid& f, const eq_state& st, double& T, double& p, dou
     spread(f, st.fr.liq.lnphi, lnphi);
 }
 
+// covolume of the mixture at its pseudo-critical temperature (a first check of a given volume;
+// the Wong-Sandler covolume varies with T, and the searches check it at every temperature)
 double covolume(const fluid& f) {
-    double b = 0.0;
-    for (int i = 0; i < f.n; ++i) b += f.z[i] * f.comp[i].b;
-    return b;
+    temperature_terms<double> t;
+    at_temperature(f, std::clamp(f.tcrit, f.tmin, f.tmax), t);
+    mixture_terms<double> m;
+    mix(f, t, f.z.data(), m, nullptr);
+    return m.B;
 }
 
 // the codes of the (v, x) pairs: base 3210 (vu), 3220 (vh), 3230 (vs); +0 v too large, +1 too
@@ -307,6 +314,115 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
     }
 }
 
+// covolume of the fluid at T (the Wong-Sandler one depends on T)
+double covolume(const fluid& f, double T) {
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    mixture_terms<double> m;
+    mix(f, t, f.z.data(), m, nullptr);
+    return m.B;
+}
+
+// One homogeneous phase at fixed v from u (mode 5), h (6) or s (7): Newton on T, kept in a
+// bracket. du/dT = cv, dh/dT = cv + v dP/dT, ds/dT = cv/T at constant v.
+int solve_t_at_v(const fluid& f, int mode, double v, double target, state_props& sp) {
+    double lo = f.tmin, hi = f.tmax;
+    double t = 0.5 * (lo + hi);
+    auto value_of = [&](const state_props& p, double& d) -> double {
+        if (mode == 5) return d = p.cv, p.u;
+        if (mode == 6) return d = p.cv + v * p.dpdt, p.h;
+        return d = p.cv / p.T, p.s;
+    };
+    for (int end = 0; end < 2; ++end) { // the target must lie between the values at the limits
+        const double te = end == 0 ? lo : hi;
+        if (!(v > covolume(f, te))) return end == 0 ? 3211 : 3210;
+        homogeneous(f, te, v, f.z.data(), sp);
+        double d;
+        const double fe = value_of(sp, d) - target;
+        if (end == 0 && fe > 0.0) return mode == 5 ? 3212 : mode == 6 ? 3222 : 3232;
+        if (end == 1 && fe < 0.0) return mode == 5 ? 3213 : mode == 6 ? 3223 : 3233;
+    }
+    for (int it = 0; it < 200; ++it) {
+        homogeneous(f, t, v, f.z.data(), sp);
+        double d;
+        const double r = value_of(sp, d) - target;
+        if (r > 0.0) hi = t; else lo = t;
+        double tn = t - r / d;
+        if (!(tn > lo && tn < hi)) tn = 0.5 * (lo + hi);
+        const double dt = std::abs(tn - t);
+        t = tn;
+        if (dt <= 1e-14 * t || hi - lo <= 1e-14 * t) {
+            homogeneous(f, t, v, f.z.data(), sp);
+            return 0;
+        }
+    }
+    return 106;
+}
+
+// One homogeneous phase at fixed T from s (mode 3): s grows with v (ds/dv = dP/dT > 0), Newton
+// on ln(v - b) from the gas side.
+int solve_v_at_t(const fluid& f, double T, double target, state_props& sp) {
+    const double b = covolume(f, T);
+    double lo = std::log(1e-12 * b), hi = std::log(1e6); // ln(v - b), m3/mol
+    homogeneous(f, T, b + std::exp(hi), f.z.data(), sp);
+    if (sp.s < target) return 3201;
+    double w = std::log(gas_constant * T / 1e5);
+    for (int it = 0; it < 300; ++it) {
+        const double v = b + std::exp(w);
+        homogeneous(f, T, v, f.z.data(), sp);
+        if (!(sp.P <= f.pmax) && sp.s > target) hi = w; // keep below the pressure limit
+        const double r = sp.s - target;
+        if (r > 0.0) hi = w; else lo = w;
+        double wn = w - r / (sp.dpdt * std::exp(w));
+        if (!(wn > lo && wn < hi)) wn = 0.5 * (lo + hi);
+        const double dw = std::abs(wn - w);
+        w = wn;
+        if (dw <= 1e-15 * std::max(1.0, std::abs(w)) || hi - lo <= 1e-15) {
+            homogeneous(f, T, b + std::exp(w), f.z.data(), sp);
+            if (!(sp.P <= f.pmax)) return 3200;
+            return 0;
+        }
+    }
+    return 106;
+}
+
+// One homogeneous phase at fixed P from u (mode 8), h (9) or s (10), on the root of lower Gibbs
+// energy at each T: Newton on T with cp = cv - T (dP/dT)^2/(dP/dv). Where the target falls into
+// the jump between the two roots (inside the dome) no homogeneous state has it: code 106.
+int solve_t_at_p(const fluid& f, int mode, double P, double target, state_props& sp) {
+    auto at = [&](double T, double& d) -> double {
+        phase ph;
+        temperature_terms<double> t;
+        at_temperature(f, T, t);
+        if (eval_phase(f, t, P, f.z.data(), root_choice::stable, ph)) return std::nan("");
+        homogeneous(f, T, ph.v, f.z.data(), sp);
+        const double cp = sp.cv - T * sp.dpdt * sp.dpdt / sp.dpdv;
+        if (mode == 8) return d = cp + P * sp.dpdt / sp.dpdv, sp.u;
+        if (mode == 9) return d = cp, sp.h;
+        return d = cp / T, sp.s;
+    };
+    double lo = f.tmin, hi = f.tmax, d = 0.0;
+    const double flo = at(lo, d) - target, fhi = at(hi, d) - target;
+    if (!(flo <= 0.0)) return mode == 8 ? 3240 : mode == 9 ? 3245 : 3250;
+    if (!(fhi >= 0.0)) return mode == 8 ? 3241 : mode == 9 ? 3246 : 3251;
+    double t = 0.5 * (lo + hi);
+    for (int it = 0; it < 300; ++it) {
+        const double r = at(t, d) - target;
+        if (!std::isfinite(r)) return 106;
+        if (r > 0.0) hi = t; else lo = t;
+        double tn = t - r / d;
+        if (!(tn > lo && tn < hi)) tn = 0.5 * (lo + hi);
+        const double dt = std::abs(tn - t);
+        t = tn;
+        if (dt <= 1e-14 * t) {
+            const double rr = at(t, d) - target;
+            return std::abs(rr) <= 1e-9 * (std::abs(target) + gas_constant * t) ? 0 : 106;
+        }
+        if (hi - lo <= 1e-14 * t) return 106; // a jump between the two roots
+    }
+    return 106;
+}
+
 int tmdprop_1ph(int mode, double& T, double& p, const outputs& o) {
     if (!is_configured) return 101;
     const fluid& f = configured;
@@ -370,45 +486,40 @@ int tmdprop_1ph(int mode, double& T, double& p, const outputs& o) {
         put_props(sp, o);
         return 0;
     }
-    case 5:   // v, u
-    case 6:   // v, h
-    case 7: { // v, s: one homogeneous phase, the temperature at fixed volume
-        const int base = mode == 5 ? 3210 : mode == 6 ? 3220 : 3230;
-        const double v = *o.v;
-        const double value = mode == 5 ? *o.u : mode == 6 ? *o.h : *o.s;
-        if (std::isinf(v) && v > 0.0) return base;
-        if (!(v > covolume(f))) return base + 1; // also NaN
-        if (!std::isfinite(value)) return base + 2;
+    case 3: {
+        if (int e = check_t(f, T)) return e;
+        if (!std::isfinite(*o.s)) return 3200;
         state_props sp;
-        const double scale = 1.0 / (gas_constant * 298.15);
-        auto val = [&](const state_props& x) { return mode == 5 ? x.u : mode == 6 ? x.h : x.s; };
-        auto g = [&](double t, double& r) {
-            homogeneous(f, t, v, f.z.data(), sp);
-            r = (val(sp) - value) * scale;
-            return 0;
-        };
-        // first step from the slope at the start: (du/dT)_v = cv, (dh/dT)_v = cv + v dp/dT,
-        // (ds/dT)_v = cv/T
-        const double t0 = std::clamp(T > 0.0 && std::isfinite(T) ? T : f.tcrit, f.tmin, f.tmax);
-        double r0;
-        g(t0, r0);
-        const double slope = (mode == 5 ? sp.cv : mode == 6 ? sp.cv + v * sp.dpdt : sp.cv / t0) *
-                             scale;
-        double step = std::abs(r0 / slope);
-        step = std::isfinite(step) && step > 0.0 ? std::min(1.1 * step + 1e-9 * t0, 0.5 * t0)
-                                                 : 0.05 * t0;
-        double t = t0;
-        const int e = find_root(g, root_search{t0, step, f.tmin, f.tmax, 1e-14 * t0, true}, t,
-                                true, r0);
-        if (e == out_below) return base + 2;
-        if (e == out_above) return base + 3;
-        if (e) return e;
-        homogeneous(f, t, v, f.z.data(), sp);
-        if (sp.P > f.pmax) return base + 4;
-        if (!(sp.P >= pmin)) return base;
-        T = t;
-        p = sp.P;
+        if (int e = solve_v_at_t(f, T, *o.s, sp)) return e;
         put_props(sp, o);
+        p = sp.P;
+        return 0;
+    }
+    case 5:
+    case 6:
+    case 7: {
+        const double v = *o.v;
+        const double target = mode == 5 ? *o.u : mode == 6 ? *o.h : *o.s;
+        if (!(v > 0.0) || !std::isfinite(v)) return 3211;
+        if (!std::isfinite(target)) return mode == 5 ? 3212 : mode == 6 ? 3222 : 3232;
+        state_props sp;
+        if (int e = solve_t_at_v(f, mode, v, target, sp)) return e;
+        if (!(sp.P <= f.pmax)) return mode == 5 ? 3214 : mode == 6 ? 3224 : 3234;
+        put_props(sp, o);
+        T = sp.T;
+        p = sp.P;
+        return 0;
+    }
+    case 8:
+    case 9:
+    case 10: {
+        if (int e = check_p(f, p)) return e;
+        const double target = mode == 8 ? *o.u : mode == 9 ? *o.h : *o.s;
+        if (!std::isfinite(target)) return mode == 8 ? 3240 : mode == 9 ? 3245 : 3250;
+        state_props sp;
+        if (int e = solve_t_at_p(f, mode, p, target, sp)) return e;
+        put_props(sp, o);
+        T = sp.T;
         return 0;
     }
     default: return 110;

@@ -25,11 +25,14 @@ int model_of(const std::string& name) {
     if (name == "PRSV") return model_prsv_vdw;
     if (name == "PR") return model_pr_vdw;
     if (name == "SRK") return model_srk_vdw;
+    if (name == "PRSV-WS") return model_prsv_ws;
+    if (name == "PR-WS") return model_pr_ws;
     return 0;
 }
 
 // The fluid of the named components with the script's constants and kij.
-fluid make(int model, const std::vector<std::string>& names, const std::vector<double>& z) {
+fluid make(int model, const std::vector<std::string>& names, const std::vector<double>& z,
+           const row* ws = nullptr) {
     static const auto comps = read_csv(dir + "inputs_components.csv");
     static const auto kij = read_csv(dir + "inputs_kij.csv");
     fluid_parameters fp{};
@@ -57,6 +60,14 @@ fluid make(int model, const std::vector<std::string>& names, const std::vector<d
                     bp[binary_index(bin_kij, i, j)] = num(r, "kij");
                     bp[binary_index(bin_kij, j, i)] = num(r, "kij");
                 }
+    if (ws) { // a Wong-Sandler binary: NRTL tau12 (of component 2's term), tau21, alpha, k12
+        bp[binary_index(bin_nrtl_tau, 0, 1)] = num(*ws, "tau12");
+        bp[binary_index(bin_nrtl_tau, 1, 0)] = num(*ws, "tau21");
+        bp[binary_index(bin_nrtl_alpha, 0, 1)] = num(*ws, "alpha12");
+        bp[binary_index(bin_nrtl_alpha, 1, 0)] = num(*ws, "alpha21");
+        bp[binary_index(bin_ws_kij, 0, 1)] = bp[binary_index(bin_ws_kij, 1, 0)] =
+            num(*ws, "kws12");
+    }
     fluid f;
     EXPECT_EQ(set_fluid(f, model, fp, bp, n), 0);
     return f;
@@ -68,8 +79,9 @@ void composition_of(const row& r, std::vector<std::string>& names, std::vector<d
     names.clear();
     z.clear();
     for (int i = 1; i <= n; ++i) {
-        names.push_back(r.at("fluid" + std::to_string(i)));
-        z.push_back(num(r, "z" + std::to_string(i)));
+        const std::string k = std::to_string(i);
+        names.push_back(r.at(std::string("fluid").append(k)));
+        z.push_back(num(r, std::string("z").append(k)));
     }
 }
 
@@ -204,4 +216,85 @@ TEST(VarimolReference, FlashPT) {
     EXPECT_LE(unsplit, 3);
     EXPECT_LE(far.dev, 1e-9) << far.where;
     EXPECT_LE(near.dev, 1e-7) << near.where;
+}
+
+TEST(VarimolReference, BubblePressuresAndDewTemperatures) {
+    worst w;
+    int rows = 0;
+    for (const row& r : read_csv(dir + "bubble_dew.csv")) {
+        std::vector<std::string> names;
+        std::vector<double> z;
+        composition_of(r, names, z);
+        const fluid f = make(model_of(r.at("model")), names, z);
+        const bool bubble = r.at("kind") == "bubble_p";
+        double T = bubble ? num(r, "T_K") : 0.7 * f.tcrit, P = bubble ? 1e5 : num(r, "p_Pa");
+        flash_result fr;
+        const std::string where = r.at("model") + " " + r.at("mixture") + " " + r.at("kind") +
+                                  " " + (bubble ? r.at("T_K") : r.at("p_Pa"));
+        const int e = saturation_q(f, bubble, T, P, bubble ? 0.0 : 1.0, f.z.data(), fr);
+        EXPECT_EQ(e, 0) << where;
+        if (e) continue;
+        if (std::getenv("VARIMOL_VERBOSE"))
+            std::printf("%s: p %.10g (%s) T %.10g vL %.6g vV %.6g\n", where.c_str(), P,
+                        r.at("p_Pa").c_str(), T, fr.liq.v, fr.vap.v);
+        if (bubble) w.add(P, num(r, "p_Pa"), 0.0, where + " p");
+        else w.add(T, num(r, "T_K"), 0.0, where + " T");
+        const vec& inc = bubble ? fr.y : fr.x;
+        for (int i = 0; i < f.n; ++i) {
+            const std::string k = std::string("w").append(std::to_string(i + 1));
+            w.add(inc[i], num(r, k), 0.0, where + " " + k);
+        }
+        w.add(bubble ? fr.liq.v : fr.vap.v, num(r, "v_feed_m3_per_mol"), 0.0, where + " v feed");
+        w.add(bubble ? fr.vap.v : fr.liq.v, num(r, "v_incipient_m3_per_mol"), 0.0,
+              where + " v incipient");
+        ++rows;
+    }
+    std::printf("bubble pressures and dew temperatures, %d rows: worst %.2e (%s)\n", rows, w.dev,
+                w.where.c_str());
+    EXPECT_EQ(rows, 60);
+    EXPECT_LE(w.dev, 1e-9) << w.where;
+}
+
+TEST(VarimolReference, WongSandlerBinaries) {
+    worst w;
+    int rows = 0;
+    for (const row& r : read_csv(dir + "wong_sandler.csv")) {
+        const std::vector<std::string> names = {r.at("fluid1"), r.at("fluid2")};
+        const std::vector<double> x = {num(r, "x1"), num(r, "x2")};
+        const fluid f = make(model_of(r.at("model")), names, x, &r);
+        const double T = num(r, "T_K");
+        const std::string where = r.at("model") + " " + r.at("binary") + " " + r.at("kind") +
+                                  " T " + r.at("T_K") + " x1 " + r.at("x1");
+        if (r.at("kind") == "bubble_p") {
+            double t = T, P = 1e5;
+            flash_result fr;
+            const int e = saturation_q(f, true, t, P, 0.0, f.z.data(), fr);
+            EXPECT_EQ(e, 0) << where;
+            if (e) continue;
+            w.add(P, num(r, "p_Pa"), 0.0, where + " p");
+            w.add(fr.y[0], num(r, "y1"), 0.0, where + " y1");
+            w.add(fr.y[1], num(r, "y2"), 0.0, where + " y2");
+        } else {
+            const double P = num(r, "p_Pa");
+            temperature_terms<double> t;
+            at_temperature(f, T, t);
+            const root_choice rc = r.at("kind") == "lnphi_L"   ? root_choice::liquid
+                                   : r.at("kind") == "lnphi_V" ? root_choice::vapour
+                                                               : root_choice::stable;
+            phase ph;
+            ASSERT_EQ(eval_phase(f, t, P, f.z.data(), rc, ph), 0) << where;
+            state_props sp;
+            homogeneous(f, T, ph.v, f.z.data(), sp);
+            w.add(ph.v, num(r, "v_m3_per_mol"), 0.0, where + " v");
+            w.add(sp.h, num(r, "h_J_per_mol"), gas_constant * T, where + " h");
+            w.add(sp.s, num(r, "s_J_per_molK"), gas_constant, where + " s");
+            w.add(sp.cv, num(r, "cv_J_per_molK"), gas_constant, where + " cv");
+            w.add(ph.lnphi[0], num(r, "lnphi1"), 1.0, where + " lnphi1");
+            w.add(ph.lnphi[1], num(r, "lnphi2"), 1.0, where + " lnphi2");
+        }
+        ++rows;
+    }
+    std::printf("Wong-Sandler binaries, %d rows: worst %.2e (%s)\n", rows, w.dev, w.where.c_str());
+    EXPECT_EQ(rows, 72);
+    EXPECT_LE(w.dev, 1e-9) << w.where;
 }

@@ -16,8 +16,11 @@
 // Modes of vm3_tmdprop: 1 (p, T: the stable state, split into liquid and vapour where the
 // tangent-plane test finds the feed unstable), -1 and -2 (p, T on the liquid or the vapour root,
 // no phase split), 11 (p, q) and 12 (T, q) for 0 <= q <= 1. Modes of vm3_tmdprop_1ph (one
-// homogeneous phase, the root of lower Gibbs energy): 1, -1, -2, 2 (T, v), 4 (p, v).
-// Other modes answer code 110 in this version.
+// homogeneous phase): 1 (the root of lower Gibbs energy), -1, -2, 2 (T, v), 3 (T, s), 4 (p, v),
+// 5 (v, u), 6 (v, h), 7 (v, s), and 8 (p, u), 9 (p, h), 10 (p, s) on the root of lower Gibbs
+// energy at each temperature (a value inside the jump between the two roots, in the dome, has
+// no homogeneous state: code 106). Other modes (vm3_tmdprop 2-10, 13, 15; vm3_tmdprop_1ph 13)
+// answer code 110 in this version.
 //
 // Quality of a homogeneous state: q = -1 when liquid-like, q = 2 when vapour-like. Where the
 // cubic has two roots the smaller one is liquid-like; where it has one, the state is liquid-like
@@ -41,7 +44,8 @@
 // 103 T below Tmin (vm3_psat_k1); 106 pure-fluid saturation without convergence;
 // 109 no root of the cubic above the covolume; 110 mode not available in this version;
 // 3180/3181 T above Tmax / below Tmin (or not finite); 3185/3186 p above Pmax / not positive
-// (or not finite); 3270/3275 q outside [0, 1] or not finite; 3271/3276 p or T above the
+// (or not finite); 3190-3251 the given pair outside the range of the one-phase modes, with the
+// meanings of their texts (e.g. 3245/3246 h below h(Tmin, p) / above h(Tmax, p)); 3270/3275 q outside [0, 1] or not finite; 3271/3276 p or T above the
 // critical point of a pure fluid with saturation asked; 3272/3277 below the lower limit;
 // 400-402, 410-412, 420-422, 430-432 bubble/dew pressure/temperature (and interior q, by the
 // nearer end) without convergence (x0, x1) or collapsed onto the trivial solution (x2) - for a

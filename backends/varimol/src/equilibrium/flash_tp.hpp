@@ -11,10 +11,13 @@ struct flash_result {
     double beta = 0.0;  // molar vapour fraction (two phases)
     vec x{}, y{};       // liquid and vapour compositions (homogeneous: both z)
     phase liq, vap;     // the phases (homogeneous: both the one phase)
-    double tpd = 0.0;   // lowest tangent-plane distance found by the stability test
+    double tpd = 0.0;   // lowest tangent-plane distance found by the stability test, or the
+                        // (negative) change of G/RT by which a first split proved the feed
+                        // unstable
 };
 
-// The stability test decides; an unstable feed is split by successive substitution with
+// A split from Wilson's K-values that lowers the Gibbs energy within three substitutions proves
+// the feed unstable; otherwise the stability test decides. An unstable feed is split by successive substitution with
 // dominant-eigenvalue acceleration, finished by Newton steps on the Gibbs energy in the vapour
 // amounts. Returns 0, 441 (no convergence) or 446 (stability test without convergence).
 int flash_tp(const fluid& f, double T, double P, const double* z, flash_result& out);

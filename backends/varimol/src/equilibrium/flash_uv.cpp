@@ -8,10 +8,11 @@
 namespace varimol {
 
 namespace {
-double covolume(const fluid& f) {
-    double b = 0.0;
-    for (int i = 0; i < f.n; ++i) b += f.z[i] * f.comp[i].b;
-    return b;
+// covolume of the mixture at the temperature of `t` (the Wong-Sandler one depends on T)
+double covolume(const fluid& f, const temperature_terms<double>& t) {
+    mixture_terms<double> m;
+    mix(f, t, f.z.data(), m, nullptr);
+    return m.B;
 }
 
 // a homogeneous state at (T, v) with its phase at the same pressure
@@ -59,9 +60,9 @@ int q_line_state(const fluid& f, double T, double q, eq_state& st) {
 } // namespace
 
 int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess) {
-    if (!(v > covolume(f))) return 109;
     temperature_terms<double> t;
     at_temperature(f, T, t);
+    if (!(v > covolume(f, t))) return 109;
     state_props sp;
     homogeneous(f, T, v, f.z.data(), sp);
     if (f.n == 1 && T < f.comp[0].tc) {

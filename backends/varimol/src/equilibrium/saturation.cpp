@@ -104,14 +104,14 @@ int pure_saturation_temperature(const fluid& f, double P, double& T, phase& L, p
     return 106;
 }
 
-int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double q,
-                 const double* z, flash_result& out) {
+namespace {
+// Successive substitution then Newton on (ln K, ln P or T) from the given K-values; 0, 1 (no
+// convergence) or 2 (trivial solution).
+int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const double* z,
+            vec& lnk, flash_result& out) {
     const int n = f.n;
-    const bool bubble_side = q < 0.5;
-    const int base = given_t ? (bubble_side ? 400 : 410) : (bubble_side ? 420 : 430);
-    double T = Tio, P = Pio;
-    vec lnk{}, K{}, x{}, y{};
-    // Wilson start: solve sum z (K - 1)/(1 + q (K - 1)) = 0 for P (or T) with Wilson's K
+    const int base = 0;
+    vec K{}, x{}, y{};
     auto rr = [&](const vec& lk, double& dfd) {
         double s = 0.0;
         dfd = 0.0;
@@ -119,37 +119,10 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
             const double k = std::exp(lk[i]);
             const double den = 1.0 + q * (k - 1.0);
             s += z[i] * (k - 1.0) / den;
-            dfd += z[i] * k / (den * den); // d/d ln K_i of each term
+            dfd += z[i] * k / (den * den);
         }
         return s;
     };
-    for (int it = 0; it < 100; ++it) {
-        wilson_k(f, T, P, lnk.data());
-        double d;
-        const double s = rr(lnk, d);
-        double ds; // derivative of the sum by ln P or by T
-        if (given_t) {
-            ds = -d; // ln K = ... - ln P
-            const double step = std::clamp(-s / ds, -2.0, 2.0);
-            P *= std::exp(step);
-            if (std::abs(step) < 1e-10) break;
-        } else {
-            double dd = 0.0;
-            for (int i = 0; i < n; ++i) {
-                const double k = std::exp(lnk[i]);
-                const double den = 1.0 + q * (k - 1.0);
-                dd += z[i] * k / (den * den) * 5.373 * (1.0 + f.comp[i].acentric) *
-                      f.comp[i].tc / (T * T);
-            }
-            ds = dd;
-            const double step = std::clamp(-s / ds, -0.2 * T, 0.2 * T);
-            T += step;
-            if (std::abs(step) < 1e-10 * T) break;
-        }
-    }
-    if (!(P > 0.0) || !(T > 0.0) || !std::isfinite(P) || !std::isfinite(T)) return base + 1;
-    wilson_k(f, T, P, lnk.data());
-
     phase L, V;
     mat dl, dv;
     vec dpl{}, dpv{}, dtl{}, dtv{};
@@ -196,6 +169,14 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
         const double rs = sy - sx;
         if (triv < 1e-8) return base + 2;
         if (rn < 1e-12 && std::abs(rs) < 1e-14) {
+            // the vapour must be the phase richer in the volatile components: an iteration that
+            // ends with the roles exchanged has found the other saturation point of the feed
+            // (its dew point in place of its bubble point), which is not asked for
+            vec lw{};
+            wilson_k(f, T, P, lw.data());
+            double orient = 0.0;
+            for (int i = 0; i < n; ++i) orient += (yn[i] - xn[i]) * lw[i];
+            if (orient < 0.0) return 2;
             converged = true;
             out.x = xn;
             out.y = yn;
@@ -255,7 +236,83 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
         }
         if (!(P > 0.0) || !(T > 0.0)) return base + 1;
     }
-    if (!converged) return base + 1;
+    if (!converged) return 1;
+    return 0;
+}
+} // namespace
+
+int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double q,
+                 const double* z, flash_result& out) {
+    const int n = f.n;
+    const bool bubble_side = q < 0.5;
+    const int base = given_t ? (bubble_side ? 400 : 410) : (bubble_side ? 420 : 430);
+    double T = Tio, P = Pio;
+    vec lnk{};
+    // Wilson start: solve sum z (K - 1)/(1 + q (K - 1)) = 0 for P (or T) with Wilson's K
+    auto rr = [&](const vec& lk, double& dfd) {
+        double s = 0.0;
+        dfd = 0.0;
+        for (int i = 0; i < n; ++i) {
+            const double k = std::exp(lk[i]);
+            const double den = 1.0 + q * (k - 1.0);
+            s += z[i] * (k - 1.0) / den;
+            dfd += z[i] * k / (den * den); // d/d ln K_i of each term
+        }
+        return s;
+    };
+    for (int it = 0; it < 100; ++it) {
+        wilson_k(f, T, P, lnk.data());
+        double d;
+        const double s = rr(lnk, d);
+        double ds; // derivative of the sum by ln P or by T
+        if (given_t) {
+            ds = -d; // ln K = ... - ln P
+            const double step = std::clamp(-s / ds, -2.0, 2.0);
+            P *= std::exp(step);
+            if (std::abs(step) < 1e-10) break;
+        } else {
+            double dd = 0.0;
+            for (int i = 0; i < n; ++i) {
+                const double k = std::exp(lnk[i]);
+                const double den = 1.0 + q * (k - 1.0);
+                dd += z[i] * k / (den * den) * 5.373 * (1.0 + f.comp[i].acentric) *
+                      f.comp[i].tc / (T * T);
+            }
+            ds = dd;
+            const double step = std::clamp(-s / ds, -0.2 * T, 0.2 * T);
+            T += step;
+            if (std::abs(step) < 1e-10 * T) break;
+        }
+    }
+    if (!(P > 0.0) || !(T > 0.0) || !std::isfinite(P) || !std::isfinite(T)) return base + 1;
+    wilson_k(f, T, P, lnk.data());
+    const double t0 = T, p0 = P;
+    int e = iterate(f, given_t, T, P, q, z, lnk, out);
+    if (e != 0) {
+        // near the critical point Wilson's start falls onto the trivial solution: start instead
+        // from the tie line of a PT flash inside the two-phase region, found by moving the
+        // pressure (or the temperature) from Wilson's estimate into the dome: down from a
+        // bubble point, up from a dew point
+        // (the first tie line whose vapour fraction has passed q)
+        bool found = false;
+        double tt = t0, pp = p0;
+        for (int k = 0; k < 150 && !found; ++k) {
+            if (given_t) pp *= bubble_side ? 0.7 : 1.4;
+            else tt *= bubble_side ? 1.01 : 0.99;
+            flash_result fr;
+            if (flash_tp(f, tt, pp, z, fr) == 0 && fr.nphase == 2 &&
+                (bubble_side ? fr.beta >= q : fr.beta <= q)) {
+                for (int i = 0; i < n; ++i) lnk[i] = std::log(fr.y[i] / fr.x[i]);
+                found = true;
+            }
+        }
+        if (found) {
+            T = tt;
+            P = pp;
+            e = iterate(f, given_t, T, P, q, z, lnk, out);
+        }
+    }
+    if (e != 0) return base + e;
     out.nphase = 2;
     out.beta = q;
     Tio = T;

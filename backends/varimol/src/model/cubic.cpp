@@ -21,7 +21,8 @@ inline double polish(double z, double c2, double c1, double c0) {
         const double dz = p / dp;
         if (!std::isfinite(dz)) break;
         z -= dz;
-        if (std::abs(dz) <= 1e-16 * std::abs(z)) break;
+        // Newton converges quadratically: after a step below 1e-9 the error is at rounding
+        if (std::abs(dz) <= 1e-9 * std::abs(z)) break;
     }
     return z;
 }

@@ -56,11 +56,11 @@ temperature_terms<double> values_of(const fluid& f, const temperature_terms<S>& 
     }
 }
 
-// G_r/(RT) per mole on a root Z at (T, P): F + Z - 1 - ln Z
-double lng_at(const fluid& f, double B, double D, double T, double P, double Z) {
-    const double V = Z * R * T / P;
-    const volume_terms<double> w = volume_functions(f.eos, B, V);
-    return -w.g - D / T * w.f + Z - 1.0 - std::log(Z);
+// G_r/(RT) per mole on a root Z at (T, P), F + Z - 1 - ln Z, written with A and B of the cubic
+// in Z: Z - 1 - ln(Z - B) - A/(B (delta1 - delta2)) ln((Z + delta1 B)/(Z + delta2 B))
+double lng_at(const cubic_family& e, double A, double B, double Z) {
+    return Z - 1.0 - std::log(Z - B) -
+           A / (B * (e.delta1 - e.delta2)) * std::log((Z + e.delta1 * B) / (Z + e.delta2 * B));
 }
 
 template <class S>
@@ -85,7 +85,7 @@ int eval_phase_impl(const fluid& f, const temperature_terms<S>& t, double P, con
         Z = zmax;
         smaller = false;
     } else {
-        const double gl = lng_at(f, Bv, Dv, T, P, zmin), gv = lng_at(f, Bv, Dv, T, P, zmax);
+        const double gl = lng_at(f.eos, A, Bz, zmin), gv = lng_at(f.eos, A, Bz, zmax);
         smaller = gl < gv;
         Z = smaller ? zmin : zmax;
     }
@@ -212,6 +212,34 @@ void homogeneous(const fluid& f, double T, double v, const double* x, state_prop
     o.s = s0 + sr;
     o.cv = cp0 - R + cvr;
     o.dcvdt = dcp0 + dcvr;
+}
+
+void caloric(const fluid& f, double T, double v, const double* x, state_props& o) {
+    using T1 = taylor<1>;
+    temperature_terms<T1> t;
+    const T1 tt = T1::variable(T);
+    at_temperature(f, tt, t);
+    mixture_terms<T1> m;
+    mix(f, t, x, m, nullptr);
+    const volume_terms<T1> w = volume_functions(f.eos, m.B, v);
+    const T1 DT = m.D / tt;
+    const T1 ar = R * tt * (-w.g - DT * w.f);
+    const double FV = value(-w.gV - DT * w.fV);
+    double h0 = 0.0, s0 = 0.0;
+    for (int i = 0; i < f.n; ++i) {
+        if (x[i] <= 0.0) continue;
+        const ideal_gas_terms ig = ideal_gas(f.comp[i], T);
+        h0 += x[i] * ig.h;
+        s0 += x[i] * (ig.s - R * std::log(x[i]));
+    }
+    s0 -= R * std::log(R * T / (v * reference_pressure));
+    const double sr = -ar.c[1];
+    o.T = T;
+    o.v = v;
+    o.P = R * T * (1.0 / v - FV);
+    o.u = h0 - R * T + ar.c[0] + T * sr;
+    o.h = o.u + o.P * v;
+    o.s = s0 + sr;
 }
 
 void residual_helmholtz(const fluid& f, double T, double v, const double* x, double& F,

@@ -42,6 +42,8 @@ struct state_props {
     double dcvdt;             // J/(mol K2)
 };
 void homogeneous(const fluid& f, double T, double v, const double* x, state_props& out);
+// Only P, u, h and s of the phase (the other members of `out` are left as they are).
+void caloric(const fluid& f, double T, double v, const double* x, state_props& out);
 
 // F = A_r/(RT) per mole and its first derivatives (for the tests of the derivatives):
 // F, dF/dT (1/K), dF/dV (mol/m3), dF/dn_i at T, V for one mole in volume v.
