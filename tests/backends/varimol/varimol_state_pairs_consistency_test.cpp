@@ -183,7 +183,8 @@ TEST(VarimolStatePairs, EveryPairReturnsThePTState) {
                         return true;
                     };
                     double last = 0.0;
-                    for (double T = tmin; T < tmax; T += 0.25)
+                    // (the line has ended when 5 K past its last point found)
+                    for (double T = tmin; T < tmax && (last == 0.0 || T < last + 5.0); T += 0.25)
                         if (visit(T)) last = T;
                     // the end of the line, where its volumes change fastest, by bisection
                     for (double lo = last, hi = last + 0.25; hi - lo > 1e-9 * hi;) {
