@@ -255,9 +255,7 @@ int search_t(const fluid& f, double P, spec sp, double value, double lo, double 
     if (e) return e;
     // the answer from a full flash with its stability test
     if (int e2 = state_tp(f, T, P, st, nullptr, lenient)) return e2;
-    if (have && cur.T == T && cur.fr.nphase == st.fr.nphase &&
-        std::abs(cur.fr.beta - st.fr.beta) <= 1e-9)
-        return 0;
+    if (have && std::abs(cur.T - T) <= 1e-8 * T && cur.fr.nphase == st.fr.nphase) return 0;
     if (!warm_ok) return 0;
     // the warm-started split and the full flash disagree: search again with full flashes only
     warm_ok = false;
@@ -270,9 +268,14 @@ int search_t(const fluid& f, double P, spec sp, double value, double lo, double 
 
 // the same in ln P at fixed T
 int search_p(const fluid& f, double T, spec sp, double value, double lnlo, double lnhi,
-             double lnp0, const eq_state* start, eq_state& st) {
+             double lnp0, const eq_state* start, eq_state& st, const eq_state* warm = nullptr,
+             bool lenient = false) {
     eq_state cur;
     bool have = false;
+    if (warm && warm->fr.nphase == 2 && f.n > 1) {
+        cur = *warm; // the first split starts from its K-values
+        have = true;
+    }
     bool warm_ok = f.n > 1;
     auto g = [&](double lnp, double& r) {
         eq_state next;
@@ -300,9 +303,8 @@ int search_p(const fluid& f, double T, spec sp, double value, double lnlo, doubl
     }
     double x = rs.x0;
     if (int e = find_root(g, rs, x, true, r0)) return e;
-    if (int e2 = state_tp(f, T, std::exp(x), st)) return e2;
-    if (have && cur.P == st.P && cur.fr.nphase == st.fr.nphase &&
-        std::abs(cur.fr.beta - st.fr.beta) <= 1e-9)
+    if (int e2 = state_tp(f, T, std::exp(x), st, nullptr, lenient)) return e2;
+    if (have && std::abs(std::log(cur.P / st.P)) <= 1e-8 && cur.fr.nphase == st.fr.nphase)
         return 0;
     if (!warm_ok) return 0;
     warm_ok = false;
@@ -310,7 +312,40 @@ int search_p(const fluid& f, double T, spec sp, double value, double lnlo, doubl
     rs.x0 = x;
     rs.step = 1e-6;
     if (int e3 = find_root(g, rs, x)) return e3;
-    return state_tp(f, T, std::exp(x), st);
+    return state_tp(f, T, std::exp(x), st, nullptr, lenient);
+}
+
+// The temperature at P where the homogeneous phase of the stable root has the spec's value,
+// then the full flash there: st is that flash's state (one phase: the answer when it is the same
+// root; two phases: a start inside the two-phase region).
+int homogeneous_first(const fluid& f, double P, spec sp, double value, double t0, eq_state& st,
+                      bool lenient) {
+    state_props props{};
+    auto g = [&](double T, double& r) {
+        temperature_terms<double> t;
+        at_temperature(f, T, t);
+        phase ph;
+        if (int e = eval_phase(f, t, P, f.z.data(), root_choice::stable, ph)) return e;
+        homogeneous(f, T, ph.v, f.z.data(), props);
+        r = sp == spec::v ? std::log(props.v / value)
+                          : ((sp == spec::u ? props.u : sp == spec::h ? props.h : props.s) - value) /
+                                (gas_constant * 298.15);
+        return 0;
+    };
+    double r0;
+    if (int e = g(t0, r0)) return e;
+    const double sl = slope_t(props, sp) / (sp == spec::v ? 1.0 : gas_constant * 298.15);
+    double step = std::abs(r0 / sl);
+    step = std::isfinite(step) && step > 0.0 ? std::min(1.2 * step + 1e-6 * t0, 0.5 * t0)
+                                             : 0.02 * t0;
+    double T = t0;
+    if (int e = find_root(g, root_search{t0, step, f.tmin, f.tmax, 1e-13 * t0, true}, T, true, r0))
+        return e;
+    if (int e = state_tp(f, T, P, st, nullptr, lenient)) return e;
+    if (st.fr.nphase == 2) return 2;
+    // one phase: the answer when it is the root found (another root of lower Gibbs energy, or a
+    // jump between the roots, leaves a residual)
+    return std::abs(residual(st, sp, value)) <= 1e-10 ? 0 : 1;
 }
 
 } // namespace
@@ -350,10 +385,24 @@ int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, doubl
     }
     double t0 = t_guess > 0.0 ? t_guess : wilson_temperature(f, P);
     t0 = std::clamp(t0, f.tmin, f.tmax);
+    if (f.n > 1) {
+        // the homogeneous state of the stable root first (no stability test, a fraction of the
+        // cost of a flash): where the flash confirms it, it is the answer; otherwise the
+        // two-phase search starts from it
+        eq_state hom;
+        const int e = homogeneous_first(f, P, sp, value, t0, hom, lenient);
+        if (e == 0) {
+            st = hom;
+            return 0;
+        }
+        if (e == 1 || e == 2) // a start at the temperature found
+            return search_t(f, P, sp, value, f.tmin, f.tmax, hom.T, &hom, st, lenient);
+    }
     return search_t(f, P, sp, value, f.tmin, f.tmax, t0, nullptr, st, lenient);
 }
 
-int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, double p_guess) {
+int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, double p_guess,
+            const eq_state* warm, bool lenient) {
     const double lnlo = std::log(search_pmin), lnhi = std::log(search_pmax);
     double Ps = 0.0;
     phase l, v;
@@ -386,7 +435,7 @@ int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, doubl
     }
     const double p0 = p_guess > 0.0 ? p_guess : wilson_pressure(f, T);
     return search_p(f, T, sp, value, lnlo, lnhi, std::log(std::clamp(p0, search_pmin, search_pmax)),
-                    nullptr, st);
+                    nullptr, st, warm, lenient);
 }
 
 int flash_hs(const fluid& f, double h, double s, eq_state& st) {

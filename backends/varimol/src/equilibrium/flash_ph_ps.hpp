@@ -61,7 +61,9 @@ int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, doubl
             bool lenient = false);
 // Given T (K) and the spec (v or s): the pressure in [1e-6 Pa, 1e10 Pa] (the caller checks the
 // model's range); out_below/out_above refer to the pressure. p_guess (Pa, 0 for none).
-int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, double p_guess = 0.0);
+// `warm`: a two-phase state nearby whose K-values start the first split.
+int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, double p_guess = 0.0,
+            const eq_state* warm = nullptr, bool lenient = false);
 // Given h (J/mol) and s (J/(mol K)): the pressure in [pmin, pmax] by the fall of s with P at
 // fixed h, each step a (p, h) state. Codes 0, 3260-3263 or a convergence code.
 int flash_hs(const fluid& f, double h, double s, eq_state& st);

@@ -59,7 +59,8 @@ int q_line_state(const fluid& f, double T, double q, eq_state& st) {
 }
 } // namespace
 
-int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess) {
+int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess,
+             const eq_state* warm, bool lenient) {
     temperature_terms<double> t;
     at_temperature(f, T, t);
     if (!(v > covolume(f, t))) return 109;
@@ -91,7 +92,7 @@ int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess) {
         }
         if (!(p_guess > 0.0)) p_guess = sp.P;
     }
-    const int e = flash_t(f, T, spec::v, v, st, p_guess);
+    const int e = flash_t(f, T, spec::v, v, st, p_guess, warm, lenient);
     return e == out_below || e == out_above ? 106 : e;
 }
 
@@ -100,12 +101,43 @@ int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
     eq_state cur;
     const double scale = 1.0 / (gas_constant * 298.15);
     auto g = [&](double T, double& r) {
-        if (int e = state_tv(f, T, v, cur, p_last)) return e;
+        const eq_state prev = cur;
+        if (int e = state_tv(f, T, v, cur, p_last, prev.fr.nphase == 2 ? &prev : nullptr, true))
+            return e;
         p_last = cur.P;
         r = (spec_value(cur, sp) - value) * scale;
         return 0;
     };
-    const double t0 = std::clamp(f.tcrit, f.tmin, f.tmax);
+    double t0 = std::clamp(f.tcrit, f.tmin, f.tmax);
+    if (f.n > 1) {
+        // the homogeneous state at (T, v) is explicit: its temperature first; where the flash
+        // confirms it as the stable state it is the answer, otherwise the nested search starts
+        // there
+        state_props props{};
+        auto gh = [&](double T, double& r) {
+            homogeneous(f, T, v, f.z.data(), props);
+            r = ((sp == spec::u ? props.u : sp == spec::h ? props.h : props.s) - value) * scale;
+            return std::isfinite(r) ? 0 : 106;
+        };
+        double rh;
+        if (gh(t0, rh) == 0) {
+            double step = std::abs(rh / (slope_tv(props, sp) * scale));
+            step = std::isfinite(step) && step > 0.0 ? std::min(1.2 * step + 1e-6 * t0, 0.5 * t0)
+                                                     : 0.05 * t0;
+            double th = t0;
+            if (find_root(gh, root_search{t0, step, f.tmin, f.tmax, 1e-13 * t0, true}, th, true,
+                          rh) == 0 &&
+                state_tv(f, th, v, cur) == 0) {
+                if (cur.fr.nphase == 1 &&
+                    std::abs((spec_value(cur, sp) - value) * scale) <= 1e-10) {
+                    st = cur;
+                    return 0;
+                }
+                t0 = th;
+                p_last = cur.P;
+            }
+        }
+    }
     root_search rs{t0, 0.05 * t0, f.tmin, f.tmax, 1e-13 * t0, true};
     double r0;
     if (int e = g(t0, r0)) return e;
@@ -116,8 +148,14 @@ int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
     double T = t0;
     if (int e = find_root(g, rs, T, true, r0)) return e;
     if (cur.T == T) {
-        st = cur;
-        return 0;
+        // the last point, found with intermediate leniency: a homogeneous state is confirmed by
+        // a full flash at its pressure
+        flash_result fr;
+        if (cur.fr.nphase == 2 ||
+            (flash_tp(f, T, cur.P, f.z.data(), fr) == 0 && fr.nphase == 1)) {
+            st = cur;
+            return 0;
+        }
     }
     return state_tv(f, T, v, st, p_last);
 }

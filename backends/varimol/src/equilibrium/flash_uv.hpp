@@ -13,7 +13,10 @@ namespace varimol {
 
 // The stable state at T (K) and v (m3/mol). p_guess (Pa, 0 for none) starts the two-phase search.
 // Returns 0, 109 (v at or below the covolume) or a convergence code; the caller checks P.
-int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess = 0.0);
+// `warm`: a two-phase state nearby whose K-values start the split.
+// `lenient` as for state_tp (intermediate points of a search).
+int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess = 0.0,
+             const eq_state* warm = nullptr, bool lenient = false);
 // Given v and the spec (u, h or s) at `value`: the temperature in [tmin, tmax]; out_below /
 // out_above when the value lies below its value at tmin or above it at tmax.
 int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st);

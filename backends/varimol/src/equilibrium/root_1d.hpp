@@ -14,6 +14,7 @@ struct root_search {
     double lo, hi;    // x stays within [lo, hi]
     double xtol;      // absolute tolerance in x
     bool increasing;  // the residual grows with x
+    double rtol = 0.0;   // a residual this small is a root
 };
 
 // A code of g for a point where the residual does not exist (outside its domain): the bracket
@@ -28,7 +29,7 @@ int find_root(G&& g, const root_search& rs, double& x, bool has_r0 = false, doub
     double a = std::clamp(rs.x0, rs.lo, rs.hi), ra = r0;
     if (!has_r0)
         if (int e = g(a, ra)) return e;
-    if (ra == 0.0) {
+    if (std::abs(ra) <= rs.rtol) {
         x = a;
         return 0;
     }
@@ -48,7 +49,7 @@ int find_root(G&& g, const root_search& rs, double& x, bool has_r0 = false, doub
             step *= 0.25;
             continue;
         }
-        if (rn == 0.0) {
+        if (std::abs(rn) <= rs.rtol) {
             x = xn;
             return 0;
         }
@@ -86,7 +87,7 @@ int find_root(G&& g, const root_search& rs, double& x, bool has_r0 = false, doub
         }
         const double tol1 = 4e-16 * std::abs(b) + 0.5 * rs.xtol;
         const double m = 0.5 * (c - b);
-        if (std::abs(m) <= tol1 || rb == 0.0) {
+        if (std::abs(m) <= tol1 || std::abs(rb) <= rs.rtol) {
             x = b;
             return 0;
         }
