@@ -114,6 +114,13 @@ int pure_saturation_p(const fluid& f, double T, double& P, phase& L, phase& V) {
 
 namespace {
 
+// residuals small enough to end a search in temperature: an energy within 2.5e-10 J/mol, a
+// volume within 1e-14 (the temperature then within about 1e-12 of its own value); entropy
+// residuals end by the step size alone
+double residual_tolerance(spec sp) {
+    return sp == spec::v ? 1e-14 : sp == spec::s ? 0.0 : 1e-13;
+}
+
 // slopes of the specs of a homogeneous state by T at constant P
 double slope_t(const state_props& sp, spec s) {
     const double dvdt = -sp.dpdt / sp.dpdv;
@@ -233,6 +240,7 @@ int search_t(const fluid& f, double P, spec sp, double value, double lo, double 
         return 0;
     };
     root_search rs{t0, 0.02 * t0, lo, hi, 1e-13 * t0, true};
+    rs.rtol = residual_tolerance(sp);
     double r0 = 0.0;
     bool has_r0 = false;
     if (start) {
@@ -339,8 +347,9 @@ int homogeneous_first(const fluid& f, double P, spec sp, double value, double t0
     step = std::isfinite(step) && step > 0.0 ? std::min(1.2 * step + 1e-6 * t0, 0.5 * t0)
                                              : 0.02 * t0;
     double T = t0;
-    if (int e = find_root(g, root_search{t0, step, f.tmin, f.tmax, 1e-13 * t0, true}, T, true, r0))
-        return e;
+    root_search rs{t0, step, f.tmin, f.tmax, 1e-13 * t0, true};
+    rs.rtol = residual_tolerance(sp);
+    if (int e = find_root(g, rs, T, true, r0)) return e;
     if (int e = state_tp(f, T, P, st, nullptr, lenient)) return e;
     if (st.fr.nphase == 2) return 2;
     // one phase: the answer when it is the root found (another root of lower Gibbs energy, or a

@@ -139,6 +139,7 @@ int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
         }
     }
     root_search rs{t0, 0.05 * t0, f.tmin, f.tmax, 1e-13 * t0, true};
+    rs.rtol = sp == spec::s ? 0.0 : 1e-13; // an energy within 2.5e-10 J/mol
     double r0;
     if (int e = g(t0, r0)) return e;
     if (cur.fr.nphase == 1) {
