@@ -323,6 +323,9 @@ int search_p(const fluid& f, double T, spec sp, double value, double lnlo, doubl
     return state_tp(f, T, std::exp(x), st, nullptr, lenient);
 }
 
+// (result of homogeneous_first: not the answer, but a flash state to start from)
+constexpr int start_found = -100;
+
 // The temperature at P where the homogeneous phase of the stable root has the spec's value,
 // then the full flash there: st is that flash's state (one phase: the answer when it is the same
 // root; two phases: a start inside the two-phase region).
@@ -351,10 +354,10 @@ int homogeneous_first(const fluid& f, double P, spec sp, double value, double t0
     rs.rtol = residual_tolerance(sp);
     if (int e = find_root(g, rs, T, true, r0)) return e;
     if (int e = state_tp(f, T, P, st, nullptr, lenient)) return e;
-    if (st.fr.nphase == 2) return 2;
+    if (st.fr.nphase == 2) return start_found;
     // one phase: the answer when it is the root found (another root of lower Gibbs energy, or a
     // jump between the roots, leaves a residual)
-    return std::abs(residual(st, sp, value)) <= 1e-10 ? 0 : 1;
+    return std::abs(residual(st, sp, value)) <= 1e-10 ? 0 : start_found;
 }
 
 } // namespace
@@ -404,7 +407,7 @@ int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, doubl
             st = hom;
             return 0;
         }
-        if (e == 1 || e == 2) // a start at the temperature found
+        if (e == start_found) // a start at the temperature found
             return search_t(f, P, sp, value, f.tmin, f.tmax, hom.T, &hom, st, lenient);
     }
     return search_t(f, P, sp, value, f.tmin, f.tmax, t0, nullptr, st, lenient);
