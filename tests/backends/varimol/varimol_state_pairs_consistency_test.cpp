@@ -232,3 +232,34 @@ TEST(VarimolStatePairs, EveryPairReturnsThePTState) {
                 total, failed, ambiguous, other_state);
     EXPECT_EQ(failed, 0);
 }
+
+// The other models (PR 1978, SRK, PR with Wong-Sandler mixing) over a binary: random (p, T)
+// states, one- and two-phase, back from every pair.
+TEST(VarimolStatePairs, OtherModelsReturnThePTState) {
+    std::mt19937_64 rng(5);
+    std::uniform_real_distribution<double> u(0.0, 1.0);
+    for (int model : {model_pr_vdw, model_srk_vdw, model_pr_ws}) {
+        ASSERT_EQ(varimol_test::select(model, {{"CH4", "C2H6"}, {0.6, 0.4}}), 0);
+        int total = 0, failed = 0, two = 0, ref_codes = 0;
+        for (int k = 0; k < 60; ++k) {
+            const full_state ref =
+                call(1, 150.0 + 150.0 * u(rng), 1e5 * std::pow(10.0, 2.0 * u(rng)), 0, 0, 0, 0, 0);
+            if (ref.ierr) { // the (p, T) state itself answered a code: nothing to return to
+                ++ref_codes;
+                continue;
+            }
+            two += ref.q > 0.0 && ref.q < 1.0;
+            for (int mode : {2, 3, 4, 5, 6, 7, 8, 9, 10, 13}) {
+                const full_state r = from_pair(mode, ref);
+                ++total;
+                if (r.ierr || deviation(ref, r, 2) > 1e-9) ++failed;
+            }
+        }
+        std::printf("model %2d: %d round trips (%d two-phase states of 60, %d with a code at "
+                    "(p, T)), %d failed\n",
+                    model, total, two, ref_codes, failed);
+        EXPECT_EQ(failed, 0);
+        EXPECT_LE(ref_codes, 3);
+        EXPECT_GT(two, 5);
+    }
+}
