@@ -3,7 +3,10 @@
 
 #include "equilibrium/critical.hpp"
 #include "equilibrium/envelope.hpp"
+#include "equilibrium/flash_ph_ps.hpp"
 #include "equilibrium/flash_tp.hpp"
+#include "equilibrium/flash_uv.hpp"
+#include "equilibrium/root_1d.hpp"
 #include "equilibrium/saturation.hpp"
 #include "model/ideal_gas.hpp"
 #include "model/properties.hpp"
@@ -119,6 +122,57 @@ void pure_two_phase(const phase& l, const phase& v, flash_result& fr) {
     fr.x[0] = fr.y[0] = 1.0;
 }
 
+// the outputs of an equilibrium state from one of the state-function flashes
+void state_outputs(const fluid& f, const eq_state& st, double& T, double& p, double& q,
+                   const outputs& o, composition& x, composition& y, composition& lnphi) {
+    T = st.T;
+    p = st.P;
+    if (st.fr.nphase == 2) {
+        two_phase_outputs(f, st.T, st.fr, st.q, o, x, y, lnphi);
+        return;
+    }
+    put_props(st.one, o);
+    q = st.q;
+    spread(f, f.z, x);
+    spread(f, f.z, y);
+    spread(f, st.fr.liq.lnphi, lnphi);
+}
+
+// covolume of the mixture at its pseudo-critical temperature (a first check of a given volume;
+// the Wong-Sandler covolume varies with T, and the searches check it at every temperature)
+double covolume(const fluid& f) {
+    temperature_terms<double> t;
+    at_temperature(f, std::clamp(f.tcrit, f.tmin, f.tmax), t);
+    mixture_terms<double> m;
+    mix(f, t, f.z.data(), m, nullptr);
+    return m.B;
+}
+
+// the codes of the (v, x) pairs: base 3210 (vu), 3220 (vh), 3230 (vs); +0 v too large, +1 too
+// small, +2 value below its value at Tmin, +3 above at Tmax, +4 the pressure above Pmax
+int v_pair(const fluid& f, int base, spec sp, double v, double value, eq_state& st) {
+    if (std::isinf(v) && v > 0.0) return base;
+    if (!(v > covolume(f))) return base + 1; // also NaN
+    if (!std::isfinite(value)) return base + 2;
+    const int e = flash_v(f, v, sp, value, st);
+    if (e == out_below) return base + 2;
+    if (e == out_above) return base + 3;
+    if (e) return e;
+    if (st.P > f.pmax) return base + 4;
+    if (st.P < pmin) return base;
+    return 0;
+}
+
+// the (p, x) pairs: below/above give the two codes
+int p_pair(const fluid& f, int below, int above, spec sp, double p, double value, eq_state& st) {
+    if (int e = check_p(f, p)) return e;
+    if (!std::isfinite(value) || (sp == spec::v && !(value > 0.0))) return below;
+    const int e = flash_p(f, p, sp, value, st);
+    if (e == out_below) return below;
+    if (e == out_above) return above;
+    return e;
+}
+
 int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composition& x,
             composition& y, composition& lnphi) {
     if (!is_configured) return 101;
@@ -171,11 +225,11 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
         if (f.n == 1) {
             phase l, v;
             if (given_t) {
-                const int e = pure_saturation_pressure(f, T, p, l, v);
+                const int e = pure_saturation_p(f, T, p, l, v);
                 if (e == 102) return 3276;
                 if (e) return e;
             } else {
-                const int e = pure_saturation_temperature(f, p, T, l, v);
+                const int e = pure_saturation_t(f, p, T, l, v);
                 if (e == 143) return 3271;
                 if (e) return e;
                 if (T < f.tmin) return 3272;
@@ -188,6 +242,74 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
             if (!given_t && T < f.tmin) return 3272;
         }
         two_phase_outputs(f, T, fr, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 2: { // T, v
+        if (int e = check_t(f, T)) return e;
+        const double vin = *o.v;
+        if (std::isinf(vin) && vin > 0.0) return 3190;
+        if (!(vin > covolume(f))) return 3191; // also NaN
+        eq_state st;
+        if (int e = state_tv(f, T, vin, st)) return e;
+        if (st.P > f.pmax) return 3191;
+        if (st.P < pmin) return 3190;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 3: { // T, s
+        if (int e = check_t(f, T)) return e;
+        const double sin = *o.s;
+        if (!std::isfinite(sin)) return 3200;
+        eq_state st;
+        const int e = flash_t(f, T, spec::s, sin, st);
+        if (e == out_below || (e == 0 && st.P < pmin)) return 3201;
+        if (e == out_above || (e == 0 && st.P > f.pmax)) return 3200;
+        if (e) return e;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 4:   // p, v
+    case 8:   // p, u
+    case 9:   // p, h
+    case 10: { // p, s
+        eq_state st;
+        const int e = mode == 4    ? p_pair(f, 3206, 3205, spec::v, p, *o.v, st)
+                      : mode == 8 ? p_pair(f, 3240, 3241, spec::u, p, *o.u, st)
+                      : mode == 9 ? p_pair(f, 3245, 3246, spec::h, p, *o.h, st)
+                                   : p_pair(f, 3250, 3251, spec::s, p, *o.s, st);
+        if (e) return e;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 5:   // v, u
+    case 6:   // v, h
+    case 7: { // v, s
+        eq_state st;
+        const int e = mode == 5    ? v_pair(f, 3210, spec::u, *o.v, *o.u, st)
+                      : mode == 6 ? v_pair(f, 3220, spec::h, *o.v, *o.h, st)
+                                   : v_pair(f, 3230, spec::s, *o.v, *o.s, st);
+        if (e) return e;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 13: { // h, s
+        const double hin = *o.h, sin = *o.s;
+        if (!std::isfinite(hin)) return 3261;
+        if (!std::isfinite(sin)) return 3263;
+        eq_state st;
+        if (int e = flash_hs(f, hin, sin, st)) return e;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        return 0;
+    }
+    case 15: { // v, q
+        const double vin = *o.v;
+        if (!(q >= 0.0 && q <= 1.0)) return 3280;
+        if (!(vin > 0.0) || !std::isfinite(vin)) return vin > 0.0 ? 3281 : 3282;
+        eq_state st;
+        if (int e = flash_vq(f, vin, q, st)) return e;
+        const double qin = q;
+        state_outputs(f, st, T, p, q, o, x, y, lnphi);
+        q = qin;
         return 0;
     }
     default: return 110;
@@ -452,9 +574,14 @@ void vm3_tmdprop(int mode, double& T, double& p, double& v, double& u, double& h
                  composition& lnphi, int& ierr) {
     const outputs o{&T, &p, &v, &u, &h, &s, &q, &cv, &dpdt, &dpdv, &d2pdt2, &d2pdv2, &d2pdtdv,
                     &dcvdt};
-    const double qin = q;
+    // the given state functions stay readable by the modes that use them
+    const double qin = q, vin = v, uin = u, hin = h, sin = s;
     preset(o);
     q = qin;
+    v = vin;
+    u = uin;
+    h = hin;
+    s = sin;
     x.fill(0.0);
     y.fill(0.0);
     lnphi.fill(0.0);

@@ -15,12 +15,19 @@
 //
 // Modes of vm3_tmdprop: 1 (p, T: the stable state, split into liquid and vapour where the
 // tangent-plane test finds the feed unstable), -1 and -2 (p, T on the liquid or the vapour root,
-// no phase split), 11 (p, q) and 12 (T, q) for 0 <= q <= 1. Modes of vm3_tmdprop_1ph (one
+// no phase split), 11 (p, q) and 12 (T, q) for 0 <= q <= 1, and the stable state (split where
+// it is unstable) from 2 (T, v), 3 (T, s), 4 (p, v), 5 (v, u), 6 (v, h), 7 (v, s), 8 (p, u),
+// 9 (p, h), 10 (p, s), 13 (h, s) and 15 (v, q: the point of the line of vapour fraction q whose
+// overall volume is v). The unknowns are found by one-dimensional searches over the isothermal
+// flash (nested for the (v, x) pairs and (h, s)); every answer comes from a full flash with its
+// stability test; a pure fluid's two-phase states lie on its saturation line. Where the model's
+// functions are not monotone (the PRSV alpha drops its kappa1 term above Tr = 0.7, a small step
+// in h and s) a pair can have two answers, and either is returned. Modes of vm3_tmdprop_1ph (one
 // homogeneous phase): 1 (the root of lower Gibbs energy), -1, -2, 2 (T, v), 3 (T, s), 4 (p, v),
 // 5 (v, u), 6 (v, h), 7 (v, s), and 8 (p, u), 9 (p, h), 10 (p, s) on the root of lower Gibbs
 // energy at each temperature (a value inside the jump between the two roots, in the dome, has
-// no homogeneous state: code 106). Other modes (vm3_tmdprop 2-10, 13, 15; vm3_tmdprop_1ph 13)
-// answer code 110 in this version.
+// no homogeneous state: code 106). Other modes (vm3_tmdprop 14 and above 15; vm3_tmdprop_1ph
+// 13) answer code 110 in this version.
 //
 // Quality of a homogeneous state: q = -1 when liquid-like, q = 2 when vapour-like. Where the
 // cubic has two roots the smaller one is liquid-like; where it has one, the state is liquid-like
@@ -33,7 +40,8 @@
 // whose lnphi is 0); a homogeneous state has x = y = the overall composition.
 //
 // Limits: Tmin the triple point (0.3 Tc where unknown; for a mixture the mole-fraction average
-// of the components' values), Tmax 5 Tc (the highest Tc of a mixture), 0 < p <= 1000 bar.
+// of the components' values), Tmax 5 Tc (the highest Tc of a mixture), 0 < p <= 1000 bar; the
+// state-function modes answer states below 1 Pa as outside the model (Pmin = 1 Pa).
 // vm3_fluidinfo gives the exact critical point of a pure fluid and, for a mixture, the critical
 // point of the mixture at its composition (the conditions of Heidemann and Khalil), computed
 // when the fluid is configured; where none with a positive pressure is found, the
@@ -46,8 +54,12 @@
 // 103 T below Tmin (vm3_psat_k1); 106 pure-fluid saturation without convergence;
 // 109 no root of the cubic above the covolume; 110 mode not available in this version;
 // 3180/3181 T above Tmax / below Tmin (or not finite); 3185/3186 p above Pmax / not positive
-// (or not finite); 3190-3251 the given pair outside the range of the one-phase modes, with the
-// meanings of their texts (e.g. 3245/3246 h below h(Tmin, p) / above h(Tmax, p)); 3270/3275 q outside [0, 1] or not finite; 3271/3276 p or T above the
+// (or not finite); 3190-3263 the given pair outside the model's range, in the one-phase and the
+// full modes, with the meanings of their texts (e.g. 3245/3246 h below h(Tmin, p) / above
+// h(Tmax, p); 3210 v so large that p < Pmin at Tmax, 3214 the state's p above Pmax; a value
+// that is not finite answers its pair's lower code); 3280 q outside [0, 1] for (v, q), 3281/3282
+// v above / below every volume of the line of that q, 3283 the line reaches v at more than one
+// temperature; 3270/3275 q outside [0, 1] or not finite; 3271/3276 p or T above the
 // critical point of a pure fluid with saturation asked; 3272/3277 below the lower limit;
 // 400-402, 410-412, 420-422, 430-432 bubble/dew pressure/temperature (and interior q, by the
 // nearer end) without convergence (x0, x1) or collapsed onto the trivial solution (x2) - for a
