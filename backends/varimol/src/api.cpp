@@ -39,8 +39,8 @@ struct outputs {
 };
 
 void preset(const outputs& o) {
-    for (double* d : {o.v, o.u, o.h, o.s, o.cv, o.dpdt, o.dpdv, o.d2pdt2, o.d2pdv2, o.d2pdtdv,
-                      o.dcvdt})
+    for (double* d :
+         {o.v, o.u, o.h, o.s, o.cv, o.dpdt, o.dpdv, o.d2pdt2, o.d2pdv2, o.d2pdtdv, o.dcvdt})
         *d = not_computed;
     if (o.q) *o.q = not_computed;
 }
@@ -90,8 +90,8 @@ int homogeneous_tp(const fluid& f, double T, double P, root_choice r, phase& ph,
 }
 
 // the outputs of a two-phase (or saturated) result at T, P
-void two_phase_outputs(const fluid& f, double T, const flash_result& fr, double q,
-                       const outputs& o, composition& x, composition& y, composition& lnphi) {
+void two_phase_outputs(const fluid& f, double T, const flash_result& fr, double q, const outputs& o,
+                       composition& x, composition& y, composition& lnphi) {
     state_props sl, sv;
     if (q == 0.0) {
         homogeneous(f, T, fr.liq.v, fr.x.data(), sl);
@@ -150,7 +150,7 @@ double covolume(const fluid& f) {
 
 // the codes of the (v, x) pairs: base 3210 (vu), 3220 (vh), 3230 (vs); +0 v too large, +1 too
 // small, +2 value below its value at Tmin, +3 above at Tmax, +4 the pressure above Pmax
-int v_pair(const fluid& f, int base, spec sp, double v, double value, eq_state& st) {
+int v_pair(const fluid& f, int base, given sp, double v, double value, eq_state& st) {
     if (std::isinf(v) && v > 0.0) return base;
     if (!(v > covolume(f))) return base + 1; // also NaN
     if (!std::isfinite(value)) return base + 2;
@@ -164,9 +164,9 @@ int v_pair(const fluid& f, int base, spec sp, double v, double value, eq_state& 
 }
 
 // the (p, x) pairs: below/above give the two codes
-int p_pair(const fluid& f, int below, int above, spec sp, double p, double value, eq_state& st) {
+int p_pair(const fluid& f, int below, int above, given sp, double p, double value, eq_state& st) {
     if (int e = check_p(f, p)) return e;
-    if (!std::isfinite(value) || (sp == spec::v && !(value > 0.0))) return below;
+    if (!std::isfinite(value) || (sp == given::v && !(value > 0.0))) return below;
     const int e = flash_p(f, p, sp, value, st);
     if (e == out_below) return below;
     if (e == out_above) return above;
@@ -186,8 +186,8 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
         if (mode != 1) {
             phase ph;
             state_props sp;
-            const int e = homogeneous_tp(f, T, p, mode == -1 ? root_choice::liquid
-                                                              : root_choice::vapour, ph, sp);
+            const int e = homogeneous_tp(
+                f, T, p, mode == -1 ? root_choice::liquid : root_choice::vapour, ph, sp);
             if (e != 0 && e != 28) return e;
             put_props(sp, o);
             q = single_phase_quality(f, ph);
@@ -236,8 +236,10 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
             }
             pure_two_phase(l, v, fr);
         } else {
-            if (!given_t) T = 0.7 * f.tcrit; // starting value of the iteration
-            else p = 1.0e5;
+            if (!given_t)
+                T = 0.7 * f.tcrit; // starting value of the iteration
+            else
+                p = 1.0e5;
             if (int e = saturation_q(f, given_t, T, p, q, f.z.data(), fr)) return e;
             if (!given_t && T < f.tmin) return 3272;
         }
@@ -261,22 +263,22 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
         const double sin = *o.s;
         if (!std::isfinite(sin)) return 3200;
         eq_state st;
-        const int e = flash_t(f, T, spec::s, sin, st);
+        const int e = flash_t(f, T, given::s, sin, st);
         if (e == out_below || (e == 0 && st.P < pmin)) return 3201;
         if (e == out_above || (e == 0 && st.P > f.pmax)) return 3200;
         if (e) return e;
         state_outputs(f, st, T, p, q, o, x, y, lnphi);
         return 0;
     }
-    case 4:   // p, v
-    case 8:   // p, u
-    case 9:   // p, h
+    case 4:    // p, v
+    case 8:    // p, u
+    case 9:    // p, h
     case 10: { // p, s
         eq_state st;
-        const int e = mode == 4    ? p_pair(f, 3206, 3205, spec::v, p, *o.v, st)
-                      : mode == 8 ? p_pair(f, 3240, 3241, spec::u, p, *o.u, st)
-                      : mode == 9 ? p_pair(f, 3245, 3246, spec::h, p, *o.h, st)
-                                   : p_pair(f, 3250, 3251, spec::s, p, *o.s, st);
+        const int e = mode == 4   ? p_pair(f, 3206, 3205, given::v, p, *o.v, st)
+                      : mode == 8 ? p_pair(f, 3240, 3241, given::u, p, *o.u, st)
+                      : mode == 9 ? p_pair(f, 3245, 3246, given::h, p, *o.h, st)
+                                  : p_pair(f, 3250, 3251, given::s, p, *o.s, st);
         if (e) return e;
         state_outputs(f, st, T, p, q, o, x, y, lnphi);
         return 0;
@@ -285,9 +287,9 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
     case 6:   // v, h
     case 7: { // v, s
         eq_state st;
-        const int e = mode == 5    ? v_pair(f, 3210, spec::u, *o.v, *o.u, st)
-                      : mode == 6 ? v_pair(f, 3220, spec::h, *o.v, *o.h, st)
-                                   : v_pair(f, 3230, spec::s, *o.v, *o.s, st);
+        const int e = mode == 5   ? v_pair(f, 3210, given::u, *o.v, *o.u, st)
+                      : mode == 6 ? v_pair(f, 3220, given::h, *o.v, *o.h, st)
+                                  : v_pair(f, 3230, given::s, *o.v, *o.s, st);
         if (e) return e;
         state_outputs(f, st, T, p, q, o, x, y, lnphi);
         return 0;
@@ -312,7 +314,8 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
         q = qin;
         return 0;
     }
-    default: return 110;
+    default:
+        return 110;
     }
 }
 
@@ -348,7 +351,10 @@ int solve_t_at_v(const fluid& f, int mode, double v, double target, state_props&
         homogeneous(f, t, v, f.z.data(), sp);
         double d;
         const double r = value_of(sp, d) - target;
-        if (r > 0.0) hi = t; else lo = t;
+        if (r > 0.0)
+            hi = t;
+        else
+            lo = t;
         double tn = t - r / d;
         if (!(tn > lo && tn < hi)) tn = 0.5 * (lo + hi);
         const double dt = std::abs(tn - t);
@@ -374,7 +380,10 @@ int solve_v_at_t(const fluid& f, double T, double target, state_props& sp) {
         homogeneous(f, T, v, f.z.data(), sp);
         if (!(sp.P <= f.pmax) && sp.s > target) hi = w; // keep below the pressure limit
         const double r = sp.s - target;
-        if (r > 0.0) hi = w; else lo = w;
+        if (r > 0.0)
+            hi = w;
+        else
+            lo = w;
         double wn = w - r / (sp.dpdt * std::exp(w));
         if (!(wn > lo && wn < hi)) wn = 0.5 * (lo + hi);
         const double dw = std::abs(wn - w);
@@ -411,7 +420,10 @@ int solve_t_at_p(const fluid& f, int mode, double P, double target, state_props&
     for (int it = 0; it < 300; ++it) {
         const double r = at(t, d) - target;
         if (!std::isfinite(r)) return 106;
-        if (r > 0.0) hi = t; else lo = t;
+        if (r > 0.0)
+            hi = t;
+        else
+            lo = t;
         double tn = t - r / d;
         if (!(tn > lo && tn < hi)) tn = 0.5 * (lo + hi);
         const double dt = std::abs(tn - t);
@@ -524,7 +536,8 @@ int tmdprop_1ph(int mode, double& T, double& p, const outputs& o) {
         T = sp.T;
         return 0;
     }
-    default: return 110;
+    default:
+        return 110;
     }
 }
 
@@ -532,7 +545,9 @@ int tmdprop_1ph(int mode, double& T, double& p, const outputs& o) {
 
 void varimol_sub() {}
 
-void vm3_getversion(std::array<int, 4>& version) { version = {1, 0, 0, 0}; }
+void vm3_getversion(std::array<int, 4>& version) {
+    version = {1, 0, 0, 0};
+}
 
 void vm3_setfluid(int model_code, const fluid_parameters& fp, const binary_parameters& bp,
                   int n_comps, int& ierr) {
@@ -566,14 +581,16 @@ void vm3_fluidinfo(double& mmol, double& tcrit, double& pcrit, double& tmin, dou
     tmax = configured.tmax;
 }
 
-void vm3_fluidsset(int& ncomps, std::span<std::string>) { ncomps = 0; }
+void vm3_fluidsset(int& ncomps, std::span<std::string>) {
+    ncomps = 0;
+}
 
 void vm3_tmdprop(int mode, double& T, double& p, double& v, double& u, double& h, double& s,
-                 double& q, double& cv, double& dpdt, double& dpdv, double& d2pdt2,
-                 double& d2pdv2, double& d2pdtdv, double& dcvdt, composition& x, composition& y,
-                 composition& lnphi, int& ierr) {
-    const outputs o{&T, &p, &v, &u, &h, &s, &q, &cv, &dpdt, &dpdv, &d2pdt2, &d2pdv2, &d2pdtdv,
-                    &dcvdt};
+                 double& q, double& cv, double& dpdt, double& dpdv, double& d2pdt2, double& d2pdv2,
+                 double& d2pdtdv, double& dcvdt, composition& x, composition& y, composition& lnphi,
+                 int& ierr) {
+    const outputs o{&T,  &p,    &v,    &u,      &h,      &s,       &q,
+                    &cv, &dpdt, &dpdv, &d2pdt2, &d2pdv2, &d2pdtdv, &dcvdt};
     // the given state functions stay readable by the modes that use them
     const double qin = q, vin = v, uin = u, hin = h, sin = s;
     preset(o);
@@ -598,8 +615,8 @@ void vm3_tmdprop(int mode, double& T, double& p, double& v, double& u, double& h
 void vm3_tmdprop_1ph(int mode, double& T, double& p, double& v, double& u, double& h, double& s,
                      double& cv, double& dpdt, double& dpdv, double& d2pdt2, double& d2pdv2,
                      double& d2pdtdv, double& dcvdt, int& ierr) {
-    const outputs o{&T, &p, &v, &u, &h, &s, nullptr, &cv, &dpdt, &dpdv, &d2pdt2, &d2pdv2,
-                    &d2pdtdv, &dcvdt};
+    const outputs o{&T,  &p,    &v,    &u,      &h,      &s,       nullptr,
+                    &cv, &dpdt, &dpdv, &d2pdt2, &d2pdv2, &d2pdtdv, &dcvdt};
     const double vin = v, uin = u, hin = h, sin = s;
     preset(o);
     v = vin;
@@ -711,9 +728,8 @@ private:
 
 void vm3_phaseenvelope(int& npnts, std::span<double> T, std::span<double> p,
                        std::span<composition> x, std::span<composition> y, int& ierr) {
-    const std::size_t room =
-        std::min({T.size(), p.size(), x.size(), y.size(),
-                  static_cast<std::size_t>(std::max(npnts, 0))});
+    const std::size_t room = std::min(
+        {T.size(), p.size(), x.size(), y.size(), static_cast<std::size_t>(std::max(npnts, 0))});
     npnts = 0;
     if (!is_configured || configured.n < 2) {
         ierr = 101;

@@ -74,8 +74,10 @@ int pure_sat_bisect(const fluid& f, bool given_t, double fixed, double lo, doubl
         const double mid = 0.5 * (lo + hi);
         double sm = side(mid);
         if (given_t) sm = -sm;
-        if ((sm > 0.0) == (slo > 0.0)) lo = mid, slo = sm;
-        else hi = mid;
+        if ((sm > 0.0) == (slo > 0.0))
+            lo = mid, slo = sm;
+        else
+            hi = mid;
     }
     x = 0.5 * (lo + hi);
     side(x);
@@ -117,46 +119,57 @@ namespace {
 // residuals small enough to end a search in temperature: an energy within 2.5e-10 J/mol, a
 // volume within 1e-14 (the temperature then within about 1e-12 of its own value); entropy
 // residuals end by the step size alone
-double residual_tolerance(spec sp) {
-    return sp == spec::v ? 1e-14 : sp == spec::s ? 0.0 : 1e-13;
+double residual_tolerance(given sp) {
+    return sp == given::v ? 1e-14 : sp == given::s ? 0.0 : 1e-13;
 }
 
 // slopes of the specs of a homogeneous state by T at constant P
-double slope_t(const state_props& sp, spec s) {
+double slope_t(const state_props& sp, given s) {
     const double dvdt = -sp.dpdt / sp.dpdv;
     const double cp = sp.cv + sp.T * sp.dpdt * dvdt;
     switch (s) {
-    case spec::v: return dvdt / sp.v; // of ln v
-    case spec::u: return cp - sp.P * dvdt;
-    case spec::h: return cp;
-    case spec::s: return cp / sp.T;
+    case given::v:
+        return dvdt / sp.v; // of ln v
+    case given::u:
+        return cp - sp.P * dvdt;
+    case given::h:
+        return cp;
+    case given::s:
+        return cp / sp.T;
     }
     return nan;
 }
 // slopes by ln P at constant T
-double slope_lnp(const state_props& sp, spec s) {
+double slope_lnp(const state_props& sp, given s) {
     const double dvdp = 1.0 / sp.dpdv;
     switch (s) {
-    case spec::v: return sp.P * dvdp / sp.v; // of ln v
-    case spec::s: return sp.P * sp.dpdt * dvdp; // (ds/dP)_T = -(dv/dT)_P
-    default: return nan;
+    case given::v:
+        return sp.P * dvdp / sp.v; // of ln v
+    case given::s:
+        return sp.P * sp.dpdt * dvdp; // (ds/dP)_T = -(dv/dT)_P
+    default:
+        return nan;
     }
 }
 
-// the residual of the spec, scaled so that the tolerance of the root is relative: volumes by
-// their logarithm, energies by RT
-double residual(const eq_state& st, spec sp, double value) {
-    if (sp == spec::v) return std::log(st.v / value);
-    return (spec_value(st, sp) - value) / (gas_constant * 298.15);
+// the residual of the given property, scaled so that the tolerance of the root is relative: volumes
+// by their logarithm, energies by RT
+double residual(const eq_state& st, given sp, double value) {
+    if (sp == given::v) return std::log(st.v / value);
+    return (given_value(st, sp) - value) / (gas_constant * 298.15);
 }
 } // namespace
 
-double spec_value(const eq_state& st, spec sp) {
+double given_value(const eq_state& st, given sp) {
     switch (sp) {
-    case spec::v: return st.v;
-    case spec::u: return st.u;
-    case spec::h: return st.h;
-    case spec::s: return st.s;
+    case given::v:
+        return st.v;
+    case given::u:
+        return st.u;
+    case given::h:
+        return st.h;
+    case given::s:
+        return st.s;
     }
     return nan;
 }
@@ -202,8 +215,7 @@ void pure_two_phase_state(const fluid& f, double T, double P, const phase& l, co
     state_from_flash(f, T, P, fr, st);
 }
 
-int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* warm,
-             bool lenient) {
+int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* warm, bool lenient) {
     flash_result fr;
     if (warm && warm->fr.nphase == 2 && f.n > 1) {
         vec lnk{};
@@ -226,8 +238,8 @@ namespace {
 
 // the search in T at fixed P over a continuous range [lo, hi] of the stable state; `start`
 // optionally a state already known at x0 = start->T
-int search_t(const fluid& f, double P, spec sp, double value, double lo, double hi,
-             double t0, const eq_state* start, eq_state& st, bool lenient) {
+int search_t(const fluid& f, double P, given sp, double value, double lo, double hi, double t0,
+             const eq_state* start, eq_state& st, bool lenient) {
     eq_state cur;
     bool have = false;
     bool warm_ok = f.n > 1;
@@ -254,7 +266,7 @@ int search_t(const fluid& f, double P, spec sp, double value, double lo, double 
         has_r0 = true;
     }
     if (cur.fr.nphase == 1) {
-        const double sl = slope_t(cur.one, sp) / (sp == spec::v ? 1.0 : gas_constant * 298.15);
+        const double sl = slope_t(cur.one, sp) / (sp == given::v ? 1.0 : gas_constant * 298.15);
         const double d = std::abs(r0 / sl);
         if (std::isfinite(d) && d > 0.0) rs.step = std::min(1.2 * d + 1e-6 * rs.x0, 0.5 * rs.x0);
     }
@@ -275,7 +287,7 @@ int search_t(const fluid& f, double P, spec sp, double value, double lo, double 
 }
 
 // the same in ln P at fixed T
-int search_p(const fluid& f, double T, spec sp, double value, double lnlo, double lnhi,
+int search_p(const fluid& f, double T, given sp, double value, double lnlo, double lnhi,
              double lnp0, const eq_state* start, eq_state& st, const eq_state* warm = nullptr,
              bool lenient = false) {
     eq_state cur;
@@ -305,15 +317,14 @@ int search_p(const fluid& f, double T, spec sp, double value, double lnlo, doubl
         return e;
     }
     if (cur.fr.nphase == 1) {
-        const double sl = slope_lnp(cur.one, sp) / (sp == spec::v ? 1.0 : gas_constant * 298.15);
+        const double sl = slope_lnp(cur.one, sp) / (sp == given::v ? 1.0 : gas_constant * 298.15);
         const double d = std::abs(r0 / sl);
         if (std::isfinite(d) && d > 0.0) rs.step = std::min(1.2 * d + 1e-6, 3.0);
     }
     double x = rs.x0;
     if (int e = find_root(g, rs, x, true, r0)) return e;
     if (int e2 = state_tp(f, T, std::exp(x), st, nullptr, lenient)) return e2;
-    if (have && std::abs(std::log(cur.P / st.P)) <= 1e-8 && cur.fr.nphase == st.fr.nphase)
-        return 0;
+    if (have && std::abs(std::log(cur.P / st.P)) <= 1e-8 && cur.fr.nphase == st.fr.nphase) return 0;
     if (!warm_ok) return 0;
     warm_ok = false;
     have = false;
@@ -326,10 +337,10 @@ int search_p(const fluid& f, double T, spec sp, double value, double lnlo, doubl
 // (result of homogeneous_first: not the answer, but a flash state to start from)
 constexpr int start_found = -100;
 
-// The temperature at P where the homogeneous phase of the stable root has the spec's value,
+// The temperature at P where the homogeneous phase of the stable root has the given value,
 // then the full flash there: st is that flash's state (one phase: the answer when it is the same
 // root; two phases: a start inside the two-phase region).
-int homogeneous_first(const fluid& f, double P, spec sp, double value, double t0, eq_state& st,
+int homogeneous_first(const fluid& f, double P, given sp, double value, double t0, eq_state& st,
                       bool lenient) {
     state_props props{};
     auto g = [&](double T, double& r) {
@@ -338,17 +349,20 @@ int homogeneous_first(const fluid& f, double P, spec sp, double value, double t0
         phase ph;
         if (int e = eval_phase(f, t, P, f.z.data(), root_choice::stable, ph)) return e;
         homogeneous(f, T, ph.v, f.z.data(), props);
-        r = sp == spec::v ? std::log(props.v / value)
-                          : ((sp == spec::u ? props.u : sp == spec::h ? props.h : props.s) - value) /
-                                (gas_constant * 298.15);
+        r = sp == given::v ? std::log(props.v / value)
+                           : ((sp == given::u   ? props.u
+                               : sp == given::h ? props.h
+                                                : props.s) -
+                              value) /
+                                 (gas_constant * 298.15);
         return 0;
     };
     double r0;
     if (int e = g(t0, r0)) return e;
-    const double sl = slope_t(props, sp) / (sp == spec::v ? 1.0 : gas_constant * 298.15);
+    const double sl = slope_t(props, sp) / (sp == given::v ? 1.0 : gas_constant * 298.15);
     double step = std::abs(r0 / sl);
-    step = std::isfinite(step) && step > 0.0 ? std::min(1.2 * step + 1e-6 * t0, 0.5 * t0)
-                                             : 0.02 * t0;
+    step =
+        std::isfinite(step) && step > 0.0 ? std::min(1.2 * step + 1e-6 * t0, 0.5 * t0) : 0.02 * t0;
     double T = t0;
     root_search rs{t0, step, f.tmin, f.tmax, 1e-13 * t0, true};
     rs.rtol = residual_tolerance(sp);
@@ -362,7 +376,7 @@ int homogeneous_first(const fluid& f, double P, spec sp, double value, double t0
 
 } // namespace
 
-int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, double t_guess,
+int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, double t_guess,
             bool lenient) {
     if (f.n == 1 && P < f.comp[0].pc) {
         double Ts;
@@ -381,7 +395,7 @@ int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, doubl
             fl.liq = fl.vap = l;
             fv.liq = fv.vap = v;
             fl.x[0] = fl.y[0] = fv.x[0] = fv.y[0] = 1.0;
-            const double al = spec_value(sl, sp), av = spec_value(sv, sp);
+            const double al = given_value(sl, sp), av = given_value(sv, sp);
             if (value >= al && value <= av) {
                 pure_two_phase_state(f, Ts, P, l, v, (value - al) / (av - al), st);
                 return 0;
@@ -413,7 +427,7 @@ int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, doubl
     return search_t(f, P, sp, value, f.tmin, f.tmax, t0, nullptr, st, lenient);
 }
 
-int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, double p_guess,
+int flash_t(const fluid& f, double T, given sp, double value, eq_state& st, double p_guess,
             const eq_state* warm, bool lenient) {
     const double lnlo = std::log(search_pmin), lnhi = std::log(search_pmax);
     double Ps = 0.0;
@@ -428,7 +442,7 @@ int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, doubl
         eq_state sl, sv;
         pure_two_phase_state(f, T, Ps, l, v, 0.0, sl);
         pure_two_phase_state(f, T, Ps, l, v, 1.0, sv);
-        const double al = spec_value(sl, sp), av = spec_value(sv, sp);
+        const double al = given_value(sl, sp), av = given_value(sv, sp);
         if (value >= al && value <= av) {
             pure_two_phase_state(f, T, Ps, l, v, (value - al) / (av - al), st);
             return 0;
@@ -455,7 +469,7 @@ int flash_hs(const fluid& f, double h, double s, eq_state& st) {
     int inner = 0;
     auto g = [&](double lnp, double& r) {
         eq_state cur;
-        const int e = flash_p(f, std::exp(lnp), spec::h, h, cur, t_last, true);
+        const int e = flash_p(f, std::exp(lnp), given::h, h, cur, t_last, true);
         if (e == out_below) return (inner = 3261), retry_closer;
         if (e == out_above) return (inner = 3260), retry_closer;
         if (e) return e;
@@ -469,13 +483,13 @@ int flash_hs(const fluid& f, double h, double s, eq_state& st) {
     double p0 = 1e5;
     for (int k = 0;; ++k) {
         eq_state probe;
-        const int e = flash_p(f, p0, spec::h, h, probe, 0.0, true);
+        const int e = flash_p(f, p0, given::h, h, probe, 0.0, true);
         if (e == 0) {
             t_last = probe.T;
             break;
         }
-        if (k == 12 || (e != out_below && e != out_above)) return e == out_below ? 3261
-                                                                 : e == out_above ? 3260 : e;
+        if (k == 12 || (e != out_below && e != out_above))
+            return e == out_below ? 3261 : e == out_above ? 3260 : e;
         p0 = std::clamp(e == out_below ? 10.0 * p0 : 0.1 * p0, pmin, f.pmax);
     }
     const root_search rs{std::log(p0), 1.0, std::log(pmin), std::log(f.pmax), 1e-13, false};
@@ -485,7 +499,7 @@ int flash_hs(const fluid& f, double h, double s, eq_state& st) {
     if (e == out_above) return 3263;
     if (e == retry_closer) return inner;
     if (e) return e;
-    return flash_p(f, std::exp(x), spec::h, h, st, t_last);
+    return flash_p(f, std::exp(x), given::h, h, st, t_last);
 }
 
 } // namespace varimol

@@ -14,24 +14,24 @@
 
 namespace varimol {
 
-enum class spec { v, u, h, s };
+enum class given { v, u, h, s };
 
 // Lowest pressure of the model's range (Pa); the highest is fluid::pmax.
 inline constexpr double pmin = 1.0;
 
 // An equilibrium state of the overall composition f.z.
 struct eq_state {
-    double T = 0.0, P = 0.0;          // K, Pa
+    double T = 0.0, P = 0.0;                   // K, Pa
     double v = 0.0, u = 0.0, h = 0.0, s = 0.0; // m3/mol, J/mol, J/mol, J/(mol K), overall
-    double q = 0.0;  // two phases: vapour fraction; homogeneous: -1 liquid-like, 2 vapour-like
-    // slope of the spec by the unknown for a homogeneous state (first step of a search; NaN in
-    // two phases)
+    double q = 0.0; // two phases: vapour fraction; homogeneous: -1 liquid-like, 2 vapour-like
+    // slope of the given property by the unknown for a homogeneous state (first step of a search;
+    // NaN in two phases)
     double slope = std::numeric_limits<double>::quiet_NaN();
-    flash_result fr;  // phases and compositions (nphase 1: fr.liq is the phase)
+    flash_result fr;   // phases and compositions (nphase 1: fr.liq is the phase)
     state_props one{}; // the homogeneous phase's properties (nphase 1)
 };
 
-double spec_value(const eq_state& st, spec sp);
+double given_value(const eq_state& st, given sp);
 // liquid-like (-1) or vapour-like (2) quality of a homogeneous phase
 double phase_quality(const fluid& f, const phase& ph);
 // Fills st from a flash result at (T, P).
@@ -55,14 +55,14 @@ int pure_saturation_p(const fluid& f, double T, double& P, phase& liq, phase& va
 // a convergence code.
 inline constexpr int out_below = -1, out_above = 1;
 
-// Given P (Pa) and the spec (v, u, h or s) at `value`: the temperature in [tmin, tmax].
+// Given P (Pa) and the given property (v, u, h or s) at `value`: the temperature in [tmin, tmax].
 // t_guess (K, 0 for none) starts the search; `lenient` as for state_tp.
-int flash_p(const fluid& f, double P, spec sp, double value, eq_state& st, double t_guess = 0.0,
+int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, double t_guess = 0.0,
             bool lenient = false);
-// Given T (K) and the spec (v or s): the pressure in [1e-6 Pa, 1e10 Pa] (the caller checks the
-// model's range); out_below/out_above refer to the pressure. p_guess (Pa, 0 for none).
+// Given T (K) and the given property (v or s): the pressure in [1e-6 Pa, 1e10 Pa] (the caller
+// checks the model's range); out_below/out_above refer to the pressure. p_guess (Pa, 0 for none).
 // `warm`: a two-phase state nearby whose K-values start the first split.
-int flash_t(const fluid& f, double T, spec sp, double value, eq_state& st, double p_guess = 0.0,
+int flash_t(const fluid& f, double T, given sp, double value, eq_state& st, double p_guess = 0.0,
             const eq_state* warm = nullptr, bool lenient = false);
 // Given h (J/mol) and s (J/(mol K)): the pressure in [pmin, pmax] by the fall of s with P at
 // fixed h, each step a (p, h) state. Codes 0, 3260-3263 or a convergence code.

@@ -32,13 +32,17 @@ void homogeneous_state(const fluid& f, const state_props& sp, const phase& ph, e
     st.q = phase_quality(f, ph);
 }
 
-// slope of the spec by T at constant v of a homogeneous state, scaled like the residual
-double slope_tv(const state_props& sp, spec s) {
+// slope of the given property by T at constant v of a homogeneous state, scaled like the residual
+double slope_tv(const state_props& sp, given s) {
     switch (s) {
-    case spec::u: return sp.cv;
-    case spec::h: return sp.cv + sp.v * sp.dpdt;
-    case spec::s: return sp.cv / sp.T;
-    default: return 0.0;
+    case given::u:
+        return sp.cv;
+    case given::h:
+        return sp.cv + sp.v * sp.dpdt;
+    case given::s:
+        return sp.cv / sp.T;
+    default:
+        return 0.0;
     }
 }
 
@@ -59,8 +63,8 @@ int q_line_state(const fluid& f, double T, double q, eq_state& st) {
 }
 } // namespace
 
-int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess,
-             const eq_state* warm, bool lenient) {
+int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess, const eq_state* warm,
+             bool lenient) {
     temperature_terms<double> t;
     at_temperature(f, T, t);
     if (!(v > covolume(f, t))) return 109;
@@ -76,8 +80,9 @@ int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess,
             return 0;
         }
         phase ph;
-        const root_choice r = es != 0 ? root_choice::stable
-                              : v < l.v ? root_choice::liquid : root_choice::vapour;
+        const root_choice r = es != 0   ? root_choice::stable
+                              : v < l.v ? root_choice::liquid
+                                        : root_choice::vapour;
         if (!(sp.P > 0.0)) return 106;
         if (int e = eval_phase(f, t, sp.P, f.z.data(), r, ph)) return e;
         homogeneous_state(f, sp, ph, st);
@@ -92,11 +97,11 @@ int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess,
         }
         if (!(p_guess > 0.0)) p_guess = sp.P;
     }
-    const int e = flash_t(f, T, spec::v, v, st, p_guess, warm, lenient);
+    const int e = flash_t(f, T, given::v, v, st, p_guess, warm, lenient);
     return e == out_below || e == out_above ? 106 : e;
 }
 
-int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
+int flash_v(const fluid& f, double v, given sp, double value, eq_state& st) {
     double p_last = 0.0;
     eq_state cur;
     const double scale = 1.0 / (gas_constant * 298.15);
@@ -105,7 +110,7 @@ int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
         if (int e = state_tv(f, T, v, cur, p_last, prev.fr.nphase == 2 ? &prev : nullptr, true))
             return e;
         p_last = cur.P;
-        r = (spec_value(cur, sp) - value) * scale;
+        r = (given_value(cur, sp) - value) * scale;
         return 0;
     };
     double t0 = std::clamp(f.tcrit, f.tmin, f.tmax);
@@ -116,7 +121,7 @@ int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
         state_props props{};
         auto gh = [&](double T, double& r) {
             homogeneous(f, T, v, f.z.data(), props);
-            r = ((sp == spec::u ? props.u : sp == spec::h ? props.h : props.s) - value) * scale;
+            r = ((sp == given::u ? props.u : sp == given::h ? props.h : props.s) - value) * scale;
             return std::isfinite(r) ? 0 : 106;
         };
         double rh;
@@ -129,7 +134,7 @@ int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
                           rh) == 0 &&
                 state_tv(f, th, v, cur) == 0) {
                 if (cur.fr.nphase == 1 &&
-                    std::abs((spec_value(cur, sp) - value) * scale) <= 1e-10) {
+                    std::abs((given_value(cur, sp) - value) * scale) <= 1e-10) {
                     st = cur;
                     return 0;
                 }
@@ -139,7 +144,7 @@ int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
         }
     }
     root_search rs{t0, 0.05 * t0, f.tmin, f.tmax, 1e-13 * t0, true};
-    rs.rtol = sp == spec::s ? 0.0 : 1e-13; // an energy within 2.5e-10 J/mol
+    rs.rtol = sp == given::s ? 0.0 : 1e-13; // an energy within 2.5e-10 J/mol
     double r0;
     if (int e = g(t0, r0)) return e;
     if (cur.fr.nphase == 1) {
@@ -152,8 +157,7 @@ int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st) {
         // the last point, found with intermediate leniency: a homogeneous state is confirmed by
         // a full flash at its pressure
         flash_result fr;
-        if (cur.fr.nphase == 2 ||
-            (flash_tp(f, T, cur.P, f.z.data(), fr) == 0 && fr.nphase == 1)) {
+        if (cur.fr.nphase == 2 || (flash_tp(f, T, cur.P, f.z.data(), fr) == 0 && fr.nphase == 1)) {
             st = cur;
             return 0;
         }
@@ -231,7 +235,8 @@ int flash_vq(const fluid& f, double v, double q, eq_state& st) {
         for (int k = 0; k < 30 && hi - lo > 1e-9 * hi; ++k) {
             const double mid = 0.5 * (lo + hi);
             const bool was = have_prev;
-            if (visit(mid)) lo = mid;
+            if (visit(mid))
+                lo = mid;
             else {
                 hi = mid;
                 have_prev = was;

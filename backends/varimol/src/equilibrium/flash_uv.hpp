@@ -17,9 +17,9 @@ namespace varimol {
 // `lenient` as for state_tp (intermediate points of a search).
 int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess = 0.0,
              const eq_state* warm = nullptr, bool lenient = false);
-// Given v and the spec (u, h or s) at `value`: the temperature in [tmin, tmax]; out_below /
-// out_above when the value lies below its value at tmin or above it at tmax.
-int flash_v(const fluid& f, double v, spec sp, double value, eq_state& st);
+// Given v and the given property (u, h or s) at `value`: the temperature in [tmin, tmax]; out_below
+// / out_above when the value lies below its value at tmin or above it at tmax.
+int flash_v(const fluid& f, double v, given sp, double value, eq_state& st);
 // Given v and the vapour fraction q in [0, 1]: the temperature on the line of that q where the
 // overall volume is v. Codes 0, 3281 (v above every volume of the line), 3282 (below), 3283 (more
 // than one temperature gives v), or a convergence code.
