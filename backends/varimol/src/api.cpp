@@ -545,8 +545,9 @@ int tmdprop_1ph(int mode, double& T, double& p, const outputs& o) {
 
 void varimol_sub() {}
 
+// The version of the build, set once in the top-level CMakeLists.txt.
 void vm3_getversion(std::array<int, 4>& version) {
-    version = {1, 0, 0, 0};
+    version = {ZP_VERSION_MAJOR, ZP_VERSION_MINOR, ZP_VERSION_PATCH, 0};
 }
 
 void vm3_setfluid(int model_code, const fluid_parameters& fp, const binary_parameters& bp,
