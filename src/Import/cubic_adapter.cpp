@@ -125,9 +125,8 @@ void output_homogeneous(double mmol, double& t, double& p, double& h, double& s,
     dcvdt /= mmol;
 }
 
-double select_output(const phase_state& st, std::string_view inputspec,
-                     std::string_view outputspec, std::string_view model_prefix,
-                     std::string& errormsg) {
+double select_output(const phase_state& st, std::string_view inputspec, std::string_view outputspec,
+                     std::string_view model_prefix, std::string& errormsg) {
     struct output_entry {
         std::string_view name;
         double phase_state::*value;
@@ -212,9 +211,8 @@ void load_selection(std::string_view fluidpath, std::span<const std::string> nam
 }
 
 int resolve_mixture(std::string_view fluidpath, std::string_view fluidname, fluid_list list,
-                    std::string_view model_prefix,
-                    bool take_fractions, zp_adapter::component_names& comp,
-                    zp_adapter::composition& conc) {
+                    std::string_view model_prefix, bool take_fractions,
+                    zp_adapter::component_names& comp, zp_adapter::composition& conc) {
     varimol_load::fluid_data mixture;
     std::string errormsg;
     varimol_load::load_fluid(fluidpath, fluidname, model_prefix, mixture, errormsg);
@@ -242,8 +240,8 @@ int resolve_mixture(std::string_view fluidpath, std::string_view fluidname, flui
     return mixture.n_comps;
 }
 
-void list_fluids(std::string_view fluidpath, std::string_view library, int max_listed,
-                 int& ncomps, std::vector<std::string>& compset) {
+void list_fluids(std::string_view fluidpath, std::string_view library, int max_listed, int& ncomps,
+                 std::vector<std::string>& compset) {
     compset.assign(max_listed, std::string());
     ncomps = sqlite::getfluidnames(fluidpath, library, compset);
     std::vector<std::string> files;

@@ -52,9 +52,8 @@ struct phase_state {
 // The property `outputspec` of a state ("P", "T", "v", "d", "h", "s", "u", "q", "cv", "dP_dT",
 // "dP_dv", "d2P_dT2", "d2P_dv2", "d2P_dTdv", "dCv_dT"); another name writes
 // "<prefix>calculation of <output> as function of <input> not available." and gives -8888.8.
-double select_output(const phase_state& st, std::string_view inputspec,
-                     std::string_view outputspec, std::string_view model_prefix,
-                     std::string& errormsg);
+double select_output(const phase_state& st, std::string_view inputspec, std::string_view outputspec,
+                     std::string_view model_prefix, std::string& errormsg);
 
 // The liquid (or vapour) composition of a fluid of `dim` components at vapour fraction q: a pure
 // fluid is wholly liquid below q = 1 and wholly vapour above q = 0; a mixture below the bubble
@@ -83,13 +82,12 @@ using fluid_list = void (*)(int& ncomps, std::vector<std::string>& compset, std:
 // the mixture's mole fractions into conc. Returns the mixture's component count, or -1 when the
 // fluid does not load.
 int resolve_mixture(std::string_view fluidpath, std::string_view fluidname, fluid_list list,
-                    std::string_view model_prefix,
-                    bool take_fractions, zp_adapter::component_names& comp,
-                    zp_adapter::composition& conc);
+                    std::string_view model_prefix, bool take_fractions,
+                    zp_adapter::component_names& comp, zp_adapter::composition& conc);
 
 // The fluids loadable by name: the database's list of `library`, then the fluid files "*.vmx" of
 // the fluids directory, at most `max_listed` in all.
-void list_fluids(std::string_view fluidpath, std::string_view library, int max_listed,
-                 int& ncomps, std::vector<std::string>& compset);
+void list_fluids(std::string_view fluidpath, std::string_view library, int max_listed, int& ncomps,
+                 std::vector<std::string>& compset);
 
 } // namespace cubic_adapter

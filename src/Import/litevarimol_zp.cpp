@@ -97,9 +97,9 @@ int composition_dim() {
 using cubic_adapter::phase_state;
 void evaluate(std::string_view inputspec, double value1, double value2, phase_state& st,
               std::string& errormsg) {
-    litevarimol_allprops(inputspec, value1, value2, st.p, st.t, st.v, st.d, st.h, st.s, st.u,
-                         st.q, st.x, st.y, st.cv, st.dpdt, st.dpdv, st.d2pdt2, st.d2pdv2,
-                         st.d2pdtdv, st.dcvdt, st.eta, st.lambda, errormsg);
+    litevarimol_allprops(inputspec, value1, value2, st.p, st.t, st.v, st.d, st.h, st.s, st.u, st.q,
+                         st.x, st.y, st.cv, st.dpdt, st.dpdv, st.d2pdt2, st.d2pdv2, st.d2pdtdv,
+                         st.dcvdt, st.eta, st.lambda, errormsg);
 }
 
 void phase_composition(bool liquid, std::string_view inputspec, double value1, double value2,
@@ -121,10 +121,10 @@ void composition_row(std::string_view inputspec, double value1, double value2,
 
 void allprops_row(std::string_view inputspec, double value1, double value2, double& p, double& t,
                   double& v, double& d, double& h, double& s, double& u, double& q,
-                  zp_adapter::composition& x, zp_adapter::composition& y,
-                  zp_adapter::composition&, double& cv, double& dpdt, double& dpdv,
-                  double& d2pdt2, double& d2pdv2, double& d2pdtdv, double& dcvdt, double& eta,
-                  double& lambda, double&, std::string& errormsg) {
+                  zp_adapter::composition& x, zp_adapter::composition& y, zp_adapter::composition&,
+                  double& cv, double& dpdt, double& dpdv, double& d2pdt2, double& d2pdv2,
+                  double& d2pdtdv, double& dcvdt, double& eta, double& lambda, double&,
+                  std::string& errormsg) {
     litevarimol_allprops(inputspec, value1, value2, p, t, v, d, h, s, u, q, x, y, cv, dpdt, dpdv,
                          d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, errormsg);
 }
@@ -166,8 +166,8 @@ void litevarimol_getversion(zp_adapter::version_numbers& version) {
 
 bool litevarimol_issamefluid(int ncomp, std::span<const std::string> comp,
                              std::span<const double> conc) {
-    return ncomp <= max_components && cubic_adapter::same_selection(state.fluidname, state.ncmp,
-                                                                     state.cnc, ncomp, comp, conc);
+    return ncomp <= max_components &&
+           cubic_adapter::same_selection(state.fluidname, state.ncmp, state.cnc, ncomp, comp, conc);
 }
 
 void litevarimol_setfluid(int ncomp, std::span<const std::string> comp,
@@ -220,9 +220,9 @@ void litevarimol_getfluid(int& ncomp, zp_adapter::component_names& comp,
     comp[0] = state.fluidname;
     conc = state.cnc;
     if (!resolve) return;
-    const int n = cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname,
-                                                 &litevarimol_getcompset, model_prefix,
-                                                 state.ncmp == 1, comp, conc);
+    const int n =
+        cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname, &litevarimol_getcompset,
+                                       model_prefix, state.ncmp == 1, comp, conc);
     if (n >= 0) ncomp = n;
 }
 
@@ -243,8 +243,7 @@ double litevarimol_getinfo(std::string_view property, std::string& errormsg) {
     return not_set;
 }
 
-void litevarimol_getcompset(int& ncomps, std::vector<std::string>& compset,
-                            std::string& errormsg) {
+void litevarimol_getcompset(int& ncomps, std::vector<std::string>& compset, std::string& errormsg) {
     errormsg = no_errors;
     cubic_adapter::list_fluids(fluid_directory(), "liteVarimol", max_listed, ncomps, compset);
 }

@@ -35,8 +35,7 @@ void litevarimol_getfluid(int& ncomp, zp_adapter::component_names& comp,
 // "M_mol" (kg/mol), "T_crit", "T_min", "T_max" (°C), "P_crit" (bar)
 double litevarimol_getinfo(std::string_view property, std::string& errormsg);
 // the fluids this model can load by name
-void litevarimol_getcompset(int& ncomps, std::vector<std::string>& compset,
-                            std::string& errormsg);
+void litevarimol_getcompset(int& ncomps, std::vector<std::string>& compset, std::string& errormsg);
 // the full state in internal units; x and y hold the first 10 components (the rest untouched)
 void litevarimol_allprops(std::string_view inputspec, double value1, double value2, double& p,
                           double& t, double& v, double& d, double& h, double& s, double& u,

@@ -76,8 +76,8 @@ void phase_composition(phase_output kind, std::string_view inputspec, double val
         std::copy_n(st.lnphi.begin(), dim, output.begin());
         return;
     }
-    cubic_adapter::phase_composition(kind == phase_output::liquid, dim, st.q, st.x, st.y,
-                                     state.cnc, output);
+    cubic_adapter::phase_composition(kind == phase_output::liquid, dim, st.q, st.x, st.y, state.cnc,
+                                     output);
 }
 
 // The dispatch row takes the composition operations without their dim.
@@ -139,8 +139,7 @@ void varimol_getversion(zp_adapter::version_numbers& version) {
 
 bool varimol_issamefluid(int ncomp, std::span<const std::string> comp,
                          std::span<const double> conc) {
-    return cubic_adapter::same_selection(state.fluidname, state.ncmp, state.cnc, ncomp, comp,
-                                         conc);
+    return cubic_adapter::same_selection(state.fluidname, state.ncmp, state.cnc, ncomp, comp, conc);
 }
 
 void varimol_setfluid(int ncomp, std::span<const std::string> comp, std::span<const double> conc,
@@ -188,9 +187,9 @@ void varimol_getfluid(int& ncomp, zp_adapter::component_names& comp,
 
     // A predefined mixture into its pure fluids: each component is the first loadable pure fluid
     // with the same identifying number.
-    const int n = cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname,
-                                                 &varimol_getcompset,
-                                                 model_prefix, state.ncmp == 1, comp, conc);
+    const int n =
+        cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname, &varimol_getcompset,
+                                       model_prefix, state.ncmp == 1, comp, conc);
     if (n >= 0) ncomp = n;
 }
 

@@ -41,11 +41,11 @@ full_state state(const char* spec, double v1, double v2) {
 void expect_same(const full_state& lite, const full_state& full, const std::string& where) {
     ASSERT_EQ(lite.e, "No errors") << where;
     ASSERT_EQ(full.e, "No errors") << where;
-    const double pairs[][2] = {{lite.p, full.p},   {lite.t, full.t},   {lite.v, full.v},
-                               {lite.h, full.h},   {lite.s, full.s},   {lite.u, full.u},
-                               {lite.q, full.q},   {lite.cv, full.cv}, {lite.dpdt, full.dpdt},
-                               {lite.dpdv, full.dpdv}, {lite.x[1], full.x[1]},
-                               {lite.y[1], full.y[1]}};
+    const double pairs[][2] = {
+        {lite.p, full.p},       {lite.t, full.t},       {lite.v, full.v},
+        {lite.h, full.h},       {lite.s, full.s},       {lite.u, full.u},
+        {lite.q, full.q},       {lite.cv, full.cv},     {lite.dpdt, full.dpdt},
+        {lite.dpdv, full.dpdv}, {lite.x[1], full.x[1]}, {lite.y[1], full.y[1]}};
     for (const auto& [a, b] : pairs) EXPECT_NEAR(a, b, 1e-9 * (1.0 + std::abs(b))) << where;
 }
 
@@ -66,8 +66,8 @@ TEST(LiteVarimolAdapter, SameStatesAsVarimolForAMixture) {
     struct {
         const char* spec;
         double v1, v2;
-    } cases[] = {{"PT", 50.0, 0.0}, {"PT", 20.0, -90.0}, {"Pq", 20.0, 0.5}, {"Pq", 30.0, 0.0},
-                 {"Tq", -100.0, 1.0}, {"PT_liq", 20.0, -120.0}};
+    } cases[] = {{"PT", 50.0, 0.0}, {"PT", 20.0, -90.0}, {"Pq", 20.0, 0.5},
+                 {"Pq", 30.0, 0.0}, {"Tq", -100.0, 1.0}, {"PT_liq", 20.0, -120.0}};
     for (const auto& c : cases) {
         const auto lite = both(c.spec, c.v1, c.v2);
         // pressure and enthalpy of the state found give it back, in both models
@@ -76,9 +76,27 @@ TEST(LiteVarimolAdapter, SameStatesAsVarimolForAMixture) {
     }
 }
 
+TEST(LiteVarimolAdapter, PhaseCompositionsByTheVapourFraction) {
+    ASSERT_EQ(select("liteVarimol", {"methane", "ethane"}, {0.9, 0.1}), "No errors");
+    const auto split = state("Pq", 20.0, 0.5);
+    composition liquid{}, vapour{};
+    std::string e;
+    zb::liquidcmp_zp("Pq", 20.0, 0.5, liquid, e);
+    zb::vaporcmp_zp("Pq", 20.0, 0.5, vapour, e);
+    EXPECT_EQ(e, "No errors");
+    EXPECT_EQ(liquid[1], split.x[1]);
+    EXPECT_EQ(vapour[1], split.y[1]);
+    EXPECT_GT(liquid[1], vapour[1]); // ethane gathers in the liquid
+    // a gas above its dew point is vapour of the overall composition
+    zb::liquidcmp_zp("PT", 1.0, 20.0, liquid, e);
+    zb::vaporcmp_zp("PT", 1.0, 20.0, vapour, e);
+    EXPECT_EQ(liquid[0], 0.0);
+    EXPECT_EQ(vapour[1], 0.1);
+}
+
 TEST(LiteVarimolAdapter, CapacityAndBadSelections) {
-    const std::vector<std::string> eleven{"methane",  "ethane",    "propane",   "n-butane",
-                                          "isobutane", "n-pentane", "n-hexane",  "nitrogen",
+    const std::vector<std::string> eleven{"methane",        "ethane",    "propane",  "n-butane",
+                                          "isobutane",      "n-pentane", "n-hexane", "nitrogen",
                                           "carbon dioxide", "n-heptane", "n-octane"};
     const std::vector<double> even(11, 1.0 / 11.0);
     EXPECT_EQ(select("liteVarimol", eleven, even),
@@ -108,11 +126,13 @@ TEST(LiteVarimolAdapter, LimitMessagesShowTheSelectedFluid) {
         std::snprintf(below, sizeof below, "%7.2f", tmin);
         EXPECT_EQ(state("PT", 1.0, tmax - 273.15 + 50.0).e,
                   std::string("Error in liteVarimol. Temperature out of range for this fluid, "
-                              "T > Tmax (= ") + above + " K)...")
+                              "T > Tmax (= ") +
+                      above + " K)...")
             << fluid;
         EXPECT_EQ(state("PT", 1.0, tmin - 273.15 - 5.0).e,
                   std::string("Error in liteVarimol. Temperature out of range for this fluid, "
-                              "T < Tmin (= ") + below + " K)...")
+                              "T < Tmin (= ") +
+                      below + " K)...")
             << fluid;
     }
 }
@@ -132,8 +152,10 @@ TEST(LiteVarimolAdapter, PsatK1AndFluidConstants) {
     const struct {
         const char* key;
         double expected;
-    } keys[] = {{"M_mol", litevarimol::wmol()}, {"T_crit", tcr - 273.15},
-                {"P_crit", pcr / 1e5},          {"T_min", tmin - 273.15},
+    } keys[] = {{"M_mol", litevarimol::wmol()},
+                {"T_crit", tcr - 273.15},
+                {"P_crit", pcr / 1e5},
+                {"T_min", tmin - 273.15},
                 {"T_max", tmax - 273.15}};
     for (const auto& k : keys) {
         EXPECT_DOUBLE_EQ(litevarimol_zp::litevarimol_getinfo(k.key, e), k.expected) << k.key;

@@ -168,10 +168,10 @@ TEST(DispatchRouting, MissingBackEndsLeaveTheSentinel) {
 
 TEST(DispatchRouting, VersionsOfEveryModelName) {
     const std::map<std::string, int> expected_fill{
-        {"Aerolt", -9},      {"Mesheq", -9},    {"PCP-SAFT", -9},
-        {"RefProp", -9},     {"Critova", -9},   {"TPSI", -9},
-        {"Kelvora", -9},     {"LiBr-H2O", -9},  {"sPCP-SAFT", -8}, {"NH3-H2O", -8},
-        {"refprop", -8},     {"Zentropia", -8}, {"", -8},          {"IF97 but longer", -8}};
+        {"Aerolt", -9},    {"Mesheq", -9},         {"PCP-SAFT", -9}, {"RefProp", -9},
+        {"Critova", -9},   {"TPSI", -9},           {"Kelvora", -9},  {"LiBr-H2O", -9},
+        {"sPCP-SAFT", -8}, {"NH3-H2O", -8},        {"refprop", -8},  {"Zentropia", -8},
+        {"", -8},          {"IF97 but longer", -8}};
     std::array<int, 4> version{1, 2, 3, 4}, direct{};
     for (const auto& [name, fill] : expected_fill) {
         zb::zpgetversion(name, version);
