@@ -3,6 +3,7 @@
 // not installed.", which names the adapter that was reached.
 #include "base/zentropia_base.hpp"
 #include "if97/if97.hpp"
+#include "litevarimol/litevarimol.hpp"
 #include "varimol/varimol.hpp"
 
 #include <gtest/gtest.h>
@@ -60,7 +61,7 @@ const dispatcher dispatchers[] = {
 
 // Expected answers, one letter per dispatcher in column order:
 //   R  the adapter of the model answers ("Error in <adapter>: back-end library not installed.")
-//   .  not checked here (IF97 and Varimol reach their real back-ends)
+//   .  not checked here (IF97, Varimol and liteVarimol reach their real back-ends)
 //   -  errormsg is left as it was
 //   U  "model name unknown"     I  "invalid model name"      A  AllTransProps not available
 //   C  CapeOpenDeriv_ZP text    P  Psat_k1 text              X  xy_A_alfa text
@@ -78,7 +79,7 @@ const row rows[] = {
     //  model         adapter        name           alias          all su2 calc info zflow phases satext trans cape psat xya kij hsxy env liq fug
     {nullptr,       "",            "",            "",            "UUIUUUUUCPXKH-UU"},
     {"TPSI",        "TPSI",        "TPSI",        "TPSI",        "RRRRR--ACPXKHELF"},
-    {"litevarimol", "liteVarimol", "liteVarimol", "liteVarimol", "RRRRR--ACRXKHERR"},
+    {"litevarimol", "liteVarimol", "liteVarimol", "liteVarimol", ".....--AC.XKHE.F"},
     {"VARIMOL",     "Varimol",     "Varimol",     "Varimol",     ".....--AC..KH..."},
     {"if97",        "IF97",        "IF97",        "IF97",        ".....--ACPXKHELF"},
     {"Aerolt",      "Aerolt",      "Aerolt",      "Aerolt",      "RRRRR--ACPXKHERF"},
@@ -167,10 +168,10 @@ TEST(DispatchRouting, MissingBackEndsLeaveTheSentinel) {
 
 TEST(DispatchRouting, VersionsOfEveryModelName) {
     const std::map<std::string, int> expected_fill{
-        {"liteVarimol", -9}, {"Aerolt", -9},    {"Mesheq", -9},    {"PCP-SAFT", -9},
-        {"RefProp", -9},     {"Critova", -9},   {"TPSI", -9},
-        {"Kelvora", -9},     {"LiBr-H2O", -9},  {"sPCP-SAFT", -8}, {"NH3-H2O", -8},
-        {"refprop", -8},     {"Zentropia", -8}, {"", -8},          {"IF97 but longer", -8}};
+        {"Aerolt", -9},    {"Mesheq", -9},         {"PCP-SAFT", -9}, {"RefProp", -9},
+        {"Critova", -9},   {"TPSI", -9},           {"Kelvora", -9},  {"LiBr-H2O", -9},
+        {"sPCP-SAFT", -8}, {"NH3-H2O", -8},        {"refprop", -8},  {"Zentropia", -8},
+        {"", -8},          {"IF97 but longer", -8}};
     std::array<int, 4> version{1, 2, 3, 4}, direct{};
     for (const auto& [name, fill] : expected_fill) {
         zb::zpgetversion(name, version);
@@ -183,6 +184,9 @@ TEST(DispatchRouting, VersionsOfEveryModelName) {
     EXPECT_NE(version, (std::array<int, 4>{-9, -9, -9, -9}));
     varimol::vm3_getversion(direct);
     zb::zpgetversion("Varimol", version);
+    EXPECT_EQ(version, direct);
+    litevarimol::lvm_getversion(direct);
+    zb::zpgetversion("liteVarimol", version);
     EXPECT_EQ(version, direct);
 }
 
