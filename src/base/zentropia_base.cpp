@@ -38,8 +38,6 @@ constexpr std::string_view xy_kij_unavailable =
 constexpr std::string_view hsxy_mp_unavailable =
     "Error in Zentropia: hsxy_mp not available for specified model";
 
-// Concentrations below this count as absent: such components are not handed to the back-ends.
-constexpr double zero_concentration = 1e-12;
 // Model names are texts of 20 characters.
 constexpr std::size_t model_name_length = 20;
 constexpr std::string_view table_prefix = "msh_";
@@ -56,13 +54,6 @@ constexpr std::array<std::string_view, zp_common::max_components> component_mmol
 constexpr std::array<std::string_view, 12> indexed_models{
     "Zentropia", "liteVarimol", "Aerolt",  "IF97",    "LiBr-H2O", "Mesheq",
     "PCP-SAFT",  "RefProp",     "Critova", "Varimol", "TPSI",     "Kelvora"};
-// The back-ends whose version zpgetversion asks for, and the order in which releaseobjects
-// releases them.
-constexpr std::array<model_id, 10> backends{
-    model_id::litevarimol, model_id::aerolt,  model_id::if97,    model_id::mesheq,
-    model_id::pcp_saft,    model_id::refprop, model_id::critova, model_id::varimol,
-    model_id::tpsi,        model_id::kelvora};
-
 selection_state state{"", "", "", 0, {}, {}, 0, false};
 // The selection resolved once: the models named by modelalias and modelname, and the adapter.
 const zp_models::model* alias = &zp_models::of(model_id::none);
@@ -80,10 +71,6 @@ void resolve_selection() {
     alias = &zp_models::by_name(state.modelalias);
     named = &zp_models::by_name(state.modelname);
     alias_ops = alias->adapter;
-}
-
-bool is_pcp_saft(const zp_models::model& m) {
-    return m.id == model_id::pcp_saft || m.id == model_id::spcp_saft;
 }
 
 void append_number(std::string& text, double value) {
@@ -156,13 +143,12 @@ void copy_in(const composition& usr_x, const composition& usr_y) {
     std::copy_n(usr_y.begin(), state.usr_ncmp, work_y.begin());
 }
 
-// Spreads back-end values over the caller's components: a component of (near) zero
-// concentration was not handed to the back-end and receives 0.0, unless the back-end keeps such
-// components.
+// Spreads back-end values over the caller's components: a component setfluid did not hand to the
+// back-end receives 0.0, unless the back-end keeps such components.
 void spread(const composition& backend_values, composition& caller_values, bool keeps_zero) {
     int k = 0;
     for (int i = 0; i < state.usr_ncmp; ++i) {
-        if (state.usr_cnc[i] < zero_concentration && !keeps_zero) {
+        if (zp_models::is_dropped(state.usr_cnc[i]) && !keeps_zero) {
             caller_values[i] = 0.0;
             --k;
         } else {
@@ -230,14 +216,13 @@ template <typename Evaluate>
 void pcp_saft_bundle(std::string_view inputspec, double input1, double input2, composition& usr_x,
                      composition& usr_y, std::string& errormsg, Evaluate evaluate) {
     copy_in(usr_x, usr_y);
-    if (is_pcp_saft(*alias)) {
+    if (alias->saft_operations) {
         if (valid_request(inputspec, input1, input2, errormsg)) evaluate();
     } else if (alias->id == model_id::none) {
         errormsg = model_name_unknown;
     }
-    const bool keeps_zero = named->id == model_id::varimol;
-    spread(work_x, usr_x, keeps_zero);
-    spread(work_y, usr_y, keeps_zero);
+    spread(work_x, usr_x, named->bundle_keeps_zero_components);
+    spread(work_y, usr_y, named->bundle_keeps_zero_components);
 }
 
 } // namespace
@@ -245,11 +230,11 @@ void pcp_saft_bundle(std::string_view inputspec, double input1, double input2, c
 const selection_state& selection() {
     return state;
 }
-model_id selected_alias() {
-    return alias->id;
+const zp_models::model& selected_alias() {
+    return *alias;
 }
-model_id selected_model() {
-    return named->id;
+const zp_models::model& selected_model() {
+    return *named;
 }
 
 void zpgetindex(std::string_view modelname, int& index, int len_modelname) {
@@ -266,16 +251,17 @@ void zpgetindex(std::string_view modelname, int& index, int len_modelname) {
 void zpgetversion(std::string_view modelname, std::array<int, 4>& version) {
     version.fill(-9);
     const auto& m = zp_models::by_name(modelname);
-    if (std::find(backends.begin(), backends.end(), m.id) != backends.end()) {
+    if (m.release_order >= 0) {
         if (m.adapter != nullptr && m.adapter->getversion != nullptr)
             m.adapter->getversion(version);
-    } else if (m.id != model_id::libr_h2o) // LiBr-H2O reports no version
+    } else if (!m.versionless)
         version.fill(-8);
 }
 
 void releaseobjects() {
-    for (const auto id : backends)
-        if (const auto* ops = zp_models::of(id).adapter; ops != nullptr && ops->uninit != nullptr)
+    for (int i = 0; i < zp_models::released_count; ++i)
+        if (const auto* ops = zp_models::released(i).adapter;
+            ops != nullptr && ops->uninit != nullptr)
             ops->uninit();
 }
 
@@ -327,7 +313,7 @@ void setfluid(std::string_view model, int in_ncmp, std::span<const std::string> 
     composition passed_cnc{};
     int npassed = 0;
     for (int i = 0; i < in_ncmp; ++i)
-        if (in_ncmp == 1 || keeps_zero || in_cnc[i] > zero_concentration) {
+        if (in_ncmp == 1 || keeps_zero || !zp_models::is_dropped(in_cnc[i])) {
             passed_cmp[npassed] = state.usr_cmp[i];
             passed_cnc[npassed] = in_cnc[i];
             ++npassed;
@@ -367,7 +353,7 @@ void getfluid(std::string& model, int& ncomp, std::array<std::string, 20>& comp,
     if (alias_ops != nullptr && alias_ops->getfluid != nullptr)
         alias_ops->getfluid(ncomp, comp, conc);
     // These back-ends describe the fluid by their own parameters: report the caller's selection.
-    if (is_pcp_saft(*alias) || alias->id == model_id::aerolt) {
+    if (alias->reports_caller_fluid) {
         ncomp = state.usr_ncmp;
         comp = state.usr_cmp;
         conc = state.usr_cnc;
@@ -540,19 +526,17 @@ void zp_allpropssatext(std::string_view inputspec, double input1, double input2,
 
 void alltransprops_zp(double t, double d, double& eta, double& eta_t, double& eta_d, double& lambda,
                       double& lambda_t, double& lambda_d, std::string& errormsg) {
-    switch (alias->id) {
-    case model_id::refprop:
+    switch (alias->transport_slopes) {
+    case zp_models::transport_bundle::backend:
         if (finite_inputs(t, d, errormsg))
             refprop_zp::refprop_alltransprops(t, d, eta, eta_t, eta_d, lambda, lambda_t, lambda_d,
                                               errormsg);
         return;
-    // The absorption pairs are listed without their hyphen here, so these never match.
-    case model_id::none:
-    case model_id::nh3_h2o:
-    case model_id::libr_h2o:
+    // The absorption pairs are listed without their hyphen here, so they are unlisted.
+    case zp_models::transport_bundle::unlisted:
         errormsg = model_name_unknown;
         return;
-    default:
+    case zp_models::transport_bundle::unavailable:
         errormsg = alltransprops_unavailable;
     }
 }
@@ -560,7 +544,7 @@ void alltransprops_zp(double t, double d, double& eta, double& eta_t, double& et
 void capeopenderiv_zp(std::string_view inputspec, double input1, double input2, double& v,
                       double& h, double& s, double& g, zp_common::composition& lnphi,
                       std::string& errormsg) {
-    if (!is_pcp_saft(*named)) {
+    if (!named->saft_operations) {
         errormsg.assign("Error in Zentropia: CapeOpenDeriv_ZP not available for ")
             .append(trim(state.modelname))
             .append(" ...");
@@ -588,7 +572,7 @@ void xy_a_alfa(double aij, double aji, double alfa, double p, double t, std::arr
 
 void xy_kij(double kij, double p, double t, std::array<double, 2>& x, std::array<double, 2>& y,
             std::string& errormsg) {
-    if (!is_pcp_saft(*named))
+    if (!named->saft_operations)
         errormsg = xy_kij_unavailable;
     else if (finite_inputs(p, t, errormsg))
         pcp_saft_zp::pcp_saft_xy_kij(kij, p, t, x, y, errormsg);
@@ -596,7 +580,7 @@ void xy_kij(double kij, double p, double t, std::array<double, 2>& x, std::array
 
 void hsxy_mp(double p, double t, double molpar, double& h_r, double& s_r, zp_common::composition& x,
              zp_common::composition& y, std::string& errormsg) {
-    if (!is_pcp_saft(*named))
+    if (!named->saft_operations)
         errormsg = hsxy_mp_unavailable;
     else if (finite_inputs(p, t, errormsg))
         pcp_saft_zp::pcp_saft_hsxy_mp(t, p, molpar, h_r, s_r, x, y, errormsg);

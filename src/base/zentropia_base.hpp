@@ -33,9 +33,9 @@ struct selection_state {
 // the current selection
 const selection_state& selection();
 // the back-end serving the selection, resolved at selection time (none before any)
-zp_models::model_id selected_alias();
+const zp_models::model& selected_alias();
 // the model named by the selection's modelname (none for a table model)
-zp_models::model_id selected_model();
+const zp_models::model& selected_model();
 
 // true when value still holds the not-computed sentinel -8888.8
 inline bool isinit(double value) {

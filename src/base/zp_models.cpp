@@ -30,26 +30,51 @@ constexpr double saft_offset = 111.0;
 // the caller's component names untranslated. files: a name the fluid table does not know reaches
 // the back-end unchanged (a user's fluid file). zeros: components of zero concentration reach the
 // back-end. fixed: the model describes one fluid only. offset: added to the first concentration.
+// Second line: bzero: the phase bundles keep components of zero concentration; liquid, vapour:
+// the phase compositions; fug: the adapter computes fugacity coefficients; deriv: the derivative
+// properties; eta/lambda, sigma: who answers them; pair: one call's (eta, lambda) come from the
+// back-end; slopes: the bundle of transport slopes; saft: the PCP-SAFT operations; own: getfluid
+// reports the caller's selection; rel: release (and version) position; nover: no version.
 
 constexpr std::array<model, 14> make_models() {
     // clang-format off
     using enum model_id;
+    using enum phases;
+    using enum derivatives;
+    using enum transport_bundle;
+    constexpr auto own = transport::own, be = transport::backend,
+                   be_own = transport::backend_then_own;
     return {{
     // id         name           adapter                      column names  files  zeros  fixed  offset
-    {none,        "",            nullptr,                     -1, false, false, false, false, 0.0},
-    {tpsi,        "TPSI",        &tpsi_zp::operations,         3, false, false, false, false, 0.0},
-    {litevarimol, "liteVarimol", &litevarimol_zp::operations,  4, false, true , true , false, 0.0},
-    {varimol,     "Varimol",     &varimol_zp::operations,      4, false, true , true , false, 0.0},
-    {if97,        "IF97",        &if97_zp::operations,        -1, false, false, false, true , 0.0},
-    {aerolt,      "Aerolt",      &aerolt_zp::operations,       5, true , false, false, false, 0.0},
-    {refprop,     "RefProp",     &refprop_zp::operations,      6, false, false, false, false, 0.0},
-    {kelvora,     "Kelvora",     &kelvora_zp::operations,      7, false, false, false, false, 0.0},
-    {pcp_saft,    "PCP-SAFT",    &pcp_saft_zp::operations,     8, true , false, false, false, 0.0},
-    {spcp_saft,   "sPCP-SAFT",   &pcp_saft_zp::operations,     8, true , false, false, false, saft_offset},
-    {critova,     "Critova",     &critova_zp::operations,     -1, true , false, false, false, 0.0},
-    {nh3_h2o,     "NH3-H2O",     nullptr,                     -1, false, false, false, false, 0.0},
-    {libr_h2o,    "LiBr-H2O",    &libr_h2o_zp::operations,    -1, false, false, false, false, 0.0},
-    {mesheq,      "Mesheq",      &mesheq_zp::operations,      -1, true , false, false, false, 0.0},
+    //  bzero  liquid       vapour      fug    deriv         eta/lam sigma   pair   slopes      saft   own    rel nover
+    {none,        "",            nullptr,                     -1, false, false, false, false, 0.0,
+        false, by_keyword,  by_keyword, false, formulas,     own,    own,    false, unlisted,    false, false, -1, false},
+    {tpsi,        "TPSI",        &tpsi_zp::operations,         3, false, false, false, false, 0.0,
+        false, pure,        pure,       false, formulas,     own,    own,    false, unavailable, false, false,  8, false},
+    {litevarimol, "liteVarimol", &litevarimol_zp::operations,  4, false, true , true , false, 0.0,
+        false, adapter,     adapter,    true , formulas,     own,    own,    false, unavailable, false, false,  0, false},
+    {varimol,     "Varimol",     &varimol_zp::operations,      4, false, true , true , false, 0.0,
+        true , adapter,     adapter,    true , formulas,     own,    own,    false, unavailable, false, false,  7, false},
+    {if97,        "IF97",        &if97_zp::operations,        -1, false, false, false, true , 0.0,
+        false, pure,        pure,       false, backend_cp_c, be,     be,     true , unavailable, false, false,  2, false},
+    {aerolt,      "Aerolt",      &aerolt_zp::operations,       5, true , false, false, false, 0.0,
+        false, adapter,     adapter,    false, formulas,     be,     own,    true , unavailable, false, true ,  1, false},
+    {refprop,     "RefProp",     &refprop_zp::operations,      6, false, false, false, false, 0.0,
+        false, adapter,     adapter,    true , formulas,     be_own, be_own, false, backend,     false, false,  5, false},
+    {kelvora,     "Kelvora",     &kelvora_zp::operations,      7, false, false, false, false, 0.0,
+        false, pure,        pure,       false, formulas,     be,     own,    false, unavailable, false, false,  9, false},
+    {pcp_saft,    "PCP-SAFT",    &pcp_saft_zp::operations,     8, true , false, false, false, 0.0,
+        false, adapter,     adapter,    true , formulas,     own,    own,    false, unavailable, true , true ,  4, false},
+    {spcp_saft,   "sPCP-SAFT",   &pcp_saft_zp::operations,     8, true , false, false, false, saft_offset,
+        false, adapter,     adapter,    true , formulas,     own,    own,    false, unavailable, true , true , -1, false},
+    {critova,     "Critova",     &critova_zp::operations,     -1, true , false, false, false, 0.0,
+        false, pure,        pure,       false, formulas,     own,    own,    false, unavailable, false, false,  6, false},
+    {nh3_h2o,     "NH3-H2O",     nullptr,                     -1, false, false, false, false, 0.0,
+        false, pure_liquid, by_keyword, false, formulas,     own,    own,    false, unlisted,    false, false, -1, false},
+    {libr_h2o,    "LiBr-H2O",    &libr_h2o_zp::operations,    -1, false, false, false, false, 0.0,
+        false, pure_liquid, by_keyword, false, formulas,     own,    be,     false, unlisted,    false, false, -1, true },
+    {mesheq,      "Mesheq",      &mesheq_zp::operations,      -1, true , false, false, false, 0.0,
+        false, unchanged,   unchanged,  false, backend_all,  be,     own,    true , unavailable, false, false,  3, false},
     }};
     // clang-format on
 }
@@ -61,6 +86,18 @@ static_assert(
         return true;
     }(),
     "the models table is indexed by model_id");
+static_assert(
+    [] {
+        const auto table = make_models();
+        for (int position = 0; position < released_count; ++position)
+            if (std::count_if(table.begin(), table.end(), [position](const model& m) {
+                    return m.release_order == position;
+                }) != 1)
+                return false;
+        return std::count_if(table.begin(), table.end(),
+                             [](const model& m) { return m.release_order >= 0; }) == released_count;
+    }(),
+    "every released back-end has one position in the release sequence");
 
 constinit std::array<model, 14> models = make_models();
 
@@ -86,6 +123,12 @@ const model& by_text(std::string_view text) {
     if (key.empty()) return models[0];
     for (const auto& m : models)
         if (equal_ignoring_case(m.name, key)) return m;
+    return models[0];
+}
+
+const model& released(int position) {
+    for (const auto& m : models)
+        if (m.release_order == position) return m;
     return models[0];
 }
 

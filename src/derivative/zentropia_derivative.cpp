@@ -11,15 +11,16 @@ namespace {
 
 using zp_common::is_ok;
 using zp_common::not_set;
-using zp_models::model_id;
+using zp_models::derivatives;
 
 // Internal units to SI inside the formulas: T = t + 273.15, P = 100000 p, kJ = 1000 J.
 constexpr double kelvin_offset = 273.15;
 constexpr double pa_per_bar = 100000.0;
 constexpr double j_per_kj = 1000.0;
 
-bool alias_is(model_id model) {
-    return zentropia_base::selected_alias() == model;
+// What the selected model's bundle delivers for the derivative properties.
+derivatives delivered_derivatives() {
+    return zentropia_base::selected_alias().derived;
 }
 bool is_mixture() {
     return zentropia_base::selection().ncmps > 1;
@@ -332,11 +333,13 @@ constexpr property_rule psi_rule   {"psi",   missing,   "Psi"};
 
 // Models that answer the property themselves; true with the answer in value.
 bool routed(const property_rule& rule, const state_query& s, double& value, std::string& errormsg) {
-    if (alias_is(model_id::mesheq) || (alias_is(model_id::if97) && rule.if97 == backend)) {
+    const derivatives by = delivered_derivatives();
+    if (by == derivatives::backend_all ||
+        (by == derivatives::backend_cp_c && rule.if97 == backend)) {
         value = zentropia_base::calculate(s.inputspec, s.input1, s.input2, rule.key, errormsg);
         return true;
     }
-    if (alias_is(model_id::if97) && rule.if97 == missing) {
+    if (by == derivatives::backend_cp_c && rule.if97 == missing) {
         errormsg = zp_common::trim(zentropia_base::selection().modelname);
         errormsg += ": calculation of ";
         errormsg += rule.if97_name;
@@ -402,14 +405,15 @@ bool is_single_phase(std::string_view inputspec, double q) {
 }
 
 completion completion_of_selection() {
-    switch (zentropia_base::selected_alias()) {
-    case model_id::mesheq:
+    switch (delivered_derivatives()) {
+    case derivatives::backend_all:
         return completion::backend_all;
-    case model_id::if97:
+    case derivatives::backend_cp_c:
         return completion::backend_cp_c;
-    default:
-        return completion::formulas;
+    case derivatives::formulas:
+        break;
     }
+    return completion::formulas;
 }
 
 bool completion_keeps_state(std::string_view inputspec, double q) {
@@ -433,7 +437,7 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
                    std::string& errormsg, const backend_sound* delivered) {
     if (!is_ok(errormsg)) return;
     const state_query s{inputspec, input1, input2};
-    if (alias_is(model_id::mesheq)) {
+    if (delivered_derivatives() == derivatives::backend_all) {
         cp = ask(s, "cp", errormsg), c = ask(s, "c", errormsg);
         alpha = ask(s, "alpha", errormsg), beta = ask(s, "beta", errormsg);
         chi = ask(s, "chi", errormsg), fi = ask(s, "phi", errormsg);
@@ -442,7 +446,7 @@ void allderivative(std::string_view inputspec, double input1, double input2, dou
         kappa = ask(s, "kappa", errormsg), gamma = ask(s, "gamma", errormsg);
         return;
     }
-    if (alias_is(model_id::if97)) {
+    if (delivered_derivatives() == derivatives::backend_cp_c) {
         cp = delivered != nullptr ? delivered->cp : ask(s, "cp", errormsg);
         c = delivered != nullptr ? delivered->c : ask(s, "c", errormsg);
         alpha = beta = chi = fi = ksi = psi = zeta = theta = kappa = gamma = not_set;
@@ -476,7 +480,7 @@ void allderivativesu2(std::string_view inputspec, double input1, double input2, 
                       double& alpha, double& beta, std::string& errormsg,
                       const backend_sound* delivered) {
     if (!is_ok(errormsg)) return;
-    if (alias_is(model_id::if97)) {
+    if (delivered_derivatives() == derivatives::backend_cp_c) {
         c = delivered != nullptr ? delivered->c
                                  : ask(state_query{inputspec, input1, input2}, "c", errormsg);
         alpha = beta = not_set;
@@ -508,7 +512,7 @@ void allderivativetarn(std::string_view inputspec, double input1, double input2,
                        double& c, double& alpha, double& beta, double& zeta, std::string& errormsg,
                        const backend_sound* delivered) {
     if (!is_ok(errormsg)) return;
-    if (alias_is(model_id::if97)) {
+    if (delivered_derivatives() == derivatives::backend_cp_c) {
         const state_query s{inputspec, input1, input2};
         cp = delivered != nullptr ? delivered->cp : ask(s, "cp", errormsg);
         c = delivered != nullptr ? delivered->c : ask(s, "c", errormsg);

@@ -123,7 +123,7 @@ void allpropssu2(std::string_view inputspec, double input1, double input2, doubl
     if (is_refprop_partial(errormsg)) {
         // Unlike allprops, the caller sees RefProp's text.
         r.alpha = r.beta = not_set;
-    } else if (zentropia_base::selected_alias() == zp_models::model_id::mesheq) {
+    } else if (zentropia_base::selected_alias().derived == zp_models::derivatives::backend_all) {
         // A table model delivers the flow-solver quantities in the derivative slots.
         c_squared = r.d2pdtdv, r.alpha = r.d2pdt2, r.beta = r.d2pdv2;
     } else {

@@ -9,26 +9,14 @@ namespace zentropia_thermo {
 namespace {
 
 using zp_common::composition;
-using zp_models::model_id;
+using zp_models::phases;
 
 double ask(std::string_view inputspec, double input1, double input2, std::string_view key,
            std::string& errormsg) {
     return zentropia_base::calculate(inputspec, input1, input2, key, errormsg);
 }
 
-bool alias_in(std::initializer_list<model_id> models) {
-    return std::find(models.begin(), models.end(), zentropia_base::selected_alias()) !=
-           models.end();
-}
-
 enum class phase_output { liquid, vapour, fugacity };
-
-// The back-ends of these models only see the components of non-zero concentration; the others
-// receive every component the caller named.
-bool keeps_all_components() {
-    const model_id model = zentropia_base::selected_model();
-    return model == model_id::varimol || model == model_id::litevarimol;
-}
 
 // Each composition output keeps its own work vector: a table model leaves it as the previous call
 // left it.
@@ -39,30 +27,28 @@ composition& work_vector(phase_output kind) {
 
 void fill_work_vector(phase_output kind, std::string_view inputspec, double input1, double input2,
                       composition& work, std::string& errormsg) {
+    const auto& model = zentropia_base::selected_alias();
     if (kind != phase_output::fugacity) {
-        // Pure-fluid models: the coexisting phases are the pure fluid itself.
         const bool liquid = kind == phase_output::liquid;
-        const bool pure =
-            liquid
-                ? alias_in({model_id::tpsi, model_id::if97, model_id::kelvora, model_id::critova,
-                            model_id::nh3_h2o, model_id::libr_h2o})
-                : alias_in({model_id::tpsi, model_id::if97, model_id::kelvora, model_id::critova});
-        if (pure) {
+        switch (liquid ? model.liquid : model.vapour) {
+        case phases::pure: // the coexisting phases are the pure fluid itself
+        case phases::pure_liquid: {
             const double q = ask(inputspec, input1, input2, "q", errormsg);
             work[0] = liquid ? (q >= 1.0 ? 0.0 : 1.0) : (q > 0.0 ? 1.0 : 0.0);
             return;
         }
-        if (alias_in({model_id::aerolt, model_id::litevarimol, model_id::varimol, model_id::refprop,
-                      model_id::pcp_saft, model_id::spcp_saft})) {
+        case phases::adapter:
             if (liquid)
                 zentropia_base::liquidcmp_zp(inputspec, input1, input2, work, errormsg);
             else
                 zentropia_base::vaporcmp_zp(inputspec, input1, input2, work, errormsg);
             return;
+        case phases::unchanged:
+            return;
+        case phases::by_keyword:
+            break;
         }
-        if (alias_in({model_id::mesheq})) return;
-    } else if (alias_in({model_id::varimol, model_id::litevarimol, model_id::refprop,
-                         model_id::pcp_saft, model_id::spcp_saft})) {
+    } else if (model.adapter_fugacity) {
         zentropia_base::fugacoef_zp(inputspec, input1, input2, work, errormsg);
         return;
     }
@@ -78,7 +64,8 @@ void phase_composition(phase_output kind, std::string_view inputspec, double inp
                        composition& output, std::string& errormsg) {
     composition& work = work_vector(kind);
     fill_work_vector(kind, inputspec, input1, input2, work, errormsg);
-    if (keeps_all_components()) {
+    // A back-end that keeps components of zero concentration answers for every component.
+    if (zentropia_base::selected_model().keeps_zero_components) {
         output = work;
         return;
     }
@@ -86,7 +73,7 @@ void phase_composition(phase_output kind, std::string_view inputspec, double inp
     const auto& sel = zentropia_base::selection();
     const int n = std::clamp(sel.usr_ncmp, 0, zp_common::max_components);
     int k = 0;
-    for (int i = 0; i < n; ++i) output[i] = sel.usr_cnc[i] < 1e-12 ? 0.0 : work[k++];
+    for (int i = 0; i < n; ++i) output[i] = zp_models::is_dropped(sel.usr_cnc[i]) ? 0.0 : work[k++];
 }
 
 } // namespace

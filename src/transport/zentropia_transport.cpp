@@ -166,12 +166,7 @@ bool load_mixture(std::string_view name, std::span<chung::component> comps,
     errormsg.append(" m3/kg is below the close packing of the fluid's molecules");
 }
 
-using zp_models::model_id;
-
-bool alias_in(std::initializer_list<model_id> models) {
-    return std::find(models.begin(), models.end(), zentropia_base::selected_alias()) !=
-           models.end();
-}
+using zp_models::transport;
 
 struct own_values {
     double eta = not_set, eta_t = not_set, eta_rho = not_set;
@@ -197,14 +192,15 @@ bool backend_lacks(double value) {
     return value + 9.99999 < 1e-6;
 }
 
-// One property: asked of the back-end for the models in `backend`, asked of RefProp first with
-// the own model as fallback, and of the own model for every other model.
+// One property, answered as the selected model's row says: by the back-end, by the back-end first
+// with the own model as fallback, or by the own model.
 double single_property(std::string_view key, double own_values::*own,
-                       std::initializer_list<model_id> backend, std::string_view inputspec,
+                       transport zp_models::model::*route, std::string_view inputspec,
                        double input1, double input2, std::string& errormsg) {
-    if (alias_in(backend))
+    const transport by = zentropia_base::selected_alias().*route;
+    if (by == transport::backend)
         return zentropia_base::calculate(inputspec, input1, input2, key, errormsg);
-    if (alias_in({model_id::refprop})) {
+    if (by == transport::backend_then_own) {
         const double value = zentropia_base::calculate(inputspec, input1, input2, key, errormsg);
         if (!backend_lacks(value)) return value;
     }
@@ -273,7 +269,7 @@ void transport_calcprop(double t, double v, double& eta, double& eta_t, double& 
 void zp_alltransprops(std::string_view inputspec, double input1, double input2, double& eta,
                       double& eta_t, double& eta_rho, double& lambda, double& lambda_t,
                       double& lambda_rho, double& sigma, std::string& errormsg) {
-    if (alias_in({model_id::if97, model_id::aerolt, model_id::mesheq})) {
+    if (zentropia_base::selected_alias().backend_transport) {
         eta_t = eta_rho = lambda_t = lambda_rho = sigma = not_set;
         eta = zentropia_base::calculate(inputspec, input1, input2, "eta", errormsg);
         if (!is_ok(errormsg)) return;
@@ -288,22 +284,20 @@ void zp_alltransprops(std::string_view inputspec, double input1, double input2, 
 
 double zp_viscosity(std::string_view inputspec, double input1, double input2,
                     std::string& errormsg) {
-    return single_property("eta", &own_values::eta,
-                           {model_id::if97, model_id::aerolt, model_id::kelvora, model_id::mesheq},
-                           inputspec, input1, input2, errormsg);
+    return single_property("eta", &own_values::eta, &zp_models::model::eta_lambda, inputspec,
+                           input1, input2, errormsg);
 }
 
 double zp_thermcond(std::string_view inputspec, double input1, double input2,
                     std::string& errormsg) {
-    return single_property("lambda", &own_values::lambda,
-                           {model_id::if97, model_id::aerolt, model_id::kelvora, model_id::mesheq},
-                           inputspec, input1, input2, errormsg);
+    return single_property("lambda", &own_values::lambda, &zp_models::model::eta_lambda, inputspec,
+                           input1, input2, errormsg);
 }
 
 double zp_surftens(std::string_view inputspec, double input1, double input2,
                    std::string& errormsg) {
-    return single_property("sigma", &own_values::sigma, {model_id::if97, model_id::libr_h2o},
-                           inputspec, input1, input2, errormsg);
+    return single_property("sigma", &own_values::sigma, &zp_models::model::sigma, inputspec, input1,
+                           input2, errormsg);
 }
 
 } // namespace zentropia_transport

@@ -2,6 +2,7 @@
 // that are not shipped, so the arguments they would receive can be observed.
 #include "base/fluids_table_file.hpp"
 #include "base/zentropia_base.hpp"
+#include "main/zentropia_thermo.hpp"
 
 #include <gtest/gtest.h>
 
@@ -325,6 +326,47 @@ TEST_F(Setfluid, CompositionsAreSpreadOverTheCallersComponents) {
             }
             EXPECT_EQ(x[4], 9.0);           // beyond the caller's components nothing is written
             EXPECT_TRUE(zb::isinit(sigma)); // the back-end computes no surface tension
+        }
+    }
+}
+
+// A concentration at the threshold is absent both when the fluid is handed to the back-end and
+// when the back-end's compositions are spread back, whichever output spreads them.
+TEST_F(Setfluid, ThresholdConcentrationIsAbsentEverywhere) {
+    static constexpr auto liquid = [](std::string_view, double, double, composition& x,
+                                      std::string& errormsg) {
+        for (std::size_t i = 0; i < x.size(); ++i) x[i] = 0.1 * double(i + 1);
+        errormsg = "No errors";
+    };
+    static constexpr zp_adapter::operations with_liquid = [] {
+        auto o = fake;
+        o.liquidcmp = liquid;
+        return o;
+    }();
+    zp_models::replace_adapter(model_id::refprop, &with_liquid);
+    struct {
+        double middle;
+        std::size_t passed;
+        std::array<double, 3> x;
+    } const cases[] = {
+        {0.0, 2, {0.1, 0.0, 0.2}},
+        {1e-12, 2, {0.1, 0.0, 0.2}},
+        {std::nextafter(1e-12, 1.0), 3, {0.1, 0.2, 0.3}},
+    };
+    for (const auto& c : cases) {
+        ASSERT_EQ(select("RefProp", {"water", "ethanol", "methanol"}, {0.5, c.middle, 0.5}),
+                  "No errors");
+        EXPECT_EQ(rec.conc.size(), c.passed) << c.middle;
+        double a = 0;
+        composition x{}, y{}, liq{};
+        std::string e;
+        zb::allthermophys("PT", 2.0, 30.0, a, a, a, a, a, a, a, a, x, y, a, a, a, a, a, a, a, a, a,
+                          a, e);
+        zentropia_thermo::zp_liquidcmp("PT", 2.0, 30.0, liq, e);
+        EXPECT_EQ(e, "No errors");
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_NEAR(x[i], c.x[i], 1e-15) << c.middle << " component " << i;
+            EXPECT_NEAR(liq[i], c.x[i], 1e-15) << c.middle << " component " << i;
         }
     }
 }
