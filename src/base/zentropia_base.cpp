@@ -1,9 +1,6 @@
 #include "base/zentropia_base.hpp"
 
 #include "Import/mesheq_zp.hpp"
-#include "Import/pcp_saft_zp.hpp"
-#include "Import/refprop_zp.hpp"
-#include "Import/varimol_zp.hpp"
 
 #if __has_include("transport/zentropia_transport.hpp")
 #include "transport/zentropia_transport.hpp"
@@ -210,13 +207,20 @@ void configure_transport(int ncmp, std::span<const std::string> cmp, std::span<c
 #endif
 }
 
-// A bundle that only the PCP-SAFT back-ends offer, run on the back-end's work compositions; any
-// other model computes nothing here and leaves errormsg as it was.
+// The operation `op` of the model's own operations; null when the model does not offer it.
+template <typename Op>
+Op special(const zp_models::model& m, Op zp_models::special_operations::*op) {
+    return m.special != nullptr ? m.special->*op : nullptr;
+}
+
+// A bundle that only some back-ends offer (`offered`), run on the back-end's work compositions;
+// any other model computes nothing here and leaves errormsg as it was.
 template <typename Evaluate>
-void pcp_saft_bundle(std::string_view inputspec, double input1, double input2, composition& usr_x,
-                     composition& usr_y, std::string& errormsg, Evaluate evaluate) {
+void special_bundle(bool offered, std::string_view inputspec, double input1, double input2,
+                    composition& usr_x, composition& usr_y, std::string& errormsg,
+                    Evaluate evaluate) {
     copy_in(usr_x, usr_y);
-    if (alias->saft_operations) {
+    if (offered) {
         if (valid_request(inputspec, input1, input2, errormsg)) evaluate();
     } else if (alias->id == model_id::none) {
         errormsg = model_name_unknown;
@@ -504,10 +508,10 @@ void zp_allpropsallphases(std::string_view inputspec, double input1, double inpu
                           phase_values& cv, phase_values& dpdt, phase_values& dpdv,
                           phase_values& d2pdt2, phase_values& d2pdv2, phase_values& d2pdtdv,
                           phase_values& dcvdt, double& eta, double& lambda, std::string& errormsg) {
-    pcp_saft_bundle(inputspec, input1, input2, usr_x, usr_y, errormsg, [&] {
-        pcp_saft_zp::pcp_saft_allpropsallphases(inputspec, input1, input2, p, t, v, d, h, s, u, q,
-                                                work_x, work_y, cv, dpdt, dpdv, d2pdt2, d2pdv2,
-                                                d2pdtdv, dcvdt, eta, lambda, errormsg);
+    const auto op = special(*alias, &zp_models::special_operations::allpropsallphases);
+    special_bundle(op != nullptr, inputspec, input1, input2, usr_x, usr_y, errormsg, [&] {
+        op(inputspec, input1, input2, p, t, v, d, h, s, u, q, work_x, work_y, cv, dpdt, dpdv,
+           d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda, errormsg);
     });
 }
 
@@ -517,41 +521,38 @@ void zp_allpropssatext(std::string_view inputspec, double input1, double input2,
                        double& d_liq, double& h_liq, double& s_liq, double& u_liq, double& v_vap,
                        double& d_vap, double& h_vap, double& s_vap, double& u_vap,
                        std::string& errormsg) {
-    pcp_saft_bundle(inputspec, input1, input2, usr_x, usr_y, errormsg, [&] {
-        pcp_saft_zp::pcp_saft_allpropssatext(inputspec, input1, input2, p, t, v, d, h, s, u, q,
-                                             work_x, work_y, v_liq, d_liq, h_liq, s_liq, u_liq,
-                                             v_vap, d_vap, h_vap, s_vap, u_vap, errormsg);
+    const auto op = special(*alias, &zp_models::special_operations::allpropssatext);
+    special_bundle(op != nullptr, inputspec, input1, input2, usr_x, usr_y, errormsg, [&] {
+        op(inputspec, input1, input2, p, t, v, d, h, s, u, q, work_x, work_y, v_liq, d_liq, h_liq,
+           s_liq, u_liq, v_vap, d_vap, h_vap, s_vap, u_vap, errormsg);
     });
 }
 
 void alltransprops_zp(double t, double d, double& eta, double& eta_t, double& eta_d, double& lambda,
                       double& lambda_t, double& lambda_d, std::string& errormsg) {
-    switch (alias->transport_slopes) {
-    case zp_models::transport_bundle::backend:
-        if (finite_inputs(t, d, errormsg))
-            refprop_zp::refprop_alltransprops(t, d, eta, eta_t, eta_d, lambda, lambda_t, lambda_d,
-                                              errormsg);
-        return;
     // The absorption pairs are listed without their hyphen here, so they are unlisted.
-    case zp_models::transport_bundle::unlisted:
+    if (!alias->lists_transport_slopes) {
         errormsg = model_name_unknown;
-        return;
-    case zp_models::transport_bundle::unavailable:
+    } else if (const auto op = special(*alias, &zp_models::special_operations::alltransprops);
+               op == nullptr) {
         errormsg = alltransprops_unavailable;
+    } else if (finite_inputs(t, d, errormsg)) {
+        op(t, d, eta, eta_t, eta_d, lambda, lambda_t, lambda_d, errormsg);
     }
 }
 
 void capeopenderiv_zp(std::string_view inputspec, double input1, double input2, double& v,
                       double& h, double& s, double& g, zp_common::composition& lnphi,
                       std::string& errormsg) {
-    if (!named->saft_operations) {
+    const auto op = special(*named, &zp_models::special_operations::capeopenderiv);
+    if (op == nullptr) {
         errormsg.assign("Error in Zentropia: CapeOpenDeriv_ZP not available for ")
             .append(trim(state.modelname))
             .append(" ...");
         return;
     }
     if (valid_request(inputspec, input1, input2, errormsg))
-        pcp_saft_zp::pcp_saft_capeopenderiv(inputspec, input1, input2, v, h, s, g, lnphi, errormsg);
+        op(inputspec, input1, input2, v, h, s, g, lnphi, errormsg);
 }
 
 void psat_k1(double k1, double t, double& psat, std::string& errormsg) {
@@ -564,26 +565,29 @@ void psat_k1(double k1, double t, double& psat, std::string& errormsg) {
 
 void xy_a_alfa(double aij, double aji, double alfa, double p, double t, std::array<double, 2>& x,
                std::array<double, 2>& y, std::string& errormsg) {
-    if (named->id != model_id::varimol)
+    const auto op = special(*named, &zp_models::special_operations::xy_a_alfa);
+    if (op == nullptr)
         errormsg = xy_a_alfa_unavailable;
     else if (finite_inputs(p, t, errormsg))
-        varimol_zp::varimol_xy_a_alfa(aij, aji, alfa, p, t, x, y, errormsg);
+        op(aij, aji, alfa, p, t, x, y, errormsg);
 }
 
 void xy_kij(double kij, double p, double t, std::array<double, 2>& x, std::array<double, 2>& y,
             std::string& errormsg) {
-    if (!named->saft_operations)
+    const auto op = special(*named, &zp_models::special_operations::xy_kij);
+    if (op == nullptr)
         errormsg = xy_kij_unavailable;
     else if (finite_inputs(p, t, errormsg))
-        pcp_saft_zp::pcp_saft_xy_kij(kij, p, t, x, y, errormsg);
+        op(kij, p, t, x, y, errormsg);
 }
 
 void hsxy_mp(double p, double t, double molpar, double& h_r, double& s_r, zp_common::composition& x,
              zp_common::composition& y, std::string& errormsg) {
-    if (!named->saft_operations)
+    const auto op = special(*named, &zp_models::special_operations::hsxy_mp);
+    if (op == nullptr)
         errormsg = hsxy_mp_unavailable;
     else if (finite_inputs(p, t, errormsg))
-        pcp_saft_zp::pcp_saft_hsxy_mp(t, p, molpar, h_r, s_r, x, y, errormsg);
+        op(t, p, molpar, h_r, s_r, x, y, errormsg);
 }
 
 void zp_saturationline(int& npnts, std::span<double> t, std::span<double> p,

@@ -33,48 +33,75 @@ constexpr double saft_offset = 111.0;
 // Second line: bzero: the phase bundles keep components of zero concentration; liquid, vapour:
 // the phase compositions; fug: the adapter computes fugacity coefficients; deriv: the derivative
 // properties; eta/lambda, sigma: who answers them; pair: one call's (eta, lambda) come from the
-// back-end; slopes: the bundle of transport slopes; saft: the PCP-SAFT operations; own: getfluid
-// reports the caller's selection; rel: release (and version) position; nover: no version.
+// back-end; slopes: the dispatcher of the transport slopes knows the model; special: the
+// back-end's operations beyond the common contract; own: getfluid reports the caller's
+// selection; rel: release (and version) position; nover: no version.
+
+// The operations of their own that the PCP-SAFT, Varimol and RefProp back-ends offer.
+constexpr special_operations pcp_saft_special{
+    .allpropsallphases = &pcp_saft_zp::pcp_saft_allpropsallphases,
+    .allpropssatext = &pcp_saft_zp::pcp_saft_allpropssatext,
+    .capeopenderiv = &pcp_saft_zp::pcp_saft_capeopenderiv,
+    .xy_kij = &pcp_saft_zp::pcp_saft_xy_kij,
+    .hsxy_mp = &pcp_saft_zp::pcp_saft_hsxy_mp,
+    .xy_a_alfa = nullptr,
+    .alltransprops = nullptr};
+constexpr special_operations varimol_special{.allpropsallphases = nullptr,
+                                             .allpropssatext = nullptr,
+                                             .capeopenderiv = nullptr,
+                                             .xy_kij = nullptr,
+                                             .hsxy_mp = nullptr,
+                                             .xy_a_alfa = &varimol_zp::varimol_xy_a_alfa,
+                                             .alltransprops = nullptr};
+constexpr special_operations refprop_special{.allpropsallphases = nullptr,
+                                             .allpropssatext = nullptr,
+                                             .capeopenderiv = nullptr,
+                                             .xy_kij = nullptr,
+                                             .hsxy_mp = nullptr,
+                                             .xy_a_alfa = nullptr,
+                                             .alltransprops = &refprop_zp::refprop_alltransprops};
 
 constexpr std::array<model, 14> make_models() {
     // clang-format off
     using enum model_id;
     using enum phases;
     using enum derivatives;
-    using enum transport_bundle;
+    constexpr bool unlisted = false, listed = true;
+    constexpr const special_operations* no = nullptr;
+    constexpr auto saft = &pcp_saft_special, vm = &varimol_special, rp = &refprop_special;
     constexpr auto own = transport::own, be = transport::backend,
                    be_own = transport::backend_then_own;
     return {{
     // id         name           adapter                      column names  files  zeros  fixed  offset
-    //  bzero  liquid       vapour      fug    deriv         eta/lam sigma   pair   slopes      saft   own    rel nover
+    //  bzero  liquid       vapour      fug    deriv         eta/lam sigma   pair   slopes    special own    rel nover
     {none,        "",            nullptr,                     -1, false, false, false, false, 0.0,
-        false, by_keyword,  by_keyword, false, formulas,     own,    own,    false, unlisted,    false, false, -1, false},
+        false, by_keyword,  by_keyword, false, formulas,     own,    own,    false, unlisted, no  , false, -1, false},
     {tpsi,        "TPSI",        &tpsi_zp::operations,         3, false, false, false, false, 0.0,
-        false, pure,        pure,       false, formulas,     own,    own,    false, unavailable, false, false,  8, false},
+        false, pure,        pure,       false, formulas,     own,    own,    false, listed  , no  , false,  8, false},
     {litevarimol, "liteVarimol", &litevarimol_zp::operations,  4, false, true , true , false, 0.0,
-        false, adapter,     adapter,    true , formulas,     own,    own,    false, unavailable, false, false,  0, false},
+        false, adapter,     adapter,    true , formulas,     own,    own,    false, listed  , no  , false,  0, false},
     {varimol,     "Varimol",     &varimol_zp::operations,      4, false, true , true , false, 0.0,
-        true , adapter,     adapter,    true , formulas,     own,    own,    false, unavailable, false, false,  7, false},
+        true , adapter,     adapter,    true , formulas,     own,    own,    false, listed  , vm  , false,  7, false},
     {if97,        "IF97",        &if97_zp::operations,        -1, false, false, false, true , 0.0,
-        false, pure,        pure,       false, backend_cp_c, be,     be,     true , unavailable, false, false,  2, false},
+        false, pure,        pure,       false, backend_cp_c, be,     be,     true , listed  , no  , false,  2, false},
     {aerolt,      "Aerolt",      &aerolt_zp::operations,       5, true , false, false, false, 0.0,
-        false, adapter,     adapter,    false, formulas,     be,     own,    true , unavailable, false, true ,  1, false},
+        false, adapter,     adapter,    false, formulas,     be,     own,    true , listed  , no  , true ,  1, false},
     {refprop,     "RefProp",     &refprop_zp::operations,      6, false, false, false, false, 0.0,
-        false, adapter,     adapter,    true , formulas,     be_own, be_own, false, backend,     false, false,  5, false},
+        false, adapter,     adapter,    true , formulas,     be_own, be_own, false, listed  , rp  , false,  5, false},
     {kelvora,     "Kelvora",     &kelvora_zp::operations,      7, false, false, false, false, 0.0,
-        false, pure,        pure,       false, formulas,     be,     own,    false, unavailable, false, false,  9, false},
+        false, pure,        pure,       false, formulas,     be,     own,    false, listed  , no  , false,  9, false},
     {pcp_saft,    "PCP-SAFT",    &pcp_saft_zp::operations,     8, true , false, false, false, 0.0,
-        false, adapter,     adapter,    true , formulas,     own,    own,    false, unavailable, true , true ,  4, false},
+        false, adapter,     adapter,    true , formulas,     own,    own,    false, listed  , saft, true ,  4, false},
     {spcp_saft,   "sPCP-SAFT",   &pcp_saft_zp::operations,     8, true , false, false, false, saft_offset,
-        false, adapter,     adapter,    true , formulas,     own,    own,    false, unavailable, true , true , -1, false},
+        false, adapter,     adapter,    true , formulas,     own,    own,    false, listed  , saft, true , -1, false},
     {critova,     "Critova",     &critova_zp::operations,     -1, true , false, false, false, 0.0,
-        false, pure,        pure,       false, formulas,     own,    own,    false, unavailable, false, false,  6, false},
+        false, pure,        pure,       false, formulas,     own,    own,    false, listed  , no  , false,  6, false},
     {nh3_h2o,     "NH3-H2O",     nullptr,                     -1, false, false, false, false, 0.0,
-        false, pure_liquid, by_keyword, false, formulas,     own,    own,    false, unlisted,    false, false, -1, false},
+        false, pure_liquid, by_keyword, false, formulas,     own,    own,    false, unlisted, no  , false, -1, false},
     {libr_h2o,    "LiBr-H2O",    &libr_h2o_zp::operations,    -1, false, false, false, false, 0.0,
-        false, pure_liquid, by_keyword, false, formulas,     own,    be,     false, unlisted,    false, false, -1, true },
+        false, pure_liquid, by_keyword, false, formulas,     own,    be,     false, unlisted, no  , false, -1, true },
     {mesheq,      "Mesheq",      &mesheq_zp::operations,      -1, true , false, false, false, 0.0,
-        false, unchanged,   unchanged,  false, backend_all,  be,     own,    true , unavailable, false, false,  3, false},
+        false, unchanged,   unchanged,  false, backend_all,  be,     own,    true , listed  , no  , false,  3, false},
     }};
     // clang-format on
 }

@@ -3,6 +3,7 @@
 // serves the model and how fluid selection treats it.
 #include "Import/adapter.hpp"
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -48,11 +49,44 @@ enum class derivatives : std::uint8_t {
     backend_all   // every derivative property, from the back-end (tables)
 };
 
-// How the back-end's bundle of transport derivatives (eta, lambda and their slopes) is served.
-enum class transport_bundle : std::uint8_t {
-    unlisted,    // the dispatcher does not know the model: "model name unknown"
-    unavailable, // known, without such a bundle
-    backend      // the back-end computes it
+// Operations that only some back-ends offer, beyond the common adapter contract; null where the
+// back-end does not offer one.
+struct special_operations {
+    using phase_values = zp_adapter::phase_values;
+    using composition = zp_common::composition;
+    using pair = std::array<double, 2>;
+    // every property of each phase present at the state
+    void (*allpropsallphases)(std::string_view inputspec, double value1, double value2,
+                              phase_values& p, phase_values& t, phase_values& v, phase_values& d,
+                              phase_values& h, phase_values& s, phase_values& u, double& q,
+                              composition& x, composition& y, phase_values& cv, phase_values& dpdt,
+                              phase_values& dpdv, phase_values& d2pdt2, phase_values& d2pdv2,
+                              phase_values& d2pdtdv, phase_values& dcvdt, double& eta,
+                              double& lambda, std::string& errormsg);
+    // the state with the properties of its saturated liquid and vapour
+    void (*allpropssatext)(std::string_view inputspec, double value1, double value2, double& p,
+                           double& t, double& v, double& d, double& h, double& s, double& u,
+                           double& q, composition& x, composition& y, double& v_liq, double& d_liq,
+                           double& h_liq, double& s_liq, double& u_liq, double& v_vap,
+                           double& d_vap, double& h_vap, double& s_vap, double& u_vap,
+                           std::string& errormsg);
+    // the derivative bundle of process simulators
+    void (*capeopenderiv)(std::string_view inputspec, double value1, double value2, double& v,
+                          double& h, double& s, double& g, composition& lnphi,
+                          std::string& errormsg);
+    // binary phase compositions for an interaction parameter kij at p and t
+    void (*xy_kij)(double kij, double p, double t, pair& x, pair& y, std::string& errormsg);
+    // residual enthalpy and entropy and the phase compositions for a molecular parameter (t
+    // before p)
+    void (*hsxy_mp)(double t, double p, double molpar, double& h_r, double& s_r, composition& x,
+                    composition& y, std::string& errormsg);
+    // binary phase compositions for the activity parameters aij, aji and alfa at p and t
+    void (*xy_a_alfa)(double aij, double aji, double alfa, double p, double t, pair& x, pair& y,
+                      std::string& errormsg);
+    // viscosity, thermal conductivity and their slopes in temperature and density at (t, d)
+    void (*alltransprops)(double t, double d, double& eta, double& eta_t, double& eta_d,
+                          double& lambda, double& lambda_t, double& lambda_d,
+                          std::string& errormsg);
 };
 
 struct model {
@@ -68,16 +102,15 @@ struct model {
     double first_conc_offset;   // added to the first concentration handed to the back-end
     // The bundles of phase properties keep components of zero concentration.
     bool bundle_keeps_zero_components;
-    phases liquid;          // the liquid composition
-    phases vapour;          // the vapour composition
-    bool adapter_fugacity;  // the adapter computes fugacity coefficients (else by keyword)
-    derivatives derived;    // the derivative properties
-    transport eta_lambda;   // viscosity and thermal conductivity, one at a time
-    transport sigma;        // surface tension
-    bool backend_transport; // the transport pair (eta, lambda) of one call is the back-end's
-    transport_bundle transport_slopes; // eta, lambda and their slopes in T and density
-    bool saft_operations;      // the PCP-SAFT family's own operations (phase bundles, CAPE-OPEN
-                               // derivatives, kij and mixing-parameter equilibria)
+    phases liquid;               // the liquid composition
+    phases vapour;               // the vapour composition
+    bool adapter_fugacity;       // the adapter computes fugacity coefficients (else by keyword)
+    derivatives derived;         // the derivative properties
+    transport eta_lambda;        // viscosity and thermal conductivity, one at a time
+    transport sigma;             // surface tension
+    bool backend_transport;      // the transport pair (eta, lambda) of one call is the back-end's
+    bool lists_transport_slopes; // the dispatcher of the transport slopes knows the model
+    const special_operations* special; // the back-end's own operations; null: none
     bool reports_caller_fluid; // getfluid answers the caller's selection, not the back-end's
     int release_order;         // position among the back-ends released (and asked for their
                                // version) by the library; -1: none
