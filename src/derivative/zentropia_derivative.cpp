@@ -405,15 +405,7 @@ bool is_single_phase(std::string_view inputspec, double q) {
 }
 
 completion completion_of_selection() {
-    switch (delivered_derivatives()) {
-    case derivatives::backend_all:
-        return completion::backend_all;
-    case derivatives::backend_cp_c:
-        return completion::backend_cp_c;
-    case derivatives::formulas:
-        break;
-    }
-    return completion::formulas;
+    return delivered_derivatives();
 }
 
 bool completion_keeps_state(std::string_view inputspec, double q) {

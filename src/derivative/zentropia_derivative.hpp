@@ -10,6 +10,8 @@
 // zeta = (∂T/∂v)_u K kg/m³, theta = (∂v/∂T)_P / v 1/K, kappa = -(∂v/∂P)_T / v 1/bar and the
 // fundamental derivative gamma = v³/(2c²) (∂²P/∂v²)_s (dimensionless).
 // The saturation-line functions work in SI: T K, P Pa, s and cp J/(kg K).
+#include "base/zp_models.hpp"
+
 #include <string>
 #include <string_view>
 
@@ -30,8 +32,8 @@ derived_properties single_phase_derived(double p, double t, double v, double d, 
 
 // How allderivative completes a state of the selected model: by the formulas over the pressure
 // derivatives, with the back-end's own cp and c (and -8888.8 for the other ten), or asking the
-// back-end for all twelve (table models).
-enum class completion { formulas, backend_cp_c, backend_all };
+// back-end for all twelve (table models); the model's row says which.
+using completion = zp_models::derivatives;
 completion completion_of_selection();
 // true when allderivative leaves the state's values (cv) and the error text as they are: for
 // back-ends whose own cp and c belong to the evaluated state, and in the single-phase region
