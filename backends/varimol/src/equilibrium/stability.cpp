@@ -29,7 +29,8 @@ struct trial_outcome {
 
 // One trial from the amounts W (in: starting values as ln W).
 trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, double P,
-                        const double* z, const double* d, const phase& zphase, vec lnw) {
+                        const double* z, const double* lnz, const double* d, const phase& zphase,
+                        vec lnw) {
     const int n = f.n;
     trial_outcome o{};
     phase ph;
@@ -54,7 +55,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
         double tm = 1.0, beta = 0.0;
         for (int i = 0; i < n; ++i) {
             tm += W[i] * (lnw[i] + ph.lnphi[i] - d[i] - 1.0);
-            beta += (W[i] - z[i]) * (lnw[i] - std::log(z[i]));
+            beta += (W[i] - z[i]) * (lnw[i] - lnz[i]);
         }
         if (!(beta > 0.0)) return false;
         const double r = 2.0 * tm / beta;
@@ -208,8 +209,11 @@ int stability(const fluid& f, const temperature_terms<double>& t, double P, cons
               const phase& zphase, stability_result& out) {
     const int n = f.n;
     out = stability_result{};
-    vec d{}, lnk{};
-    for (int i = 0; i < n; ++i) d[i] = std::log(z[i]) + zphase.lnphi[i];
+    vec d{}, lnk{}, lnz{};
+    for (int i = 0; i < n; ++i) {
+        lnz[i] = std::log(z[i]);
+        d[i] = lnz[i] + zphase.lnphi[i];
+    }
     wilson_k(f, value(t.T), P, lnk.data());
     int imax = 0, imin = 0;
     for (int i = 1; i < n; ++i) {
@@ -218,8 +222,8 @@ int stability(const fluid& f, const temperature_terms<double>& t, double P, cons
     }
     vec starts[4];
     int ntrial = 0;
-    for (int i = 0; i < n; ++i) starts[0][i] = std::log(z[i]) + lnk[i];
-    for (int i = 0; i < n; ++i) starts[1][i] = std::log(z[i]) - lnk[i];
+    for (int i = 0; i < n; ++i) starts[0][i] = lnz[i] + lnk[i];
+    for (int i = 0; i < n; ++i) starts[1][i] = lnz[i] - lnk[i];
     ntrial = 2;
     if (lnk[imax] - lnk[imin] > std::log(100.0)) {
         for (int which : {imax, imin}) {
@@ -230,7 +234,7 @@ int stability(const fluid& f, const temperature_terms<double>& t, double P, cons
     }
     bool all_converged = true;
     for (int k = 0; k < ntrial; ++k) {
-        const trial_outcome o = run_trial(f, t, P, z, d.data(), zphase, starts[k]);
+        const trial_outcome o = run_trial(f, t, P, z, lnz.data(), d.data(), zphase, starts[k]);
         if (!o.converged) all_converged = false;
         if (!o.trivial && o.tpd < out.tpd) {
             out.tpd = o.tpd;
