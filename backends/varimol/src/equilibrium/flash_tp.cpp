@@ -143,9 +143,10 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         if (!(sv > 0.0 && sl > 0.0)) return 441;
         for (int i = 0; i < n; ++i) y[i] = va[i] / sv, x[i] = la[i] / sl;
         const double b = sv / (sv + sl);
-        // the composition derivatives only when another step follows
-        if (eval_phase(f, t, P, x.data(), root_choice::stable, L) ||
-            eval_phase(f, t, P, y.data(), root_choice::stable, V))
+        // the composition derivatives with the values: one root solve per phase and step (they
+        // cost less than a second solve, and only the last step leaves them unused)
+        if (eval_phase(f, t, P, x.data(), root_choice::stable, L, &dl) ||
+            eval_phase(f, t, P, y.data(), root_choice::stable, V, &dv))
             return 441;
         vec g{};
         double gmax = 0.0, triv = 0.0;
@@ -163,9 +164,6 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
             converged = true;
             break;
         }
-        if (eval_phase(f, t, P, x.data(), root_choice::stable, L, &dl) ||
-            eval_phase(f, t, P, y.data(), root_choice::stable, V, &dv))
-            return 441;
         std::array<double, mc * mc> H{};
         double dmean = 0.0;
         for (int i = 0; i < n; ++i) {

@@ -126,6 +126,9 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
     phase L, V;
     mat dl, dv;
     vec dpl{}, dpv{}, dtl{}, dtv{};
+    // at a given temperature its terms are formed once
+    temperature_terms<double> tfix;
+    if (given_t) at_temperature(f, T, tfix);
     // successive substitution with the pressure (or temperature) moved on the same sum
     bool converged = false;
     for (int it = 0; it < 80; ++it) {
@@ -142,12 +145,10 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
         const bool newton = it >= 4;
         int e;
         if (given_t) {
-            temperature_terms<double> t;
-            at_temperature(f, T, t);
-            e = eval_phase(f, t, P, xn.data(), root_choice::liquid, L, newton ? &dl : nullptr,
+            e = eval_phase(f, tfix, P, xn.data(), root_choice::liquid, L, newton ? &dl : nullptr,
                            &dpl);
             e = e ? e
-                  : eval_phase(f, t, P, yn.data(), root_choice::vapour, V,
+                  : eval_phase(f, tfix, P, yn.data(), root_choice::vapour, V,
                                newton ? &dv : nullptr, &dpv);
         } else {
             temperature_terms<taylor<1>> t;

@@ -29,17 +29,39 @@ struct trial_outcome {
 
 // One trial from the amounts W (in: starting values as ln W).
 trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, double P,
-                        const double* z, const double* d, const phase& zphase, vec lnw) {
+                        const double* z, const double* lnz, const double* d, const phase& zphase,
+                        vec lnw) {
     const int n = f.n;
     trial_outcome o{};
     phase ph;
-    vec w{}, g{}, gold{};
+    vec w{}, g{}, gold{}, W{};
     double sumw = 0.0;
     auto evaluate = [&](bool, mat* dn) {
         sumw = 0.0;
-        for (int i = 0; i < n; ++i) sumw += std::exp(lnw[i]);
-        for (int i = 0; i < n; ++i) w[i] = std::exp(lnw[i]) / sumw;
+        for (int i = 0; i < n; ++i) {
+            W[i] = std::exp(lnw[i]);
+            sumw += W[i];
+        }
+        for (int i = 0; i < n; ++i) w[i] = W[i] / sumw;
         return eval_phase(f, t, P, w.data(), root_choice::stable, ph, dn, nullptr);
+    };
+    // Near the trivial solution tm(W) is a positive quadratic form in W - z, a fixed multiple of
+    // beta = sum (W_i - z_i)(ln W_i - ln z_i) along the direction of approach (Michelsen and
+    // Mollerup, ch. 9): a trial within beta < 1e-4 of the feed whose ratio r = 2 tm/beta has
+    // settled, clearly above zero (far from a critical point, where it vanishes), is falling
+    // onto the feed.
+    double r_prev = -1.0;
+    auto approaching_feed = [&]() {
+        double tm = 1.0, beta = 0.0;
+        for (int i = 0; i < n; ++i) {
+            tm += W[i] * (lnw[i] + ph.lnphi[i] - d[i] - 1.0);
+            beta += (W[i] - z[i]) * (lnw[i] - lnz[i]);
+        }
+        if (!(beta > 0.0)) return false;
+        const double r = 2.0 * tm / beta;
+        const bool settled = std::abs(r - r_prev) < 0.02 * r || beta < 1e-6;
+        r_prev = r;
+        return beta < 1e-4 && r > 0.1 && settled;
     };
     auto trivial_now = [&]() {
         double s = 0.0;
@@ -63,7 +85,8 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
         }
         // converged, or close enough to a stationary point well above the tangent plane, where
         // the remaining steps cannot bring it below
-        if (gn < 1e-24 || (gn < 1e-8 && tpd_of_w() > 1e-6)) {
+        if (gn < 1e-24 || (gn < 1e-8 && tpd_of_w() > 1e-6) ||
+            (gn < 1e-4 && tpd_of_w() > 1e-2)) {
             o.converged = true;
             break;
         }
@@ -73,7 +96,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             o.converged = true;
             break;
         }
-        if (trivial_now()) {
+        if (trivial_now() || approaching_feed()) {
             o.trivial = true;
             o.converged = true;
             break;
@@ -99,7 +122,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
         // second-order steps in alpha_i = 2 sqrt(W_i) on tm(W) = 1 + sum W_i (ln W_i + ln phi_i
         // - d_i - 1), Hessian delta_ij + sqrt(W_i W_j) d ln phi_i / d W_j
         mat dn;
-        vec W{};
+        vec Wk{}; // the amounts of the current iterate (tm_of moves W)
         auto tm_of = [&](const vec& lw, double& tm) {
             vec tmp = lnw;
             lnw = lw;
@@ -108,7 +131,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             if (e) return false;
             tm = 1.0;
             for (int i = 0; i < n; ++i) {
-                const double Wi = std::exp(lw[i]);
+                const double Wi = W[i];
                 tm += Wi * (lw[i] + ph.lnphi[i] - d[i] - 1.0);
             }
             return true;
@@ -120,11 +143,11 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             vec grad{};
             std::array<double, mc * mc> H{};
             for (int i = 0; i < n; ++i) {
-                W[i] = std::exp(lnw[i]);
+                Wk[i] = W[i];
                 const double G = lnw[i] + ph.lnphi[i] - d[i];
-                grad[i] = std::sqrt(W[i]) * G;
+                grad[i] = std::sqrt(Wk[i]) * G;
                 gn += G * G;
-                tm += W[i] * (G - 1.0);
+                tm += Wk[i] * (G - 1.0);
             }
             // converged, or stalled at the rounding level of ln phi
             if (gn < 1e-24 || (gn < 1e-18 && gn > 0.25 * gn_prev) ||
@@ -141,7 +164,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             for (int i = 0; i < n; ++i)
                 for (int j = 0; j < n; ++j)
                     H[i * mc + j] = (i == j ? 1.0 : 0.0) +
-                                    std::sqrt(W[i] * W[j]) * dn[i * mc + j] / sumw;
+                                    std::sqrt(Wk[i] * Wk[j]) * dn[i * mc + j] / sumw;
             vec step = grad;
             for (int i = 0; i < n; ++i) step[i] = -step[i];
             if (!solve_linear(n, H.data(), mc, step.data())) break;
@@ -152,7 +175,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             for (int h = 0; h < 20; ++h) {
                 bool pos = true;
                 for (int i = 0; i < n; ++i) {
-                    const double a = 2.0 * std::sqrt(W[i]) + fac * step[i];
+                    const double a = 2.0 * std::sqrt(Wk[i]) + fac * step[i];
                     if (!(a > 0.0)) { pos = false; break; }
                     lw[i] = std::log(0.25 * a * a);
                 }
@@ -186,8 +209,11 @@ int stability(const fluid& f, const temperature_terms<double>& t, double P, cons
               const phase& zphase, stability_result& out) {
     const int n = f.n;
     out = stability_result{};
-    vec d{}, lnk{};
-    for (int i = 0; i < n; ++i) d[i] = std::log(z[i]) + zphase.lnphi[i];
+    vec d{}, lnk{}, lnz{};
+    for (int i = 0; i < n; ++i) {
+        lnz[i] = std::log(z[i]);
+        d[i] = lnz[i] + zphase.lnphi[i];
+    }
     wilson_k(f, value(t.T), P, lnk.data());
     int imax = 0, imin = 0;
     for (int i = 1; i < n; ++i) {
@@ -196,8 +222,8 @@ int stability(const fluid& f, const temperature_terms<double>& t, double P, cons
     }
     vec starts[4];
     int ntrial = 0;
-    for (int i = 0; i < n; ++i) starts[0][i] = std::log(z[i]) + lnk[i];
-    for (int i = 0; i < n; ++i) starts[1][i] = std::log(z[i]) - lnk[i];
+    for (int i = 0; i < n; ++i) starts[0][i] = lnz[i] + lnk[i];
+    for (int i = 0; i < n; ++i) starts[1][i] = lnz[i] - lnk[i];
     ntrial = 2;
     if (lnk[imax] - lnk[imin] > std::log(100.0)) {
         for (int which : {imax, imin}) {
@@ -208,7 +234,7 @@ int stability(const fluid& f, const temperature_terms<double>& t, double P, cons
     }
     bool all_converged = true;
     for (int k = 0; k < ntrial; ++k) {
-        const trial_outcome o = run_trial(f, t, P, z, d.data(), zphase, starts[k]);
+        const trial_outcome o = run_trial(f, t, P, z, lnz.data(), d.data(), zphase, starts[k]);
         if (!o.converged) all_converged = false;
         if (!o.trivial && o.tpd < out.tpd) {
             out.tpd = o.tpd;

@@ -12,9 +12,11 @@ namespace varimol {
 
 template <int N>
 struct taylor {
-    std::array<double, N + 1> c{};
+    // left unset by the default constructor, as a double is: the tables of temperature terms
+    // hold mc x mc of them and are filled only for the components present
+    std::array<double, N + 1> c;
     taylor() = default;
-    taylor(double v) { c[0] = v; } // a constant
+    taylor(double v) : c{} { c[0] = v; } // a constant
     static taylor variable(double v) {
         taylor t(v);
         if constexpr (N >= 1) t.c[1] = 1.0;
