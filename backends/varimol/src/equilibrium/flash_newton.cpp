@@ -20,8 +20,8 @@ struct phase_terms {
     double cp = 0.0, dvdt = 0.0, dvdp = 0.0; // at constant P, T and composition
 };
 
-int evaluate_phase(const fluid& f, const temperature_terms<taylor<1>>& t, double P,
-                   const double* x, phase_terms& out) {
+int evaluate_phase(const fluid& f, const temperature_terms<taylor<1>>& t, double P, const double* x,
+                   phase_terms& out) {
     if (int e = eval_phase_t(f, t, P, x, root_choice::stable, out.ph, &out.dn, &out.dp, &out.dt))
         return e;
     const double T = value(t.T);
