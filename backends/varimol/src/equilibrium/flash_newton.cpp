@@ -1,6 +1,7 @@
 #include "equilibrium/flash_newton.hpp"
 
 #include "equilibrium/linear.hpp"
+#include "model/ideal_gas.hpp"
 
 #include <cmath>
 
@@ -16,20 +17,35 @@ struct phase_terms {
     phase ph;
     mat dn;
     vec dp, dt;
-    state_props sp;
+    double v = 0.0, u = 0.0, h = 0.0, s = 0.0;
     double cp = 0.0, dvdt = 0.0, dvdp = 0.0; // at constant P, T and composition
 };
 
+// The phase's v, h, s and u follow from ln phi and its T derivative, sum x_i ln phi_i = G_r/(RT)
+// at (T, P): H_r = -RT^2 sum x_i d ln phi_i/dT, S_r = (H_r - G_r)/T. The second derivatives
+// (cp and the slopes of v) come from the homogeneous state at (T, v) and are refreshed only while
+// the steps are large: close to the solution they change too little to slow the iteration.
 int evaluate_phase(const fluid& f, const temperature_terms<taylor<1>>& t, double P, const double* x,
-                   phase_terms& out) {
+                   const std::array<ideal_gas_terms, mc>& ig, bool refresh, phase_terms& out) {
     if (int e = eval_phase_t(f, t, P, x, root_choice::stable, out.ph, &out.dn, &out.dp, &out.dt))
         return e;
-    const double T = value(t.T);
-    homogeneous(f, T, out.ph.v, x, out.sp);
-    if (!(out.sp.dpdv < 0.0)) return 1;
-    out.dvdt = -out.sp.dpdt / out.sp.dpdv;
-    out.dvdp = 1.0 / out.sp.dpdv;
-    out.cp = out.sp.cv + T * out.sp.dpdt * out.dvdt;
+    const double T = value(t.T), R = gas_constant;
+    double h = 0.0, s = -R * std::log(P / reference_pressure);
+    for (int i = 0; i < f.n; ++i) {
+        h += x[i] * (ig[i].h - R * T * T * out.dt[i]);
+        s += x[i] * (ig[i].s - R * (std::log(x[i]) + out.ph.lnphi[i] + T * out.dt[i]));
+    }
+    out.v = out.ph.v;
+    out.h = h;
+    out.s = s;
+    out.u = h - P * out.v;
+    if (!refresh) return 0;
+    state_props sp;
+    homogeneous(f, T, out.ph.v, x, sp);
+    if (!(sp.dpdv < 0.0)) return 1;
+    out.dvdt = -sp.dpdt / sp.dpdv;
+    out.dvdp = 1.0 / sp.dpdv;
+    out.cp = sp.cv + T * sp.dpdt * out.dvdt;
     return 0;
 }
 
@@ -45,7 +61,7 @@ struct spec_row {
 void spec_terms(const fluid& f, given sp, double value, double T, double P, double L, double V,
                 const phase_terms& pl, const phase_terms& pv, const vec& g, spec_row& row) {
     const double R = gas_constant;
-    const double vt = L * pl.sp.v + V * pv.sp.v;
+    const double vt = L * pl.v + V * pv.v;
     const double dvdt = L * pl.dvdt + V * pv.dvdt;
     const double dvdp = L * pl.dvdp + V * pv.dvdp;
     const double cpt = L * pl.cp + V * pv.cp;
@@ -74,17 +90,17 @@ void spec_terms(const fluid& f, given sp, double value, double T, double P, doub
         row.dlnp = P * dvdp / vt;
         break;
     case given::h:
-        row.r = (L * pl.sp.h + V * pv.sp.h - value) * energy_scale;
+        row.r = (L * pl.h + V * pv.h - value) * energy_scale;
         row.dlnt = T * cpt * energy_scale;
         row.dlnp = P * (vt - T * dvdt) * energy_scale;
         break;
     case given::u:
-        row.r = (L * pl.sp.u + V * pv.sp.u - value) * energy_scale;
+        row.r = (L * pl.u + V * pv.u - value) * energy_scale;
         row.dlnt = T * (cpt - P * dvdt) * energy_scale;
         row.dlnp = -P * (T * dvdt + P * dvdp) * energy_scale;
         break;
     case given::s:
-        row.r = (L * pl.sp.s + V * pv.sp.s - value) / R;
+        row.r = (L * pl.s + V * pv.s - value) / R;
         row.dlnt = cpt / R;
         row.dlnp = -P * dvdt / R;
         break;
@@ -110,6 +126,7 @@ int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state&
     phase_terms pl, pv;
     vec x{}, y{}, g{};
     bool converged = false;
+    double last_size = 1.0; // of the last step, scaled
     for (int it = 0; it < max_iterations && !converged; ++it) {
         const double T = std::exp(lnt), P = std::exp(lnp);
         if (!(T >= f.tmin && T <= f.tmax && P >= pmin && P <= f.pmax)) return 1;
@@ -120,7 +137,11 @@ int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state&
         for (int i = 0; i < n; ++i) x[i] = nl[i] / L, y[i] = nv[i] / V;
         temperature_terms<taylor<1>> t;
         at_temperature(f, taylor<1>::variable(T), t);
-        if (evaluate_phase(f, t, P, x.data(), pl) || evaluate_phase(f, t, P, y.data(), pv))
+        std::array<ideal_gas_terms, mc> ig;
+        for (int i = 0; i < n; ++i) ig[i] = ideal_gas(f.comp[i], T);
+        const bool refresh = last_size > 1e-2;
+        if (evaluate_phase(f, t, P, x.data(), ig, refresh, pl) ||
+            evaluate_phase(f, t, P, y.data(), ig, refresh, pv))
             return 1;
         std::array<double, ld * ld> a{};
         std::array<double, ld> b{};
@@ -172,9 +193,10 @@ int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state&
         }
         if (spec.free_t) lnt += scale * b[it_col];
         if (spec.free_p) lnp += scale * b[ip_col];
-        // quadratic convergence: a full step this small leaves an error of the order of its
-        // square
+        // a full step this small leaves an error of the order of its square (exact Jacobian)
+        // or of a hundredth of it (second derivatives from a point within a step of 1e-2)
         converged = scale == 1.0 && size < 1e-8;
+        last_size = scale * size;
     }
     if (!converged) return 1;
 
