@@ -200,8 +200,8 @@ int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state&
     }
     if (!converged) return 1;
 
-    // the converged split: two distinct phases that lower the Gibbs energy of the feed (which
-    // proves the homogeneous feed unstable at this T and P)
+    // the converged split: two distinct phases, the liquid the denser, that lower the Gibbs
+    // energy of the feed (which proves the homogeneous feed unstable at this T and P)
     const double T = std::exp(lnt), P = std::exp(lnp);
     if (!(T >= f.tmin && T <= f.tmax && P >= pmin && P <= f.pmax)) return 1;
     double V = 0.0;
@@ -230,7 +230,7 @@ int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state&
                   nv[i] * (std::log(fr.y[i]) + fr.vap.lnphi[i]);
         gfeed += f.z[i] * (std::log(f.z[i]) + feed.lnphi[i]);
     }
-    if (!(gsplit < gfeed)) return 1;
+    if (!(gsplit < gfeed) || !(fr.liq.v < fr.vap.v)) return 1;
     fr.tpd = gsplit - gfeed;
     state_from_flash(f, T, P, fr, st);
     return 0;

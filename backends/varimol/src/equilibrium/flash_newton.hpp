@@ -23,8 +23,9 @@ struct two_phase_spec {
 
 // Newton from the two-phase state `start` (a split at start.T, start.P). Returns 0 with the
 // converged state in st, or 1 when the iteration does not converge, leaves the two-phase region
-// or reaches a split that does not lower the Gibbs energy of the feed; the caller then takes
-// its nested search.
+// reaches a split that does not lower the Gibbs energy of the feed, or one whose liquid is the
+// less dense phase (the labels of a split must match those of the isothermal flash); the caller
+// then takes its nested search.
 int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state& start,
                      eq_state& st);
 

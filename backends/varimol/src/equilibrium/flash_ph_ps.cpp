@@ -1,6 +1,7 @@
 #include "equilibrium/flash_ph_ps.hpp"
 
 #include "equilibrium/flash_newton.hpp"
+#include "equilibrium/rachford_rice.hpp"
 #include "equilibrium/root_1d.hpp"
 #include "equilibrium/saturation.hpp"
 
@@ -337,6 +338,8 @@ int search_p(const fluid& f, double T, given sp, double value, double lnlo, doub
 
 // (result of homogeneous_first: not the answer, but a flash state to start from)
 constexpr int start_found = -100;
+// (result of homogeneous_first: the two-phase answer by the Newton iteration)
+constexpr int newton_done = -101;
 
 // The temperature at P where the homogeneous phase of the stable root has the given value,
 // then the full flash there: st is that flash's state (one phase: the answer when it is the same
@@ -382,6 +385,22 @@ int homogeneous_first(const fluid& f, double P, given sp, double value, double t
     if (int e = find_root(g, rs, T, true, r0)) {
         if (e != jump_found) return e;
         T = 0.5 * (t_neg + t_pos);
+        // the feed is not stable at the jump: the Newton iteration starts from Wilson's split
+        // there, which spares the flash
+        vec lnk{}, K{};
+        eq_state start;
+        wilson_k(f, T, P, lnk.data());
+        for (int i = 0; i < f.n; ++i) K[i] = std::exp(lnk[i]);
+        start.T = T;
+        start.P = P;
+        start.fr.nphase = 2;
+        if (rachford_rice(f.n, f.z.data(), K.data(), start.fr.beta, start.fr.x.data(),
+                          start.fr.y.data()) == 0) {
+            two_phase_spec spec;
+            spec.first = sp;
+            spec.first_value = value;
+            if (two_phase_newton(f, spec, start, st) == 0) return newton_done;
+        }
     }
     if (int e = state_tp(f, T, P, st, nullptr, lenient)) return e;
     if (st.fr.nphase == 2) return start_found;
@@ -434,6 +453,10 @@ int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, doub
         eq_state hom;
         const int e = homogeneous_first(f, P, sp, value, t0, hom, lenient);
         if (e == 0) {
+            st = hom;
+            return 0;
+        }
+        if (e == newton_done) {
             st = hom;
             return 0;
         }
