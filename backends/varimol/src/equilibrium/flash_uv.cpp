@@ -1,6 +1,7 @@
 #include "equilibrium/flash_uv.hpp"
 
 #include "equilibrium/flash_newton.hpp"
+#include "equilibrium/rachford_rice.hpp"
 #include "equilibrium/root_1d.hpp"
 #include "equilibrium/saturation.hpp"
 
@@ -52,8 +53,10 @@ double slope_tv(const state_props& sp, given s) {
 int newton_from(const fluid& f, double T, double P, const flash_result& fr, double v, given sp,
                 double value, eq_state& st) {
     if (fr.nphase != 2) return 1;
-    eq_state start;
-    state_from_flash(f, T, P, fr, start);
+    eq_state start; // the iteration needs the split alone
+    start.T = T;
+    start.P = P;
+    start.fr = fr;
     two_phase_spec spec;
     spec.free_t = spec.free_p = true;
     spec.first = sp;
@@ -80,8 +83,17 @@ double wilson_mid_pressure(const fluid& f, double T) {
 // the feed is expected inside its two-phase region
 int newton_from_wilson(const fluid& f, double T, double v, given sp, double value, eq_state& st) {
     const double p0 = wilson_mid_pressure(f, T);
+    if (!(p0 >= pmin && p0 <= f.pmax)) return 1;
+    // Wilson's split itself first (no flash), then the converged split at (T, p0)
+    vec lnk{}, K{};
+    wilson_k(f, T, p0, lnk.data());
+    for (int i = 0; i < f.n; ++i) K[i] = std::exp(lnk[i]);
     flash_result fr;
-    if (!(p0 >= pmin && p0 <= f.pmax) || flash_tp(f, T, p0, f.z.data(), fr) != 0) return 1;
+    fr.nphase = 2;
+    if (rachford_rice(f.n, f.z.data(), K.data(), fr.beta, fr.x.data(), fr.y.data()) == 0 &&
+        newton_from(f, T, p0, fr, v, sp, value, st) == 0)
+        return 0;
+    if (flash_tp(f, T, p0, f.z.data(), fr) != 0) return 1;
     return newton_from(f, T, p0, fr, v, sp, value, st);
 }
 
