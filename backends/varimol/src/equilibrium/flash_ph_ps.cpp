@@ -1,5 +1,7 @@
 #include "equilibrium/flash_ph_ps.hpp"
 
+#include "equilibrium/flash_newton.hpp"
+#include "equilibrium/rachford_rice.hpp"
 #include "equilibrium/root_1d.hpp"
 #include "equilibrium/saturation.hpp"
 
@@ -336,6 +338,8 @@ int search_p(const fluid& f, double T, given sp, double value, double lnlo, doub
 
 // (result of homogeneous_first: not the answer, but a flash state to start from)
 constexpr int start_found = -100;
+// (result of homogeneous_first: the two-phase answer by the Newton iteration)
+constexpr int newton_done = -101;
 
 // The temperature at P where the homogeneous phase of the stable root has the given value,
 // then the full flash there: st is that flash's state (one phase: the answer when it is the same
@@ -343,6 +347,12 @@ constexpr int start_found = -100;
 int homogeneous_first(const fluid& f, double P, given sp, double value, double t0, eq_state& st,
                       bool lenient) {
     state_props props{};
+    // the closest temperatures below and above the value seen so far, with their roots: where
+    // the value falls in the jump between the liquid-like and the vapour-like root, the search
+    // stops as soon as it has found the jump (the feed there is not stable)
+    constexpr int jump_found = 9001;
+    double t_neg = nan, t_pos = nan;
+    bool small_neg = false, small_pos = false;
     auto g = [&](double T, double& r) {
         temperature_terms<double> t;
         at_temperature(f, T, t);
@@ -355,6 +365,12 @@ int homogeneous_first(const fluid& f, double P, given sp, double value, double t
                                                 : props.s) -
                               value) /
                                  (gas_constant * 298.15);
+        if (r < 0.0)
+            t_neg = T, small_neg = ph.smaller;
+        else
+            t_pos = T, small_pos = ph.smaller;
+        if (f.n > 1 && small_neg != small_pos && std::abs(t_pos - t_neg) <= 1e-3 * T)
+            return jump_found;
         return 0;
     };
     double r0;
@@ -366,7 +382,26 @@ int homogeneous_first(const fluid& f, double P, given sp, double value, double t
     double T = t0;
     root_search rs{t0, step, f.tmin, f.tmax, 1e-13 * t0, true};
     rs.rtol = residual_tolerance(sp);
-    if (int e = find_root(g, rs, T, true, r0)) return e;
+    if (int e = find_root(g, rs, T, true, r0)) {
+        if (e != jump_found) return e;
+        T = 0.5 * (t_neg + t_pos);
+        // the feed is not stable at the jump: the Newton iteration starts from Wilson's split
+        // there, which spares the flash
+        vec lnk{}, K{};
+        eq_state start;
+        wilson_k(f, T, P, lnk.data());
+        for (int i = 0; i < f.n; ++i) K[i] = std::exp(lnk[i]);
+        start.T = T;
+        start.P = P;
+        start.fr.nphase = 2;
+        if (rachford_rice(f.n, f.z.data(), K.data(), start.fr.beta, start.fr.x.data(),
+                          start.fr.y.data()) == 0) {
+            two_phase_spec spec;
+            spec.first = sp;
+            spec.first_value = value;
+            if (two_phase_newton(f, spec, start, st) == 0) return newton_done;
+        }
+    }
     if (int e = state_tp(f, T, P, st, nullptr, lenient)) return e;
     if (st.fr.nphase == 2) return start_found;
     // one phase: the answer when it is the root found (another root of lower Gibbs energy, or a
@@ -421,8 +456,22 @@ int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, doub
             st = hom;
             return 0;
         }
-        if (e == start_found) // a start at the temperature found
+        if (e == newton_done) {
+            st = hom;
+            return 0;
+        }
+        if (e == start_found) {
+            // inside the two-phase region: the simultaneous Newton iteration in the vapour
+            // amounts and ln T from that split; the nested search where it fails
+            if (hom.fr.nphase == 2) {
+                two_phase_spec spec;
+                spec.free_t = true;
+                spec.first = sp;
+                spec.first_value = value;
+                if (two_phase_newton(f, spec, hom, st) == 0) return 0;
+            }
             return search_t(f, P, sp, value, f.tmin, f.tmax, hom.T, &hom, st, lenient);
+        }
     }
     return search_t(f, P, sp, value, f.tmin, f.tmax, t0, nullptr, st, lenient);
 }

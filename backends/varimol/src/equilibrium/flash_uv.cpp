@@ -1,5 +1,7 @@
 #include "equilibrium/flash_uv.hpp"
 
+#include "equilibrium/flash_newton.hpp"
+#include "equilibrium/rachford_rice.hpp"
 #include "equilibrium/root_1d.hpp"
 #include "equilibrium/saturation.hpp"
 
@@ -44,6 +46,55 @@ double slope_tv(const state_props& sp, given s) {
     default:
         return 0.0;
     }
+}
+
+// The simultaneous Newton iteration for the given v and the given property from the split at
+// (T, P); 0 when it converges, 1 when (T, P) is not two-phase or the iteration fails
+int newton_from(const fluid& f, double T, double P, const flash_result& fr, double v, given sp,
+                double value, eq_state& st) {
+    if (fr.nphase != 2) return 1;
+    eq_state start; // the iteration needs the split alone
+    start.T = T;
+    start.P = P;
+    start.fr = fr;
+    two_phase_spec spec;
+    spec.free_t = spec.free_p = true;
+    spec.first = sp;
+    spec.first_value = value;
+    spec.second = given::v;
+    spec.second_value = v;
+    return two_phase_newton(f, spec, start, st);
+}
+
+// geometric mean of Wilson's bubble and dew pressures at T: inside the two-phase region of the
+// feed where Wilson's K-values hold
+double wilson_mid_pressure(const fluid& f, double T) {
+    vec lnk1{};
+    wilson_k(f, T, 1.0, lnk1.data());
+    double pb = 0.0, inv_pd = 0.0;
+    for (int i = 0; i < f.n; ++i) {
+        pb += f.z[i] * std::exp(lnk1[i]);
+        inv_pd += f.z[i] * std::exp(-lnk1[i]);
+    }
+    return std::sqrt(pb / inv_pd);
+}
+
+// the same from the split at T and the pressure between Wilson's bubble and dew pressures, where
+// the feed is expected inside its two-phase region
+int newton_from_wilson(const fluid& f, double T, double v, given sp, double value, eq_state& st) {
+    const double p0 = wilson_mid_pressure(f, T);
+    if (!(p0 >= pmin && p0 <= f.pmax)) return 1;
+    // Wilson's split itself first (no flash), then the converged split at (T, p0)
+    vec lnk{}, K{};
+    wilson_k(f, T, p0, lnk.data());
+    for (int i = 0; i < f.n; ++i) K[i] = std::exp(lnk[i]);
+    flash_result fr;
+    fr.nphase = 2;
+    if (rachford_rice(f.n, f.z.data(), K.data(), fr.beta, fr.x.data(), fr.y.data()) == 0 &&
+        newton_from(f, T, p0, fr, v, sp, value, st) == 0)
+        return 0;
+    if (flash_tp(f, T, p0, f.z.data(), fr) != 0) return 1;
+    return newton_from(f, T, p0, fr, v, sp, value, st);
 }
 
 // state on the line of vapour fraction q at temperature T
@@ -130,9 +181,28 @@ int flash_v(const fluid& f, double v, given sp, double value, eq_state& st) {
             step = std::isfinite(step) && step > 0.0 ? std::min(1.2 * step + 1e-6 * t0, 0.5 * t0)
                                                      : 0.05 * t0;
             double th = t0;
-            if (find_root(gh, root_search{t0, step, f.tmin, f.tmax, 1e-13 * t0, true}, th, true,
-                          rh) == 0 &&
-                state_tv(f, th, v, cur) == 0) {
+            int es = find_root(gh, root_search{t0, step, f.tmin, f.tmax, 1e-13 * t0, true}, th,
+                               true, rh);
+            if (es == 0) {
+                // the isothermal flash at the homogeneous pressure: it confirms the homogeneous
+                // state, or its split starts the simultaneous Newton iteration in the vapour
+                // amounts, ln T and ln P
+                es = 1;
+                homogeneous(f, th, v, f.z.data(), props);
+                flash_result fr;
+                if (props.P > 0.0 && props.P <= f.pmax && props.dpdv < 0.0 &&
+                    flash_tp(f, th, props.P, f.z.data(), fr) == 0) {
+                    if (fr.nphase == 1 && std::abs(fr.liq.v - v) <= 1e-9 * v) {
+                        homogeneous_state(f, props, fr.liq, cur);
+                        es = 0;
+                    } else if (newton_from(f, th, props.P, fr, v, sp, value, st) == 0) {
+                        return 0;
+                    }
+                }
+                if (es != 0 && newton_from_wilson(f, th, v, sp, value, st) == 0) return 0;
+                if (es != 0) es = state_tv(f, th, v, cur);
+            }
+            if (es == 0) {
                 if (cur.fr.nphase == 1 &&
                     std::abs((given_value(cur, sp) - value) * scale) <= 1e-10) {
                     st = cur;
@@ -143,6 +213,7 @@ int flash_v(const fluid& f, double v, given sp, double value, eq_state& st) {
             }
         }
     }
+    if (f.n > 1 && p_last == 0.0 && newton_from_wilson(f, t0, v, sp, value, st) == 0) return 0;
     root_search rs{t0, 0.05 * t0, f.tmin, f.tmax, 1e-13 * t0, true};
     rs.rtol = sp == given::s ? 0.0 : 1e-13; // an energy within 2.5e-10 J/mol
     double r0;
