@@ -253,4 +253,8 @@ void list_fluids(std::string_view fluidpath, std::string_view library, int max_l
     compset.resize(std::clamp(ncomps, 0, max_listed));
 }
 
+std::string fluid_directory() {
+    return filelocation::fluidpath(filelocation::library_module);
+}
+
 } // namespace cubic_adapter

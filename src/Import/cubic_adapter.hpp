@@ -13,6 +13,24 @@
 
 namespace cubic_adapter {
 
+// the back-ends' warning that the asked root does not exist and the other one was returned
+inline constexpr int warning_code = 28;
+// most fluids an adapter lists
+inline constexpr int max_listed = 500;
+
+// An adapter's copy of the selection as the caller made it, and the molar mass of the configured
+// fluid.
+struct selection {
+    std::string fluidname = "undefined";
+    int ncmp = 0;
+    zp_adapter::component_names cmp{};
+    zp_adapter::composition cnc{};
+    double mmol = 0.0; // kg/mol
+};
+
+// the fluids directory beside the library, with its final "/"
+std::string fluid_directory();
+
 // The six state variables in the order the back-ends take them, plus the quality; -8888.8 where
 // not given.
 struct state_vars {

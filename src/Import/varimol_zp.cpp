@@ -3,7 +3,6 @@
 #include "Import/cubic_adapter.hpp"
 #include "Import/varimol_errors.hpp"
 #include "Import/varimol_load.hpp"
-#include "base/filelocation.hpp"
 #include "varimol/varimol.hpp"
 
 #include <algorithm>
@@ -18,24 +17,12 @@ using zp_common::trim;
 
 constexpr std::string_view model_prefix = "Error in Varimol: ";
 constexpr std::string_view code_prefix = "Error in Varimol. ";
-// the back-end's warning that the asked root does not exist and the other one was returned
-constexpr int warning_code = 28;
-// most fluids listed by getcompset
-constexpr int max_listed = 500;
+using cubic_adapter::max_listed;
+using cubic_adapter::warning_code;
 
-// The selection as the caller made it, and the molar mass of the configured fluid.
-struct module_state {
-    std::string fluidname = "undefined";
-    int ncmp = 0;
-    zp_adapter::component_names cmp{};
-    zp_adapter::composition cnc{};
-    double mmol = 0.0; // kg/mol
-};
-module_state state;
+cubic_adapter::selection state;
 
-std::string fluid_directory() {
-    return filelocation::fluidpath(filelocation::library_module);
-}
+using cubic_adapter::fluid_directory;
 
 void put_code(int ierr, std::string& errormsg) {
     std::string text;
