@@ -3,7 +3,9 @@
 // command-line tool, the Python extension), and the one answer each gets there: the value of the
 // model's full state (allprops, calcprop) where it holds one, else the property's own entry
 // point, which derives it from single properties (IF97's full state carries no pressure
-// derivatives, so alpha ... gamma and the surface tension come from there). A property neither
+// derivatives, so alpha ... gamma and the surface tension come from there; the cubic models'
+// full state carries no transport properties, which the library's own model supplies through the
+// entry points). A property neither
 // computes stays -8888.8, with the reason.
 #include "base/common.hpp"
 #include "base/zentropia_base.hpp"
@@ -58,8 +60,8 @@ inline constexpr std::array<property, n_allprops + 1> properties{{
     {"theta", "", "isobaric expansion coefficient", "theta", nullptr, &zm::theta},
     {"kappa", "", "isothermal compressibility", "kappa", nullptr, &zm::kappa},
     {"gamma", "", "fundamental derivative", "", nullptr, &zm::gamma},
-    {"eta", "viscosity", "dynamic viscosity", "eta", &zm::viscosity, nullptr},
-    {"lambda", "thermcond", "thermal conductivity", "lambda", &zm::thermcond, nullptr},
+    {"eta", "viscosity", "dynamic viscosity", "eta", &zm::viscosity, &zm::viscosity},
+    {"lambda", "thermcond", "thermal conductivity", "lambda", &zm::thermcond, &zm::thermcond},
     {"sigma", "surftens", "surface tension", "sigma", nullptr, &zm::surftens},
 }};
 inline constexpr std::size_t n_properties = properties.size();

@@ -25,6 +25,10 @@ def test_single_phase_identities_of_the_interface():
     # entropy, for a compressed liquid and a gas of a refrigerant blend
     blend = Fluid("Varimol", "R410A")
     for p, t in [(3e6, 260.0), (5e5, 320.0)]:
+        # transport from the library's own model, the same by props and by calc
+        state = blend.props("PT", p, t)
+        for name in ("eta", "lambda"):
+            assert np.isfinite(state[name]) and state[name] == blend.calc(name, "PT", p, t)
         dt, dp = 1e-3, 1.0
         cp = (blend.calc("h", "PT", p, t + dt) - blend.calc("h", "PT", p, t - dt)) / (2 * dt)
         assert blend.calc("cp", "PT", p, t) == pytest.approx(cp, rel=1e-6)
