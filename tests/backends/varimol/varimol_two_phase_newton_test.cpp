@@ -52,9 +52,9 @@ TEST(VarimolTwoPhaseNewton, ReturnsTheFlashStateOfTheGivenProperties) {
                 for (const row& r : rows) {
                     SCOPED_TRACE(::testing::Message() << "T " << T << " P " << P << " given "
                                                       << int(r.first) << (r.free_p ? " P" : ""));
-                    two_phase_spec spec{r.free_t, r.free_p,
-                                        r.first,  given_value(ref, r.first),
-                                        r.second, given_value(ref, r.second)};
+                    two_phase_target target{r.free_t, r.free_p,
+                                            r.first,  given_value(ref, r.first),
+                                            r.second, given_value(ref, r.second)};
                     // a given T or P is the start's
                     eq_state from = start;
                     if (!r.free_t || !r.free_p)
@@ -62,7 +62,7 @@ TEST(VarimolTwoPhaseNewton, ReturnsTheFlashStateOfTheGivenProperties) {
                             state_tp(f, r.free_t ? 0.97 * T : T, r.free_p ? 0.8 * P : P, from), 0);
                     if (from.fr.nphase != 2) continue;
                     eq_state st;
-                    ASSERT_EQ(two_phase_newton(f, spec, from, st), 0);
+                    ASSERT_EQ(two_phase_newton(f, target, from, st), 0);
                     EXPECT_NEAR(st.T, T, 1e-10 * T);
                     EXPECT_NEAR(st.P, P, 1e-9 * P);
                     EXPECT_NEAR(st.q, ref.q, 1e-9);
@@ -89,10 +89,10 @@ TEST(VarimolTwoPhaseNewton, OneSpecifiedPhaseIsLeftToTheNestedSearch) {
     ASSERT_EQ(liquid.fr.nphase, 1);
     // enthalpies of homogeneous states at the same pressure: the iteration leaves the region
     for (const eq_state* one : {&gas, &liquid}) {
-        const two_phase_spec spec{true, false, given::h, one->h, given::v, 0.0};
-        EXPECT_NE(two_phase_newton(f, spec, start, st), 0);
+        const two_phase_target target{true, false, given::h, one->h, given::v, 0.0};
+        EXPECT_NE(two_phase_newton(f, target, start, st), 0);
     }
     // a homogeneous start is no start
-    const two_phase_spec spec{true, false, given::h, start.h, given::v, 0.0};
-    EXPECT_NE(two_phase_newton(f, spec, gas, st), 0);
+    const two_phase_target target{true, false, given::h, start.h, given::v, 0.0};
+    EXPECT_NE(two_phase_newton(f, target, gas, st), 0);
 }

@@ -111,7 +111,7 @@ struct tracer {
         return -1;
     }
 
-    // dX/dS at a converged point for the specification X_s
+    // dX/dS at a converged point for the specified variable X_s
     bool sensitivity(const point& p, int s, xvec& d) const {
         const int m = n + 2;
         jmat A = p.J;
@@ -168,7 +168,7 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
     xvec prev{};        // the point before the current one
     bool have_prev = false;
     for (int step = 0; step < 2000; ++step) {
-        // the new specification: the unknown that changes most
+        // the new specified variable: the unknown that changes most
         int k = 0;
         for (int j = 1; j < n + 2; ++j)
             if (std::abs(sens[j]) > std::abs(sens[k])) k = j;

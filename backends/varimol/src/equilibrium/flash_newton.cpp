@@ -53,13 +53,13 @@ int evaluate_phase(const fluid& f, const temperature_terms<taylor<1>>& t, double
 // amounts, and the partial molar difference (vapour - liquid) of component j, with the residual
 // scaled as the root is wanted: volumes by their logarithm, energies by RT at 298.15 K,
 // entropies by R
-struct spec_row {
+struct target_row {
     double r, dlnt, dlnp;
     vec dn;
 };
 
-void spec_terms(const fluid& f, given sp, double value, double T, double P, double L, double V,
-                const phase_terms& pl, const phase_terms& pv, const vec& g, spec_row& row) {
+void target_terms(const fluid& f, given sp, double value, double T, double P, double L, double V,
+                  const phase_terms& pl, const phase_terms& pv, const vec& g, target_row& row) {
     const double R = gas_constant;
     const double vt = L * pl.v + V * pv.v;
     const double dvdt = L * pl.dvdt + V * pv.dvdt;
@@ -109,12 +109,12 @@ void spec_terms(const fluid& f, given sp, double value, double T, double P, doub
 
 } // namespace
 
-int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state& start,
+int two_phase_newton(const fluid& f, const two_phase_target& target, const eq_state& start,
                      eq_state& st) {
     const int n = f.n;
-    if (start.fr.nphase != 2 || n < 2 || !(spec.free_t || spec.free_p)) return 1;
-    const int it_col = n, ip_col = n + (spec.free_t ? 1 : 0);
-    const int m = n + (spec.free_t ? 1 : 0) + (spec.free_p ? 1 : 0);
+    if (start.fr.nphase != 2 || n < 2 || !(target.free_t || target.free_p)) return 1;
+    const int it_col = n, ip_col = n + (target.free_t ? 1 : 0);
+    const int m = n + (target.free_t ? 1 : 0) + (target.free_p ? 1 : 0);
     constexpr int ld = mc + 2;
     double lnt = std::log(start.T), lnp = std::log(start.P);
     vec nv{}, nl{};
@@ -151,19 +151,20 @@ int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state&
             for (int j = 0; j < n; ++j)
                 a[i * ld + j] = ((i == j ? 1.0 / y[i] : 0.0) - 1.0 + pv.dn[i * mc + j]) / V +
                                 ((i == j ? 1.0 / x[i] : 0.0) - 1.0 + pl.dn[i * mc + j]) / L;
-            if (spec.free_t) a[i * ld + it_col] = T * (pv.dt[i] - pl.dt[i]);
-            if (spec.free_p) a[i * ld + ip_col] = P * (pv.dp[i] - pl.dp[i]);
+            if (target.free_t) a[i * ld + it_col] = T * (pv.dt[i] - pl.dt[i]);
+            if (target.free_p) a[i * ld + ip_col] = P * (pv.dp[i] - pl.dp[i]);
         }
         // one row per free variable
         int row = n;
         for (int k = 0; k < 2; ++k) {
-            if (k == 1 && !(spec.free_t && spec.free_p)) break;
-            spec_row sr{};
-            spec_terms(f, k == 0 ? spec.first : spec.second,
-                       k == 0 ? spec.first_value : spec.second_value, T, P, L, V, pl, pv, g, sr);
+            if (k == 1 && !(target.free_t && target.free_p)) break;
+            target_row sr{};
+            target_terms(f, k == 0 ? target.first : target.second,
+                         k == 0 ? target.first_value : target.second_value, T, P, L, V, pl, pv, g,
+                         sr);
             for (int j = 0; j < n; ++j) a[row * ld + j] = sr.dn[j];
-            if (spec.free_t) a[row * ld + it_col] = sr.dlnt;
-            if (spec.free_p) a[row * ld + ip_col] = sr.dlnp;
+            if (target.free_t) a[row * ld + it_col] = sr.dlnt;
+            if (target.free_p) a[row * ld + ip_col] = sr.dlnp;
             b[row] = -sr.r;
             ++row;
         }
@@ -177,12 +178,12 @@ int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state&
             if (nl[i] - b[i] <= 0.0) scale = std::min(scale, 0.8 * nl[i] / b[i]);
             size = std::max(size, std::abs(b[i]) / std::min(nv[i], nl[i]));
         }
-        if (spec.free_t) {
+        if (target.free_t) {
             if (!std::isfinite(b[it_col])) return 1;
             scale = std::min(scale, 0.1 / std::max(std::abs(b[it_col]), 1e-300));
             size = std::max(size, std::abs(b[it_col]));
         }
-        if (spec.free_p) {
+        if (target.free_p) {
             if (!std::isfinite(b[ip_col])) return 1;
             scale = std::min(scale, 0.5 / std::max(std::abs(b[ip_col]), 1e-300));
             size = std::max(size, std::abs(b[ip_col]));
@@ -191,8 +192,8 @@ int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state&
             nv[i] += scale * b[i];
             nl[i] = f.z[i] - nv[i];
         }
-        if (spec.free_t) lnt += scale * b[it_col];
-        if (spec.free_p) lnp += scale * b[ip_col];
+        if (target.free_t) lnt += scale * b[it_col];
+        if (target.free_p) lnp += scale * b[ip_col];
         // a full step this small leaves an error of the order of its square (exact Jacobian)
         // or of a hundredth of it (second derivatives from a point within a step of 1e-2)
         converged = scale == 1.0 && size < 1e-8;

@@ -10,10 +10,10 @@
 
 namespace varimol {
 
-// The specification of a state-function flash in two phases: which of T and P are unknown, and
+// The target of a state-function flash in two phases: which of T and P are unknown, and
 // the given properties (the first for the unknown T, or for P when T is fixed; the second for P
 // when both are unknown).
-struct two_phase_spec {
+struct two_phase_target {
     bool free_t = true, free_p = false;
     given first = given::h;
     double first_value = 0.0;
@@ -26,7 +26,7 @@ struct two_phase_spec {
 // reaches a split that does not lower the Gibbs energy of the feed, or one whose liquid is the
 // less dense phase (the labels of a split must match those of the isothermal flash); the caller
 // then takes its nested search.
-int two_phase_newton(const fluid& f, const two_phase_spec& spec, const eq_state& start,
+int two_phase_newton(const fluid& f, const two_phase_target& target, const eq_state& start,
                      eq_state& st);
 
 } // namespace varimol

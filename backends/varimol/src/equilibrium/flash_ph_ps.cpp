@@ -396,10 +396,10 @@ int homogeneous_first(const fluid& f, double P, given sp, double value, double t
         start.fr.nphase = 2;
         if (rachford_rice(f.n, f.z.data(), K.data(), start.fr.beta, start.fr.x.data(),
                           start.fr.y.data()) == 0) {
-            two_phase_spec spec;
-            spec.first = sp;
-            spec.first_value = value;
-            if (two_phase_newton(f, spec, start, st) == 0) return newton_done;
+            two_phase_target target;
+            target.first = sp;
+            target.first_value = value;
+            if (two_phase_newton(f, target, start, st) == 0) return newton_done;
         }
     }
     if (int e = state_tp(f, T, P, st, nullptr, lenient)) return e;
@@ -464,11 +464,11 @@ int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, doub
             // inside the two-phase region: the simultaneous Newton iteration in the vapour
             // amounts and ln T from that split; the nested search where it fails
             if (hom.fr.nphase == 2) {
-                two_phase_spec spec;
-                spec.free_t = true;
-                spec.first = sp;
-                spec.first_value = value;
-                if (two_phase_newton(f, spec, hom, st) == 0) return 0;
+                two_phase_target target;
+                target.free_t = true;
+                target.first = sp;
+                target.first_value = value;
+                if (two_phase_newton(f, target, hom, st) == 0) return 0;
             }
             return search_t(f, P, sp, value, f.tmin, f.tmax, hom.T, &hom, st, lenient);
         }

@@ -57,13 +57,13 @@ int newton_from(const fluid& f, double T, double P, const flash_result& fr, doub
     start.T = T;
     start.P = P;
     start.fr = fr;
-    two_phase_spec spec;
-    spec.free_t = spec.free_p = true;
-    spec.first = sp;
-    spec.first_value = value;
-    spec.second = given::v;
-    spec.second_value = v;
-    return two_phase_newton(f, spec, start, st);
+    two_phase_target target;
+    target.free_t = target.free_p = true;
+    target.first = sp;
+    target.first_value = value;
+    target.second = given::v;
+    target.second_value = v;
+    return two_phase_newton(f, target, start, st);
 }
 
 // geometric mean of Wilson's bubble and dew pressures at T: inside the two-phase region of the

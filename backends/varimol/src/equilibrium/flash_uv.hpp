@@ -4,7 +4,7 @@
 // fixed volume the energy, enthalpy and entropy of the stable state grow with temperature (the
 // heat capacity at constant volume is positive, two-phase region included), so each pair is a
 // nested one-dimensional search over the isothermal flash (Michelsen, Fluid Phase Equilib.
-// 158-160 (1999) 617, the nested formulation of the UV, VH and VS specifications). A homogeneous
+// 158-160 (1999) 617, the nested formulation of the UV, VH and VS flashes). A homogeneous
 // (T, v) state is explicit in the model: it is taken directly when the isothermal flash at its
 // pressure confirms it as the stable state.
 #include "equilibrium/flash_ph_ps.hpp"
