@@ -38,35 +38,41 @@ int z_roots(const cubic_family& eos, double A, double B, double& zmin, double& z
     const double s = c2 / 3.0;
     const double p = c1 - c2 * s;
     const double q = (2.0 * s * s - c1) * s + c0;
-    double roots[3];
-    int n = 0;
     const double disc = 0.25 * q * q + p * p * p / 27.0;
+    // The pressure of the cubic falls from +infinity at v = b to 0 at infinite volume, so it takes
+    // a positive P once or three times above the covolume: the largest real root is always the
+    // physical one, and the smallest is physical only when all three are.
+    double zl, zs = 0.0;
+    bool three = false;
     if (disc > 0.0) {
         const double sq = std::sqrt(disc);
         const double h = -0.5 * q + (q <= 0.0 ? sq : -sq); // no cancellation
         const double m = std::cbrt(h);
-        const double t = m - p / (3.0 * m);
-        roots[n++] = polish(t - s, c2, c1, c0);
+        zl = polish(m - p / (3.0 * m) - s, c2, c1, c0);
     } else {
         const double r = std::sqrt(-p / 3.0);
         double arg = (r > 0.0) ? (-0.5 * q) / (r * r * r) : 0.0;
         arg = std::clamp(arg, -1.0, 1.0);
-        const double phi = std::acos(arg) / 3.0;
-        constexpr double third_turn = 2.0943951023931954923;
-        for (int k = 0; k < 3; ++k)
-            roots[n++] = polish(2.0 * r * std::cos(phi - third_turn * k) - s, c2, c1, c0);
+        // the largest root from the trigonometric form, the other two from the quadratic left
+        // by dividing it out: Z^2 + e1 Z + e0
+        zl = polish(2.0 * r * std::cos(std::acos(arg) / 3.0) - s, c2, c1, c0);
+        const double e1 = c2 + zl, e0 = c1 + zl * e1;
+        const double d2 = e1 * e1 - 4.0 * e0;
+        if (d2 >= 0.0) {
+            const double h = -0.5 * (e1 + (e1 >= 0.0 ? std::sqrt(d2) : -std::sqrt(d2)));
+            const double r1 = h, r2 = h != 0.0 ? e0 / h : 0.0;
+            zs = polish(std::min(r1, r2), c2, c1, c0);
+            three = zs > B && zs < zl && std::isfinite(zs);
+        }
     }
-    zmin = INFINITY;
-    zmax = -INFINITY;
-    int count = 0;
-    for (int k = 0; k < n; ++k) {
-        if (!(roots[k] > B) || !std::isfinite(roots[k])) continue;
-        zmin = std::min(zmin, roots[k]);
-        zmax = std::max(zmax, roots[k]);
-        ++count;
+    if (!(zl > B) || !std::isfinite(zl)) {
+        zmin = INFINITY;
+        zmax = -INFINITY;
+        return 0;
     }
-    if (count == 0) return 0;
-    return zmax > zmin ? 2 : 1;
+    zmax = zl;
+    zmin = three ? zs : zl;
+    return three ? 2 : 1;
 }
 
 } // namespace varimol

@@ -18,18 +18,19 @@ struct volume_terms {
     double gVVV, fVVV;  // values only
 };
 
+// g_log = ln(1 - B/V) and f_log = ln((V + delta1 B)/(V + delta2 B)) are given by the caller
 template <class S>
-volume_terms<S> volume_functions(const cubic_family& e, const S& B, double V) {
+volume_terms<S> volume_functions(const cubic_family& e, const S& B, double V, const S& g_log,
+                                 const S& f_log) {
     volume_terms<S> w;
     const S vmb = V - B;
-    const S w1 = V + e.delta1 * B, w2 = V + e.delta2 * B;
-    const S W = w1 * w2, dW = 2.0 * V + (e.delta1 + e.delta2) * B;
-    w.g = log(vmb / V);
+    const S W = (V + e.delta1 * B) * (V + e.delta2 * B), dW = 2.0 * V + (e.delta1 + e.delta2) * B;
+    w.g = g_log;
     w.gV = 1.0 / vmb - 1.0 / V;
     w.gVV = 1.0 / (V * V) - 1.0 / (vmb * vmb);
     w.gB = -1.0 / vmb;
     const double dd = e.delta1 - e.delta2;
-    w.f = log(w1 / w2) / (R * dd * B);
+    w.f = f_log / (R * dd * B);
     w.fV = -1.0 / (R * W);
     w.fVV = dW / (R * W * W);
     w.fB = -(w.f + V * w.fV) / B;
@@ -37,6 +38,12 @@ volume_terms<S> volume_functions(const cubic_family& e, const S& B, double V) {
     w.gVVV = 2.0 / (vb * vb * vb) - 2.0 / (V * V * V);
     w.fVVV = (2.0 / (Wv * Wv) - 2.0 * dWv * dWv / (Wv * Wv * Wv)) / R;
     return w;
+}
+
+template <class S>
+volume_terms<S> volume_functions(const cubic_family& e, const S& B, double V) {
+    return volume_functions(e, B, V, log((V - B) / V),
+                            log((V + e.delta1 * B) / (V + e.delta2 * B)));
 }
 
 template <class S>
@@ -56,11 +63,21 @@ temperature_terms<double> values_of(const fluid& f, const temperature_terms<S>& 
     }
 }
 
+// The two logarithms of a root Z of the cubic in A and B: ln(Z - B), which is ln(1 - B/V) + ln Z,
+// and ln((Z + delta1 B)/(Z + delta2 B)), which is the same ratio in V. ln phi and G_r/(RT) need
+// no other; ln Z itself cancels from them. The ratio is close to 1 in a gas: its logarithm is
+// formed as ln(1 + (delta1 - delta2) B/(Z + delta2 B)), which keeps the digits that the
+// attraction term multiplies by A/B.
+struct root_logs {
+    double zb, ratio;
+};
+root_logs logs_at(const cubic_family& e, double B, double Z) {
+    return {std::log(Z - B), std::log1p((e.delta1 - e.delta2) * B / (Z + e.delta2 * B))};
+}
 // G_r/(RT) per mole on a root Z at (T, P), F + Z - 1 - ln Z, written with A and B of the cubic
 // in Z: Z - 1 - ln(Z - B) - A/(B (delta1 - delta2)) ln((Z + delta1 B)/(Z + delta2 B))
-double lng_at(const cubic_family& e, double A, double B, double Z) {
-    return Z - 1.0 - std::log(Z - B) -
-           A / (B * (e.delta1 - e.delta2)) * std::log((Z + e.delta1 * B) / (Z + e.delta2 * B));
+double lng_at(const cubic_family& e, double A, double B, double Z, const root_logs& l) {
+    return Z - 1.0 - l.zb - A / (B * (e.delta1 - e.delta2)) * l.ratio;
 }
 
 template <class S>
@@ -78,32 +95,54 @@ int eval_phase_impl(const fluid& f, const temperature_terms<S>& t, double P, con
     if (nr == 0) return 109;
     double Z;
     bool smaller;
+    root_logs lg;
     if (nr == 1 || r == root_choice::liquid) {
         Z = zmin;
         smaller = true;
+        lg = logs_at(f.eos, Bz, Z);
     } else if (r == root_choice::vapour) {
         Z = zmax;
         smaller = false;
+        lg = logs_at(f.eos, Bz, Z);
     } else {
-        const double gl = lng_at(f.eos, A, Bz, zmin), gv = lng_at(f.eos, A, Bz, zmax);
-        smaller = gl < gv;
+        const root_logs ll = logs_at(f.eos, Bz, zmin), lv = logs_at(f.eos, Bz, zmax);
+        smaller = lng_at(f.eos, A, Bz, zmin, ll) < lng_at(f.eos, A, Bz, zmax, lv);
         Z = smaller ? zmin : zmax;
+        lg = smaller ? ll : lv;
     }
     const double V = Z * rt / P;
-    const volume_terms<S> w = volume_functions(f.eos, m.B, V);
-    const S DT = m.D / t.T;
-    const double lnz = std::log(Z);
     out.Z = Z;
     out.v = V;
     out.nroots = nr;
     out.smaller = smaller;
-    out.lng = value(-w.g - DT * w.f) + Z - 1.0 - lnz;
+    out.lng = lng_at(f.eos, A, Bz, Z, lg);
+    const bool derivatives = dn || dp || dt;
+    if constexpr (std::is_same_v<S, double>) {
+        if (!derivatives) {
+            // ln phi_i = F_i - ln Z with F_i = dF/dn_i at T, V; -g - ln Z is -ln(Z - B)
+            const double vmb = V - Bv;
+            const double fv = lg.ratio / (R * (f.eos.delta1 - f.eos.delta2) * Bv);
+            const double fV = -1.0 / (R * (V + f.eos.delta1 * Bv) * (V + f.eos.delta2 * Bv));
+            const double fB = -(fv + V * fV) / Bv;
+            const double DTv = Dv / T;
+            for (int i = 0; i < nc; ++i)
+                out.lnphi[i] = -lg.zb + m.Bi[i] / vmb - (m.Di[i] / T) * fv - DTv * fB * m.Bi[i];
+            return 0;
+        }
+    }
+    // the logarithms of the volume functions are those of the root (ln(1 - B/V) is ln(Z - B)
+    // - ln Z); only their temperature derivatives remain to be formed
+    const double lnz = std::log(Z);
+    const volume_terms<S> w = volume_functions(
+        f.eos, m.B, V, log_given((V - m.B) / V, lg.zb - lnz),
+        log_given((V + f.eos.delta1 * m.B) / (V + f.eos.delta2 * m.B), lg.ratio));
+    const S DT = m.D / t.T;
     std::array<S, mc> Fi;
     for (int i = 0; i < nc; ++i) {
         Fi[i] = -w.g - w.gB * m.Bi[i] - (m.Di[i] / t.T) * w.f - DT * w.fB * m.Bi[i];
         out.lnphi[i] = value(Fi[i]) - lnz;
     }
-    if (!dn && !dp && !dt) return 0;
+    if (!derivatives) return 0;
 
     // pressure derivatives at constant T, V: P_V and P_i = RT (1/V - F_iV)
     const double gVv = value(w.gV), fVv = value(w.fV), gBv = value(w.gB), fBv = value(w.fB);

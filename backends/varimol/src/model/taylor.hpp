@@ -121,6 +121,20 @@ taylor<N> log(const taylor<N>& a) {
     }
     return r;
 }
+// log(a) where the logarithm of its value, ln a.c[0], is already known (the series recurrence
+// of log needs only that value)
+template <int N>
+taylor<N> log_given(const taylor<N>& a, double log_value) {
+    taylor<N> r;
+    r.c[0] = log_value;
+    for (int k = 1; k <= N; ++k) {
+        double s = a.c[k];
+        for (int j = 1; j < k; ++j) s -= (double(j) / k) * r.c[j] * a.c[k - j];
+        r.c[k] = s / a.c[0];
+    }
+    return r;
+}
+inline double log_given(double, double log_value) { return log_value; }
 using std::log;
 using std::sqrt;
 
