@@ -164,7 +164,7 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
             converged = true;
             break;
         }
-        std::array<double, mc * mc> H{};
+        std::array<double, mc * mc> H; // its n x n block is filled below
         double dmean = 0.0;
         for (int i = 0; i < n; ++i) {
             for (int j = 0; j < n; ++j)
@@ -182,8 +182,11 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         bool moved = false;
         double mu = 0.0;
         for (int k = 0; k < 40 && !moved; ++k) {
-            std::array<double, mc * mc> A = H;
-            for (int i = 0; i < n; ++i) A[i * mc + i] += mu * dmean;
+            std::array<double, mc * mc> A;
+            for (int i = 0; i < n; ++i) {
+                for (int j = 0; j < n; ++j) A[i * mc + j] = H[i * mc + j];
+                A[i * mc + i] += mu * dmean;
+            }
             vec step{};
             for (int i = 0; i < n; ++i) step[i] = -g[i];
             if (!solve_cholesky(n, A.data(), mc, step.data())) {

@@ -70,10 +70,11 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
                (std::abs(ph.v - zphase.v) < 1e-6 * zphase.v && s < 1e-6);
     };
     // accelerated successive substitution: ln W_i = d_i - ln phi_i(w)
+    // with ln w_i = ln W_i - ln(sum W) and sum w = 1 a single logarithm is left
     auto tpd_of_w = [&]() {
         double s = 0.0;
-        for (int i = 0; i < n; ++i) s += w[i] * (std::log(w[i]) + ph.lnphi[i] - d[i]);
-        return s;
+        for (int i = 0; i < n; ++i) s += w[i] * (lnw[i] + ph.lnphi[i] - d[i]);
+        return s - std::log(sumw);
     };
     bool have_old = false;
     for (int it = 0; it < 40; ++it) {
@@ -141,7 +142,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             if (evaluate(true, &dn)) break;
             double gn = 0.0, tm = 1.0;
             vec grad{};
-            std::array<double, mc * mc> H{};
+            std::array<double, mc * mc> H; // its n x n block is filled below
             for (int i = 0; i < n; ++i) {
                 Wk[i] = W[i];
                 const double G = lnw[i] + ph.lnphi[i] - d[i];

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 namespace varimol {
 
@@ -10,6 +12,26 @@ namespace {
 inline double poly(double z, double c2, double c1, double c0, double& dp) {
     dp = (3.0 * z + 2.0 * c2) * z + c1;
     return ((z + c2) * z + c1) * z + c0;
+}
+
+// Cube root: a start within a few per cent from the bits of the double (read as an integer they
+// are close to a scaled log2 of it, which the division by 3 turns into that of the cube root),
+// then two Halley steps, each of which triples the correct digits (to a few 1e-15; the root of
+// the cubic is polished afterwards). Far outside the range of the cubic's coefficients the
+// library's cube root answers.
+inline double cube_root(double x) {
+    const double a = std::abs(x);
+    if (!(a > 1e-200 && a < 1e200)) return std::cbrt(x);
+    std::uint64_t bits;
+    std::memcpy(&bits, &a, sizeof bits);
+    bits = bits / 3 + 0x2A9F7893782DA1CEull; // (bias - bias/3) in the exponent field, tuned
+    double y;
+    std::memcpy(&y, &bits, sizeof y);
+    for (int k = 0; k < 2; ++k) {
+        const double y3 = y * y * y;
+        y *= (y3 + 2.0 * a) / (2.0 * y3 + a);
+    }
+    return x < 0.0 ? -y : y;
 }
 
 // Newton polish of a root of the cubic; the analytic roots lose digits when two roots are close.
@@ -47,7 +69,7 @@ int z_roots(const cubic_family& eos, double A, double B, double& zmin, double& z
     if (disc > 0.0) {
         const double sq = std::sqrt(disc);
         const double h = -0.5 * q + (q <= 0.0 ? sq : -sq); // no cancellation
-        const double m = std::cbrt(h);
+        const double m = cube_root(h);
         zl = polish(m - p / (3.0 * m) - s, c2, c1, c0);
     } else {
         const double r = std::sqrt(-p / 3.0);
