@@ -1,6 +1,7 @@
 // Identities of the phase-equilibrium results for every model code: the two-phase results of the
 // PT flash and of the quality points have equal fugacities, their mass balance to 1e-12 and no
 // trial composition below their tangent plane; the Rachford-Rice root is exact at both ends.
+#include "equilibrium/critical.hpp"
 #include "equilibrium/flash_tp.hpp"
 #include "equilibrium/rachford_rice.hpp"
 #include "equilibrium/saturation.hpp"
@@ -8,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -146,4 +148,39 @@ TEST(VarimolEquilibrium, RachfordRiceIsExactAtBothEnds) {
     double b, x[2], y[2];
     EXPECT_EQ(rachford_rice(2, z2, up, b, x, y), 1);
     EXPECT_EQ(rachford_rice(2, z2, down, b, x, y), -1);
+}
+
+TEST(VarimolEquilibrium, BubblePointsUpToTheCriticalPoint) {
+    // Within a few kelvin of the mixture's critical point Wilson's K-values lead the bubble-point
+    // iteration onto the trivial solution; the answer must still be the bubble point: a PT flash
+    // 0.1 % below it splits the feed with a small vapour fraction, 0.1 % above it finds one phase.
+    const varimol_test::mixture_spec mixtures[] = {
+        {{"CH4", "C2H6"}, {0.6, 0.4}},
+        {{"CH4", "C2H6", "C3H8", "N2", "CO2"}, {0.85, 0.06, 0.03, 0.04, 0.02}}};
+    for (const auto& m : mixtures) {
+        fluid_parameters fp;
+        binary_parameters bp;
+        varimol_test::make_parameters(m, fp, bp);
+        fluid f;
+        ASSERT_EQ(set_fluid(f, model_prsv_vdw, fp, bp, static_cast<int>(m.names.size())), 0);
+        critical_state c;
+        ASSERT_EQ(critical_point(f, f.z.data(), 0.0, 0.0, c), 0);
+        for (double below : {15.0, 10.0, 6.0, 4.0, 3.0, 2.0, 1.5, 1.0, 0.7, 0.5, 0.3}) {
+            const double T = c.T - below;
+            SCOPED_TRACE(::testing::Message() << m.names.size() << " components, T " << T);
+            double t = T, P = 1.0e5; // the starting pressure of the iteration
+            flash_result r;
+            ASSERT_EQ(saturation_q(f, true, t, P, 0.0, f.z.data(), r), 0);
+            EXPECT_LT(P, c.P * 1.001);
+            double lnk = 0.0;
+            for (int i = 0; i < f.n; ++i) lnk = std::max(lnk, std::abs(std::log(r.y[i] / r.x[i])));
+            EXPECT_GT(lnk, 1e-4); // not the trivial solution
+            flash_result lo, hi;
+            ASSERT_EQ(flash_tp(f, T, P * (1.0 - 1e-3), f.z.data(), lo), 0);
+            ASSERT_EQ(flash_tp(f, T, P * (1.0 + 1e-3), f.z.data(), hi), 0);
+            EXPECT_EQ(lo.nphase, 2);
+            EXPECT_LT(lo.beta, 0.5);
+            EXPECT_EQ(hi.nphase, 1);
+        }
+    }
 }

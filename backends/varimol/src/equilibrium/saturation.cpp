@@ -105,10 +105,10 @@ int pure_saturation_temperature(const fluid& f, double P, double& T, phase& L, p
 }
 
 namespace {
-// Successive substitution then Newton on (ln K, ln P or T) from the given K-values; 0, 1 (no
-// convergence) or 2 (trivial solution).
+// `substitutions` steps of successive substitution, then Newton on (ln K, ln P or T), from the
+// given K-values; 0, 1 (no convergence) or 2 (trivial solution).
 int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const double* z,
-            vec& lnk, flash_result& out) {
+            vec& lnk, flash_result& out, int substitutions) {
     const int n = f.n;
     const int base = 0;
     vec K{}, x{}, y{};
@@ -131,6 +131,9 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
     if (given_t) at_temperature(f, T, tfix);
     // successive substitution with the pressure (or temperature) moved on the same sum
     bool converged = false;
+    double triv_prev = INFINITY, rn_prev = INFINITY;
+    double rn_best = INFINITY;
+    int falling = 0, stalled = 0;
     for (int it = 0; it < 80; ++it) {
         double sx = 0.0, sy = 0.0;
         for (int i = 0; i < n; ++i) {
@@ -142,7 +145,7 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
         }
         vec xn{}, yn{};
         for (int i = 0; i < n; ++i) xn[i] = x[i] / sx, yn[i] = y[i] / sy;
-        const bool newton = it >= 4;
+        const bool newton = it >= substitutions;
         int e;
         if (given_t) {
             e = eval_phase(f, tfix, P, xn.data(), root_choice::liquid, L, newton ? &dl : nullptr,
@@ -169,6 +172,20 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
         }
         const double rs = sy - sx;
         if (triv < 1e-8) return base + 2;
+        // Newton falling onto the trivial solution converges only linearly (the Jacobian is
+        // singular there): ln K shrinking steadily while the residual falls by less than a
+        // decade per step, several times over, is read as that fall
+        if (newton) {
+            const bool shrinking = triv < 0.67 * triv_prev && rn > 0.1 * rn_prev;
+            falling = shrinking ? falling + 1 : 0;
+            if (falling >= 4) return base + 2;
+            // no progress: a residual that has not fallen below 0.9 of its best for six steps
+            // (steps swinging between the limits of the pressure move) will not converge here
+            if (rn < 0.9 * rn_best) rn_best = rn, stalled = 0;
+            else if (++stalled >= 6) return base + 1;
+        }
+        triv_prev = triv;
+        rn_prev = rn;
         if (rn < 1e-12 && std::abs(rs) < 1e-14) {
             // the vapour must be the phase richer in the volatile components: an iteration that
             // ends with the roles exchanged has found the other saturation point of the feed
@@ -240,6 +257,49 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
     if (!converged) return 1;
     return 0;
 }
+
+// From a tie line of vapour fraction qf (its ln K at T, P) to the point of vapour fraction q at
+// the same T (or P): continuation in the vapour fraction, each point solved by Newton from the
+// previous one, extrapolated linearly. Near the critical point the tie line keeps the phases
+// apart, where a direct Newton step to q would fall onto the trivial solution; a step that fails
+// is halved. Returns as iterate.
+int follow_q(const fluid& f, bool given_t, double& T, double& P, double qf, double q,
+             const double* z, vec& lnk, flash_result& out) {
+    const int n = f.n;
+    double qa = qf, xa = given_t ? std::log(P) : T; // the last solved point
+    vec ka = lnk;
+    bool have_prev = false;
+    double qb = qa, xb = xa; // the one before it
+    vec kb = ka;
+    double step = 0.7 * (qa - q);
+    for (int k = 0; k < 60; ++k) {
+        double qn = qa - step;
+        if (std::abs(qn - q) < 1e-3 || (qa - q) * (qn - q) <= 0.0) qn = q;
+        // linear extrapolation from the last two points
+        const double w = have_prev && qa != qb ? (qn - qa) / (qa - qb) : 0.0;
+        vec lk{};
+        for (int i = 0; i < n; ++i) lk[i] = ka[i] + w * (ka[i] - kb[i]);
+        const double xn = xa + w * (xa - xb);
+        double Tn = given_t ? T : xn, Pn = given_t ? std::exp(xn) : P;
+        const int e = iterate(f, given_t, Tn, Pn, qn, z, lk, out, 0);
+        if (e == 0) {
+            if (qn == q) {
+                T = Tn;
+                P = Pn;
+                lnk = lk;
+                return 0;
+            }
+            step = 2.0 * (qa - qn); // a step that converged may be doubled
+            qb = qa, xb = xa, kb = ka;
+            qa = qn, xa = given_t ? std::log(Pn) : Tn, ka = lk;
+            have_prev = true;
+            continue;
+        }
+        step = 0.5 * (qa - qn);
+        if (std::abs(step) < 1e-6) return e;
+    }
+    return 1;
+}
 } // namespace
 
 int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double q,
@@ -288,7 +348,11 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
     if (!(P > 0.0) || !(T > 0.0) || !std::isfinite(P) || !std::isfinite(T)) return base + 1;
     wilson_k(f, T, P, lnk.data());
     const double t0 = T, p0 = P;
-    int e = iterate(f, given_t, T, P, q, z, lnk, out);
+    // On the bubble side Newton starts from Wilson's K-values at once: the substitutions, which
+    // also move the pressure, tend to carry a start near the critical point onto the trivial
+    // solution. The dew side, where a feed can have two dew points, keeps them so that the
+    // usual (upper) one is found.
+    int e = iterate(f, given_t, T, P, q, z, lnk, out, bubble_side ? 0 : 4);
     if (e != 0) {
         // near the critical point Wilson's start falls onto the trivial solution: start instead
         // from the tie line of a PT flash inside the two-phase region, found by moving the
@@ -296,7 +360,7 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
         // bubble point, up from a dew point
         // (the first tie line whose vapour fraction has passed q)
         bool found = false;
-        double tt = t0, pp = p0;
+        double tt = t0, pp = p0, qf = q;
         for (int k = 0; k < 150 && !found; ++k) {
             if (given_t) pp *= bubble_side ? 0.7 : 1.4;
             else tt *= bubble_side ? 1.01 : 0.99;
@@ -304,13 +368,15 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
             if (flash_tp(f, tt, pp, z, fr) == 0 && fr.nphase == 2 &&
                 (bubble_side ? fr.beta >= q : fr.beta <= q)) {
                 for (int i = 0; i < n; ++i) lnk[i] = std::log(fr.y[i] / fr.x[i]);
+                qf = fr.beta;
                 found = true;
             }
         }
         if (found) {
             T = tt;
             P = pp;
-            e = iterate(f, given_t, T, P, q, z, lnk, out);
+            e = bubble_side ? follow_q(f, given_t, T, P, qf, q, z, lnk, out)
+                            : iterate(f, given_t, T, P, q, z, lnk, out, 4);
         }
     }
     if (e != 0) return base + e;

@@ -166,26 +166,37 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
                 for (int j = 0; j < n; ++j)
                     H[i * mc + j] = (i == j ? 1.0 : 0.0) +
                                     std::sqrt(Wk[i] * Wk[j]) * dn[i * mc + j] / sumw;
-            vec step = grad;
-            for (int i = 0; i < n; ++i) step[i] = -step[i];
-            if (!solve_linear(n, H.data(), mc, step.data())) break;
-            // alpha -> W, halving the step until tm decreases
-            double fac = 1.0;
+            // Newton step, halved until tm decreases; where the Hessian is not positive definite
+            // (near a critical point) that step need not descend, and the Hessian is shifted
+            // towards the identity (Levenberg-Marquardt) until it does. A point stationary to the
+            // rounding (gradient below 1e-12) needs no shift.
             vec lw{};
             bool ok = false;
-            for (int h = 0; h < 20; ++h) {
-                bool pos = true;
+            for (int shift = 0; shift < 6 && !ok && (shift == 0 || gn >= 1e-12); ++shift) {
+                const double mu = shift == 0 ? 0.0 : std::pow(10.0, 2 * shift - 6);
+                std::array<double, mc * mc> A;
                 for (int i = 0; i < n; ++i) {
-                    const double a = 2.0 * std::sqrt(Wk[i]) + fac * step[i];
-                    if (!(a > 0.0)) { pos = false; break; }
-                    lw[i] = std::log(0.25 * a * a);
+                    for (int j = 0; j < n; ++j) A[i * mc + j] = H[i * mc + j];
+                    A[i * mc + i] += mu;
                 }
-                double tmn;
-                if (pos && tm_of(lw, tmn) && tmn <= tm + 1e-15) {
-                    ok = true;
-                    break;
+                vec step{};
+                for (int i = 0; i < n; ++i) step[i] = -grad[i];
+                if (!solve_linear(n, A.data(), mc, step.data())) continue;
+                double fac = 1.0;
+                for (int h = 0; h < 20; ++h) {
+                    bool pos = true;
+                    for (int i = 0; i < n; ++i) {
+                        const double a = 2.0 * std::sqrt(Wk[i]) + fac * step[i];
+                        if (!(a > 0.0)) { pos = false; break; }
+                        lw[i] = std::log(0.25 * a * a);
+                    }
+                    double tmn;
+                    if (pos && tm_of(lw, tmn) && tmn <= tm + 1e-15) {
+                        ok = true;
+                        break;
+                    }
+                    fac *= 0.5;
                 }
-                fac *= 0.5;
             }
             if (!ok) {
                 // no descent is left at the rounding level of tm: the point is stationary
