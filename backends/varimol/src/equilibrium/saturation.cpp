@@ -300,16 +300,13 @@ int follow_q(const fluid& f, bool given_t, double& T, double& P, double qf, doub
     }
     return 1;
 }
-} // namespace
 
-int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double q,
-                 const double* z, flash_result& out) {
+// Wilson's estimate of the point of vapour fraction q: sum z (K - 1)/(1 + q (K - 1)) = 0 solved
+// for P (given_t) or T with Wilson's K-values, from the T and P given.
+void wilson_estimate(const fluid& f, bool given_t, double q, const double* z, double& T,
+                     double& P) {
     const int n = f.n;
-    const bool bubble_side = q < 0.5;
-    const int base = given_t ? (bubble_side ? 400 : 410) : (bubble_side ? 420 : 430);
-    double T = Tio, P = Pio;
     vec lnk{};
-    // Wilson start: solve sum z (K - 1)/(1 + q (K - 1)) = 0 for P (or T) with Wilson's K
     auto rr = [&](const vec& lk, double& dfd) {
         double s = 0.0;
         dfd = 0.0;
@@ -345,14 +342,38 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
             if (std::abs(step) < 1e-10 * T) break;
         }
     }
+}
+} // namespace
+
+int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double q,
+                 const double* z, flash_result& out) {
+    const int n = f.n;
+    const bool bubble_side = q < 0.5;
+    const int base = given_t ? (bubble_side ? 400 : 410) : (bubble_side ? 420 : 430);
+    double T = Tio, P = Pio;
+    vec lnk{};
+    wilson_estimate(f, given_t, q, z, T, P);
     if (!(P > 0.0) || !(T > 0.0) || !std::isfinite(P) || !std::isfinite(T)) return base + 1;
+    // Near the critical point Wilson's estimate of a bubble pressure lies above the critical
+    // pressure, where the two trial phases merge into one root of the cubic: the iteration
+    // starts from the critical pressure instead.
+    if (bubble_side && given_t && P > f.pcrit) P = f.pcrit;
     wilson_k(f, T, P, lnk.data());
     const double t0 = T, p0 = P;
-    // On the bubble side Newton starts from Wilson's K-values at once: the substitutions, which
-    // also move the pressure, tend to carry a start near the critical point onto the trivial
-    // solution. The dew side, where a feed can have two dew points, keeps them so that the
-    // usual (upper) one is found.
-    int e = iterate(f, given_t, T, P, q, z, lnk, out, bubble_side ? 0 : 4);
+    // Far from the critical point Newton from Wilson's K-values converges at once; close to it
+    // (above 0.93 Tc) a few substitutions first bring the K-values nearer the solution. The
+    // order that fails hands over to the other (Newton alone does well where the substitutions
+    // fall onto the trivial solution, and the reverse). The dew side, where a feed can have two
+    // dew points, keeps the substitutions first so that the usual (upper) one is found.
+    const bool near_critical = given_t ? T > 0.93 * f.tcrit : P > 0.8 * f.pcrit;
+    const int first = bubble_side && !near_critical ? 0 : 4;
+    int e = iterate(f, given_t, T, P, q, z, lnk, out, first);
+    if (e != 0 && bubble_side) {
+        T = t0;
+        P = p0;
+        wilson_k(f, T, P, lnk.data());
+        e = iterate(f, given_t, T, P, q, z, lnk, out, 4 - first);
+    }
     if (e != 0) {
         // near the critical point Wilson's start falls onto the trivial solution: start instead
         // from the tie line of a PT flash inside the two-phase region, found by moving the
