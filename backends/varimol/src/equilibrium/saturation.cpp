@@ -357,6 +357,7 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
     // Near the critical point Wilson's estimate of a bubble pressure lies above the critical
     // pressure, where the two trial phases merge into one root of the cubic: the iteration
     // starts from the critical pressure instead.
+    const double p_wilson = P;
     if (bubble_side && given_t && P > f.pcrit) P = f.pcrit;
     wilson_k(f, T, P, lnk.data());
     const double t0 = T, p0 = P;
@@ -381,7 +382,7 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
         // bubble point, up from a dew point
         // (the first tie line whose vapour fraction has passed q)
         bool found = false;
-        double tt = t0, pp = p0, qf = q;
+        double tt = t0, pp = p_wilson, qf = q;
         for (int k = 0; k < 150 && !found; ++k) {
             if (given_t) pp *= bubble_side ? 0.7 : 1.4;
             else tt *= bubble_side ? 1.01 : 0.99;
