@@ -47,7 +47,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
     };
     // Near the trivial solution tm(W) is a positive quadratic form in W - z, a fixed multiple of
     // beta = sum (W_i - z_i)(ln W_i - ln z_i) along the direction of approach (Michelsen and
-    // Mollerup, ch. 9): a trial within beta < 1e-4 of the feed whose ratio r = 2 tm/beta has
+    // Mollerup, ch. 9): a trial within beta < 1e-3 of the feed whose ratio r = 2 tm/beta has
     // settled, clearly above zero (far from a critical point, where it vanishes), is falling
     // onto the feed.
     double r_prev = -1.0;
@@ -61,7 +61,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
         const double r = 2.0 * tm / beta;
         const bool settled = std::abs(r - r_prev) < 0.02 * r || beta < 1e-6;
         r_prev = r;
-        return beta < 1e-4 && r > 0.1 && settled;
+        return beta < 1e-3 && r > 0.1 && settled;
     };
     auto trivial_now = [&]() {
         double s = 0.0;
