@@ -144,9 +144,12 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
         for (int i = 0; i < n; ++i) y[i] = va[i] / sv, x[i] = la[i] / sl;
         const double b = sv / (sv + sl);
         // the composition derivatives with the values: one root solve per phase and step (they
-        // cost less than a second solve, and only the last step leaves them unused)
-        if (eval_phase(f, t, P, x.data(), root_choice::stable, L, &dl) ||
-            eval_phase(f, t, P, y.data(), root_choice::stable, V, &dv))
+        // cost less than a second solve). After a step from the rounding level of the gradient
+        // this evaluation only confirms convergence, and the derivatives are left out (formed
+        // afterwards should it not).
+        const bool closing = tail > 0;
+        if (eval_phase(f, t, P, x.data(), root_choice::stable, L, closing ? nullptr : &dl) ||
+            eval_phase(f, t, P, y.data(), root_choice::stable, V, closing ? nullptr : &dv))
             return 441;
         vec g{};
         double gmax = 0.0, triv = 0.0;
@@ -164,6 +167,9 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
             converged = true;
             break;
         }
+        if (closing && (eval_phase(f, t, P, x.data(), root_choice::stable, L, &dl) ||
+                        eval_phase(f, t, P, y.data(), root_choice::stable, V, &dv)))
+            return 441;
         std::array<double, mc * mc> H; // its n x n block is filled below
         double dmean = 0.0;
         for (int i = 0; i < n; ++i) {
@@ -174,8 +180,10 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
                      (i == j ? z[i] / (x[i] * y[i] * b * (1.0 - b)) : 0.0));
             dmean += std::abs(H[i * mc + i]) / n;
         }
-        // Gibbs energy of the split (per RT), for the descent test of the steps
-        const double g0 = gibbs(sv, sl, x, y, L, V, n);
+        // Gibbs energy of the split (per RT), for the descent test of the steps (formed when a
+        // step is tested)
+        double g0 = 0.0;
+        bool have_g0 = false;
         // Newton step; where the Hessian is not positive definite (near a critical point) it is
         // shifted (Levenberg-Marquardt) until it is, and the step must lower the Gibbs energy or,
         // below its rounding, the gradient
@@ -221,6 +229,7 @@ int flash_split(const fluid& f, const temperature_terms<double>& t, double P, co
             phase Ln, Vn;
             if (!eval_phase(f, t, P, xn.data(), root_choice::stable, Ln) &&
                 !eval_phase(f, t, P, yn.data(), root_choice::stable, Vn)) {
+                if (!have_g0) g0 = gibbs(sv, sl, x, y, L, V, n), have_g0 = true;
                 const double gn = gibbs(svn, sln, xn, yn, Ln, Vn, n);
                 const double resolution = 1e-14 * (std::abs(g0) + 1.0);
                 bool accept = gn <= g0 + 1e-4 * fac * slope && fac * std::abs(slope) > resolution;
