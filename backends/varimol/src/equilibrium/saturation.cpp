@@ -146,23 +146,27 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
         vec xn{}, yn{};
         for (int i = 0; i < n; ++i) xn[i] = x[i] / sx, yn[i] = y[i] / sy;
         const bool newton = it >= substitutions;
-        int e;
-        if (given_t) {
-            e = eval_phase(f, tfix, P, xn.data(), root_choice::liquid, L, newton ? &dl : nullptr,
-                           &dpl);
-            e = e ? e
-                  : eval_phase(f, tfix, P, yn.data(), root_choice::vapour, V,
-                               newton ? &dv : nullptr, &dpv);
-        } else {
-            temperature_terms<taylor<1>> t;
-            at_temperature(f, taylor<1>::variable(T), t);
-            e = eval_phase_t(f, t, P, xn.data(), root_choice::liquid, L, newton ? &dl : nullptr,
-                             nullptr, &dtl);
-            e = e ? e
-                  : eval_phase_t(f, t, P, yn.data(), root_choice::vapour, V,
-                                 newton ? &dv : nullptr, nullptr, &dtv);
-        }
-        if (e) return base + 1;
+        // the derivatives that the step needs: composition and pressure (or temperature)
+        // derivatives for Newton, the temperature ones for a substitution at given P. After a
+        // Newton step from a residual below 1e-9 this evaluation only confirms convergence and
+        // forms none (they are formed afterwards should it not).
+        const bool closing = newton && rn_prev < 1e-9;
+        temperature_terms<taylor<1>> tt;
+        if (!given_t) at_temperature(f, taylor<1>::variable(T), tt);
+        auto evaluate = [&](bool with_dn, bool with_dt) {
+            mat* pl = with_dn ? &dl : nullptr;
+            mat* pv = with_dn ? &dv : nullptr;
+            if (given_t)
+                return eval_phase(f, tfix, P, xn.data(), root_choice::liquid, L, pl,
+                                  with_dn ? &dpl : nullptr) ||
+                       eval_phase(f, tfix, P, yn.data(), root_choice::vapour, V, pv,
+                                  with_dn ? &dpv : nullptr);
+            return eval_phase_t(f, tt, P, xn.data(), root_choice::liquid, L, pl, nullptr,
+                                with_dt ? &dtl : nullptr) ||
+                   eval_phase_t(f, tt, P, yn.data(), root_choice::vapour, V, pv, nullptr,
+                                with_dt ? &dtv : nullptr);
+        };
+        if (closing ? evaluate(false, false) : evaluate(newton, true)) return base + 1;
         vec r{};
         double rn = 0.0, triv = 0.0;
         for (int i = 0; i < n; ++i) {
@@ -202,6 +206,7 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
             out.vap = V;
             break;
         }
+        if (closing && evaluate(true, true)) return base + 1;
         if (!newton) {
             for (int i = 0; i < n; ++i) lnk[i] -= r[i];
             double d;
