@@ -1,6 +1,7 @@
 // Identities of the cubic model for every model code: the analytic derivatives against central
 // differences of the back-end's own functions, Gibbs-Duhem on ln phi, the ideal-gas limit and the
 // criticality conditions that fix the omega constants.
+#include "model/cubic.hpp"
 #include "model/ideal_gas.hpp"
 #include "model/properties.hpp"
 #include "varimol_fluids.hpp"
@@ -192,5 +193,43 @@ TEST(VarimolModel, OmegaConstantsMakeTheCriticalPointAnInflection) {
         EXPECT_NEAR(p.P / pc, 1.0, 1e-13);
         EXPECT_LE(std::abs(p.dpdv) * vc / pc, 1e-12);
         EXPECT_LE(std::abs(p.d2pdv2) * vc * vc / pc, 1e-11);
+    }
+}
+
+TEST(VarimolModel, CubicRootsAgreeWithASignScan) {
+    // (A, B) from dilute gas to compressed liquid, with three roots, one root and two roots
+    // nearly merged (at a spinodal); the count of physical roots is checked against the sign
+    // changes of the cubic on a fine grid above the covolume, each root against the cubic itself
+    const double AB[][2] = {{1e-6, 1e-7},  {0.05, 0.004}, {0.5, 0.05},  {0.4, 0.05},
+                            {0.45, 0.06}, {2.0, 0.1},    {8.0, 0.3},   {30.0, 1.2},
+                            {0.457, 0.0778}, {0.3, 0.02}, {1e3, 5.0},  {0.2, 0.08}};
+    for (const cubic_family* eos : {&peng_robinson, &soave_redlich_kwong}) {
+        for (const auto& ab : AB) {
+            const double A = ab[0], B = ab[1];
+            auto cubic = [&](double Z) {
+                return (Z - B) * (Z + eos->delta1 * B) * (Z + eos->delta2 * B) -
+                       (Z + eos->delta1 * B) * (Z + eos->delta2 * B) + A * (Z - B);
+            };
+            SCOPED_TRACE(::testing::Message() << "A " << A << " B " << B);
+            // sign changes on a logarithmic grid from just above B to far beyond the ideal gas
+            int changes = 0;
+            double prev = cubic(B * (1.0 + 1e-12));
+            for (int k = 1; k <= 20000; ++k) {
+                const double Z = B + std::pow(10.0, -12.0 + 14.0 * k / 20000.0) * (1.0 + B);
+                const double c = cubic(Z);
+                if ((c > 0.0) != (prev > 0.0)) ++changes;
+                prev = c;
+            }
+            double zmin, zmax;
+            const int n = z_roots(*eos, A, B, zmin, zmax);
+            ASSERT_GE(n, 1);
+            EXPECT_EQ(n, changes == 3 ? 2 : 1);
+            for (double Z : {zmin, zmax}) {
+                EXPECT_GT(Z, B);
+                const double scale = (Z + 1.0) * (Z + 1.0) * (Z + 1.0) + A * (Z + B);
+                EXPECT_LE(std::abs(cubic(Z)), 1e-14 * scale) << "Z " << Z;
+            }
+            EXPECT_LE(zmin, zmax);
+        }
     }
 }
