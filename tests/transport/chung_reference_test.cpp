@@ -133,7 +133,7 @@ TEST(ChungExamples, DerivativesMatchCentralDifferences) {
 // (reference correlations, data/transport/README.md) at published states. Tolerances (%) per
 // fluid and phase for viscosity and conductivity: the method's few per cent for nonpolar gases;
 // more for dense fluids (CO2 at 1400 kg/m³ is at some 0.5 GPa) and for the polar R134a, whose
-// reduced dipole moment (0.99) puts it where the polar terms were hardly fitted: its vapour
+// reduced dipole moment (0.99) the polar terms describe poorly in the liquid: its vapour
 // conductivity comes out 3 to 12 % high, its liquid conductivity 70 to 110 % high (the dense
 // terms' polar part; with μ = 0 it would still be 25 to 35 % high), its liquid viscosity 33 % low.
 // The conductivity factor β = 0.7862 - 0.7109 ω + 1.3168 ω²
