@@ -22,8 +22,8 @@ constexpr double tc_per_epsilon = 1.2593;
 
 // Neufeld, Janzen and Aziz (1972), the reduced collision integral Ω(2,2)* for 0.3 <= T* <= 100:
 // Ω_v = A T*^-B + C exp(-D T*) + E exp(-F T*) + G T*^B sin(S T*^W - H). Poling et al. (2001)
-// print the first three terms as eq. 9-4.3; the periodic one, below 0.1 %, is kept because their
-// worked example 9-1 (SO2 at 573 K, 245.5 μP) carries it in its last digit.
+// print the first three terms as eq. 9-4.3; the periodic one, below 0.1 %, is kept: without it
+// their worked example 9-1 (SO2 at 573 K) comes out 245.6 μP instead of the printed 245.5.
 struct neufeld_constants {
     double a, b, c, d, e, f, g, h, s, w;
 };
