@@ -225,11 +225,11 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
         if (f.n == 1) {
             phase l, v;
             if (given_t) {
-                const int e = pure_saturation_p(f, T, p, l, v);
+                const int e = pure_saturation_pressure(f, T, p, l, v);
                 if (e == 102) return 3276;
                 if (e) return e;
             } else {
-                const int e = pure_saturation_t(f, p, T, l, v);
+                const int e = pure_saturation_temperature(f, p, T, l, v);
                 if (e == 143) return 3271;
                 if (e) return e;
                 if (T < f.tmin) return 3272;
