@@ -173,6 +173,50 @@ int p_pair(const fluid& f, int below, int above, given sp, double p, double valu
     return e;
 }
 
+// The cricondenbar and cricondentherm of the configured mixture, traced once per fluid when a
+// point of given vapour fraction first needs them.
+struct envelope_limits_cache {
+    bool traced = false;
+    bool known = false; // the envelope closed and its extremes are known
+    envelope_summary s;
+};
+envelope_limits_cache limits_cache;
+
+const envelope_limits_cache& configured_limits(const fluid& f) {
+    if (!limits_cache.traced) {
+        limits_cache.traced = true;
+        limits_cache.known = envelope_limits(f, limits_cache.s) == 0;
+    }
+    return limits_cache;
+}
+
+// A mixture's point of vapour fraction q at given P (mode 11) or T (mode 12). No two-phase
+// state lies above the cricondenbar or the cricondentherm: such a request is answered at once.
+// Every line of constant q runs from low pressure up to the critical point, so below the
+// critical pressure (temperature) a point of every q exists and a failure is one of the
+// iteration; above it the line of the asked q may end before the given pressure (temperature),
+// and a point the iteration does not find is reported as lying beyond its line.
+int mixture_quality_point(const fluid& f, bool given_t, double& T, double& P, double q,
+                          flash_result& fr) {
+    const int beyond = given_t ? 3276 : 3271;
+    const envelope_limits_cache& lim = configured_limits(f);
+    if (lim.known) {
+        if (given_t && T > lim.s.t_cricondentherm) return beyond;
+        if (!given_t && P > lim.s.p_cricondenbar) return beyond;
+    }
+    const double t_in = T, p_in = P;
+    if (given_t)
+        P = 1.0e5; // starting values of the iteration
+    else
+        T = 0.7 * f.tcrit;
+    const int e = saturation_q(f, given_t, T, P, q, f.z.data(), fr);
+    if (e == 0) return 0;
+    T = t_in, P = p_in;
+    const bool above_critical =
+        lim.known && lim.s.has_critical && (given_t ? T > lim.s.t_crit : P > lim.s.p_crit);
+    return above_critical ? beyond : e;
+}
+
 int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composition& x,
             composition& y, composition& lnphi) {
     if (!is_configured) return 101;
@@ -236,11 +280,7 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
             }
             pure_two_phase(l, v, fr);
         } else {
-            if (!given_t)
-                T = 0.7 * f.tcrit; // starting value of the iteration
-            else
-                p = 1.0e5;
-            if (int e = saturation_q(f, given_t, T, p, q, f.z.data(), fr)) return e;
+            if (int e = mixture_quality_point(f, given_t, T, p, q, fr)) return e;
             if (!given_t && T < f.tmin) return 3272;
         }
         two_phase_outputs(f, T, fr, q, o, x, y, lnphi);
@@ -567,6 +607,7 @@ void vm3_setfluid(int model_code, const fluid_parameters& fp, const binary_param
     if (ierr == 0) {
         configured = f;
         is_configured = true;
+        limits_cache = envelope_limits_cache{};
     }
 }
 
@@ -717,6 +758,14 @@ public:
         ++count_;
         return true;
     }
+    void reverse_order() override {
+        for (int a = 0, b = count_ - 1; a < b; ++a, --b) {
+            std::swap(T_[a], T_[b]);
+            std::swap(p_[a], p_[b]);
+            std::swap(x_[a], x_[b]);
+            std::swap(y_[a], y_[b]);
+        }
+    }
     int count() const { return count_; }
 
 private:
@@ -745,6 +794,7 @@ void vm3_phaseenvelope(int& npnts, std::span<double> T, std::span<double> p,
 void uninit_varimol() {
     configured = fluid{};
     is_configured = false;
+    limits_cache = envelope_limits_cache{};
 }
 
 } // namespace varimol

@@ -26,6 +26,8 @@ struct envelope_summary {
 class envelope_sink {
 public:
     virtual bool add(double T, double P, const vec& x, const vec& y) = 0;
+    // reverses the order of the points received so far
+    virtual void reverse_order() = 0;
 
 protected:
     ~envelope_sink() = default;
