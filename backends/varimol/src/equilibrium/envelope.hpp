@@ -34,7 +34,10 @@ protected:
 };
 
 // Traces the envelope of the configured mixture from the bubble point at p_start (Pa) round to
-// the dew point at p_start. `sink` may be null (only the summary is wanted). The cricondenbar
+// the dew point at p_start, along the boundary of the single-phase region: past a three-phase
+// point the phase that appeared there is traced as the incipient one. A feed that is split at
+// its bubble point at p_start is traced from its dew point instead, and the sink's points are
+// reversed at the end. `sink` may be null (only the summary is wanted). The cricondenbar
 // and cricondentherm are the extremes of the traced curve, located where dP/dS or dT/dS
 // vanishes. Codes: 0; 450 no convergence (the step became too small, or the curve left the
 // model's range); 451 no bubble point at p_start (or not a mixture); 452 the sink is full;
