@@ -137,6 +137,39 @@ TEST(VarimolPhaseLimits, QualityPointsBeyondTheEnvelopeAnswerTheirCodes) {
     }
 }
 
+TEST(VarimolPhaseLimits, QualityPointsCloseBelowTheCriticalPointConverge) {
+    for (const auto& m : {varimol_test::mixture_spec{{"CH4", "C2H6"}, {0.85, 0.15}},
+                          varimol_test::mixture_spec{{"N2", "O2", "Ar"}, {0.7812, 0.2096, 0.0092}},
+                          varimol_test::mixture_spec{{"CH4", "C3H8"}, {0.5, 0.5}}}) {
+        ASSERT_EQ(varimol_test::select(1, m), 0);
+        const fluid f = make(1, m);
+        double mm, tc, pc, tmin, tmax;
+        vm3_fluidinfo(mm, tc, pc, tmin, tmax);
+        for (double r : {0.95, 0.98, 0.99})
+            for (double q : {0.0, 0.25, 0.5, 0.75, 1.0})
+                for (int mode : {11, 12}) {
+                    SCOPED_TRACE(m.names[1] + " mode " + std::to_string(mode) + " r " +
+                                 std::to_string(r) + " q " + std::to_string(q));
+                    const state st = mode == 11 ? tmd(11, 0.0, r * pc, q) : tmd(12, r * tc, 0.0, q);
+                    ASSERT_EQ(st.ierr, 0);
+                    // the phases coexist on the mass balance, and the flash of the state returns
+                    // its vapour fraction
+                    EXPECT_LT(fugacity_gap(f, st.T, st.p, st.x.data(), root_choice::liquid,
+                                           st.y.data(), root_choice::vapour),
+                              1e-9);
+                    double gap = 0.0;
+                    for (int i = 0; i < int(m.names.size()); ++i)
+                        gap = std::max(gap, std::abs((1.0 - q) * st.x[i] + q * st.y[i] -
+                                                     m.x[i]));
+                    EXPECT_LT(gap, 1e-9);
+                    if (q == 0.0 || q == 1.0) continue;
+                    const state pt = tmd(1, st.T, st.p, 0.0);
+                    ASSERT_EQ(pt.ierr, 0);
+                    EXPECT_NEAR(pt.q, q, 1e-8);
+                }
+    }
+}
+
 TEST(VarimolPhaseLimits, EnvelopesWithHeavyComponentsBoundTheSinglePhaseRegion) {
     struct item {
         varimol_test::mixture_spec m;

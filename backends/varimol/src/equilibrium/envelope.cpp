@@ -507,6 +507,76 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
     return e;
 }
 
+int envelope_point(const fluid& f, bool dew, bool given_t, const double* a, const double* b,
+                   double& T, double& P, flash_result& out) {
+    const int n = f.n;
+    const int g = given_t ? n : n + 1; // the given unknown
+    const double target = std::log(given_t ? T : P);
+    if (n < 2 || !std::isfinite(target) || !((target - a[g]) * (target - b[g]) <= 0.0)) return 1;
+    tracer tr{f, f.z.data(), n};
+    tr.set_side(dew);
+    // the specified unknown: the one that changes most between the ends, in units of the
+    // envelope's step limits
+    int s = 0;
+    double most = -1.0;
+    for (int j = 0; j < n + 2; ++j) {
+        if (j == g) continue;
+        const double w = j < n ? 0.8 : j == n ? 0.1 : 0.5;
+        const double d = std::abs(b[j] - a[j]) / w;
+        if (d > most) most = d, s = j;
+    }
+    point p, best;
+    double sa = a[s], sb = b[s], fa = a[g] - target, fb = b[g] - target;
+    double fbest = INFINITY;
+    int side = 0;
+    for (int it = 0; it < 60; ++it) {
+        double sm = fb == fa ? 0.5 * (sa + sb) : sb - fb * (sb - sa) / (fb - fa);
+        if (!(sm > std::min(sa, sb) && sm < std::max(sa, sb))) sm = 0.5 * (sa + sb);
+        // start: the straight line between the ends
+        const double w = (sm - a[s]) / (b[s] - a[s]);
+        for (int j = 0; j < n + 2; ++j) p.X[j] = a[j] + w * (b[j] - a[j]);
+        if (tr.solve(p, s, sm) < 0) break;
+        const double fm = p.X[g] - target;
+        if (std::abs(fm) < fbest) fbest = std::abs(fm), best = p;
+        // close to the critical point the point at a given ln K is determined only to the
+        // conditioning of the equations there: the regula falsi stops where rounding sets in
+        if (fbest <= 1e-13 || std::abs(sb - sa) <= 1e-13 * std::max(1.0, std::abs(sm))) break;
+        if ((fm > 0.0) == (fb > 0.0)) {
+            sb = sm, fb = fm;
+            if (side == 1) fa *= 0.5;
+            side = 1;
+        } else {
+            sa = sm, fa = fm;
+            if (side == -1) fb *= 0.5;
+            side = -1;
+        }
+    }
+    if (!(fbest <= 1e-5)) return 1;
+    // the given value itself specified, from the closest point
+    p = best;
+    if (fbest > 0.0 && tr.solve(p, g, target) < 0) {
+        if (!(fbest <= 1e-12)) return 1;
+        p = best;
+    }
+    double big = 0.0; // not the trivial solution
+    for (int i = 0; i < n; ++i) big = std::max(big, std::abs(p.X[i]));
+    if (!(big > 1e-9)) return 1;
+    T = given_t ? T : std::exp(p.X[n]);
+    P = given_t ? std::exp(p.X[n + 1]) : P;
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    out.nphase = 2;
+    out.beta = dew ? 1.0 : 0.0;
+    out.x = p.x;
+    out.y = p.y;
+    if (eval_phase(f, t, P, p.x.data(), dew ? root_choice::liquid : root_choice::stable,
+                   out.liq) ||
+        eval_phase(f, t, P, p.y.data(), dew ? root_choice::stable : root_choice::vapour,
+                   out.vap))
+        return 1;
+    return 0;
+}
+
 int envelope_limits(const fluid& f, envelope_summary& s) {
     return trace_envelope(f, 1.0e5, nullptr, s);
 }

@@ -9,6 +9,7 @@
 // next point is predicted from the sensitivities dX/dS and the step follows the Newton
 // iteration count. Near the critical point the specified ln K is stepped across zero; the
 // critical point is inserted between the two points where the ln K change sign.
+#include "equilibrium/flash_tp.hpp"
 #include "model/properties.hpp"
 
 namespace varimol {
@@ -43,6 +44,17 @@ protected:
 // model's range); 451 no bubble point at p_start (or not a mixture); 452 the sink is full;
 // 453 the critical point between two points could not be located.
 int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope_summary& s);
+
+// A point of the envelope between two traced points of one side of it (or one of them the
+// critical point, ln K = 0): ends a and b hold (ln K_1..ln K_n, ln T, ln P), lnk = ln(y_i/x_i).
+// The point of given T (given_t) or P between them is found along the curve: the envelope's
+// Newton iteration specifies the unknown that changes most between the ends, and the regula
+// falsi moves it until ln T or ln P reaches the given value; this stays well conditioned where
+// the given P lies close to the curve's highest pressure. dew: the feed is the vapour. T (K) or
+// P (Pa) carries the given value in and both come out; out gets the two phases. Returns 0, or 1
+// when the given value does not lie between the ends or the iteration fails.
+int envelope_point(const fluid& f, bool dew, bool given_t, const double* a, const double* b,
+                   double& T, double& P, flash_result& out);
 
 // The cricondenbar and cricondentherm of the configured mixture (the envelope traced from
 // 1 bar, nothing stored); for the limits of the points of given vapour fraction.
