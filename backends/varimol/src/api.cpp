@@ -257,8 +257,8 @@ double flash_beta(const fluid& f, double T, double P, flash_result& fr) {
 
 // An interior q between the bubble and the dew point at given T or P (a and b: the value of the
 // unknown, T or ln P, at q = 0 and q = 1): regula falsi (Illinois) on beta - q of PT flashes.
-int quality_inside(const fluid& f, bool given_t, double a, double b, double q, double& T,
-                   double& P, flash_result& fr) {
+int quality_inside(const fluid& f, bool given_t, double a, double b, double q, double& T, double& P,
+                   flash_result& fr) {
     auto at = [&](double u) {
         return given_t ? flash_beta(f, T, std::exp(u), fr) : flash_beta(f, u, P, fr);
     };

@@ -173,7 +173,7 @@ TEST(VarimolPhaseLimits, QualityPointsCloseBelowTheCriticalPointConverge) {
 TEST(VarimolPhaseLimits, EnvelopesWithHeavyComponentsBoundTheSinglePhaseRegion) {
     struct item {
         varimol_test::mixture_spec m;
-        int ierr;       // 450: a liquid-liquid boundary that rises to the model's Pmax
+        int ierr;        // 450: a liquid-liquid boundary that rises to the model's Pmax
         int three_phase; // three-phase points passed
     };
     const std::vector<item> cases{

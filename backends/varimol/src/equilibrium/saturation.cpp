@@ -38,7 +38,9 @@ double lnphi_noise(const phase& L, const phase& V) {
 // coexistence; a root smaller than the critical volume is the liquid above the upper spinodal
 // pressure, a larger one the vapour below the lower spinodal pressure (the spinodal volumes
 // enclose the critical volume below Tc).
-bool single_root_is_liquid(const fluid& f, const phase& ph) { return ph.v < f.vcrit; }
+bool single_root_is_liquid(const fluid& f, const phase& ph) {
+    return ph.v < f.vcrit;
+}
 } // namespace
 
 int pure_saturation_pressure(const fluid& f, double T, double& P, phase& L, phase& V) {
