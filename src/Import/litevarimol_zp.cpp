@@ -140,7 +140,13 @@ constinit const zp_adapter::operations operations{
     .fugacoef = nullptr,
     .zflow_vu = &litevarimol_zflow_vu,
     .psat_k1 = &litevarimol_psat_k1,
-    .phaseenvelope = nullptr};
+    .phaseenvelope = nullptr,
+    .evaluate = nullptr,
+    .mmolcomp =
+        [](zp_adapter::composition& mmol, std::string& errormsg) {
+            mmol = state.component_mmol;
+            errormsg = no_errors;
+        }};
 
 void litevarimol_zp_sub() {
     litevarimol::litevarimol_sub();
@@ -195,6 +201,7 @@ void litevarimol_setfluid(int ncomp, std::span<const std::string> comp,
     set_limits_hook({&limits_ptminmax, &limits_critpoint});
     if (ierr != 0) return put_code(ierr, errormsg);
     state.mmol = litevarimol::wmol();
+    cubic_adapter::keep_component_mmol(fluid, state);
     errormsg = no_errors;
 }
 

@@ -450,11 +450,13 @@ double zp_tmax(std::string& errormsg) {
 }
 
 void zp_mmolcomp(zp_common::composition& mmol, std::string& errormsg) {
-    // A back-end of one component answers "M_mol"; a mixture back-end "M_mol_<i>" for its
-    // component i (counted from 1).
+    // A back-end of one component answers "M_mol"; a mixture back-end gives its components'
+    // molar masses through its row, or answers "M_mol_<i>" for its component i (counted from 1).
     composition backend_mmol{};
     if (state.ncmps <= 1) {
         backend_mmol[0] = zp_mmol(errormsg);
+    } else if (alias_ops != nullptr && alias_ops->mmolcomp != nullptr) {
+        alias_ops->mmolcomp(backend_mmol, errormsg);
     } else {
         for (int i = 0; i < state.ncmps; ++i) {
             backend_mmol[i] = getinfo(component_mmol_keywords[i], errormsg);
