@@ -100,6 +100,9 @@ struct operations {
     // the molar masses (kg/mol) of the components handed to setfluid, in their order (null: the
     // back-end names them by the getinfo keywords "M_mol_<i>")
     void (*mmolcomp)(composition& mmol, std::string& errormsg);
+    // the components of the configured fluid, where one name may stand for a mixture (a
+    // predefined mixture, a fluid file); null: the names handed to setfluid are the components
+    int (*fluid_components)();
 };
 
 // The operations an adapter offers, as a set of flags; the rest stay null in its row.
@@ -187,6 +190,7 @@ template <model_name Name> struct absent {
                 has(offer::zflow_vu) ? &zflow_vu : nullptr,
                 has(offer::psat_k1) ? &psat_k1 : nullptr,
                 has(offer::phaseenvelope) ? &phaseenvelope : nullptr,
+                nullptr,
                 nullptr,
                 nullptr};
     }

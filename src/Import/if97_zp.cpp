@@ -211,7 +211,8 @@ constinit const zp_adapter::operations operations{.model = "IF97",
                                                   .psat_k1 = nullptr,
                                                   .phaseenvelope = nullptr,
                                                   .evaluate = &evaluate_part,
-                                                  .mmolcomp = nullptr};
+                                                  .mmolcomp = nullptr,
+                                                  .fluid_components = nullptr};
 
 void if97_zp_sub() {
     if97::if97_sub();
