@@ -64,7 +64,8 @@ bool check_name(std::string_view name, std::string& errormsg) {
         return false;
     }
     if (name.find_first_of("/\\") != std::string_view::npos) {
-        fail(errormsg, "the name \"" + shown(name) + "\" holds a path separator; give a plain name");
+        fail(errormsg,
+             "the name \"" + shown(name) + "\" holds a path separator; give a plain name");
         return false;
     }
     if (name.size() > max_name_length) {
@@ -73,9 +74,10 @@ bool check_name(std::string_view name, std::string& errormsg) {
         return false;
     }
     const bool plain = name.front() != '.' && std::all_of(name.begin(), name.end(), [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-               std::string_view("-_+.()").find(c) != std::string_view::npos;
-    });
+                           return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                                  (c >= '0' && c <= '9') ||
+                                  std::string_view("-_+.()").find(c) != std::string_view::npos;
+                       });
     if (!plain) {
         fail(errormsg, "the name \"" + shown(name) +
                            "\" may hold letters, digits and - _ + . ( ) only, and not start "
@@ -152,8 +154,8 @@ bool check_pair_values(std::string_view option, const std::vector<double>& value
     }
     for (double v : values)
         if (!std::isfinite(v)) {
-            fail(errormsg, std::string(option) + " holds " + number_text(v) +
-                               "; the values must be finite");
+            fail(errormsg,
+                 std::string(option) + " holds " + number_text(v) + "; the values must be finite");
             return false;
         }
     return true;
@@ -264,15 +266,15 @@ void fluid_text(std::string_view fluidpath, const mixture& m, std::vector<std::s
     lines.push_back(std::to_string(code) + " " + std::to_string(n));
     lines.push_back(m.name);
     std::string description = "mixture of ";
-    for (std::size_t i = 0; i < n; ++i)
-        description.append(i ? "/" : "").append(names[i]);
+    for (std::size_t i = 0; i < n; ++i) description.append(i ? "/" : "").append(names[i]);
     description.append(" (mole fractions");
     for (double x : m.conc) description.append(" ").append(number_text(x));
     description.append("), ").append(mixing_name(code));
     lines.push_back(description);
     lines.push_back(std::string("constants: the fluid database; ") +
-                    (ws ? "NRTL and Wong-Sandler parameters as given"
-                        : m.kij.empty() ? "kij: the database's binary pairs" : "kij as given"));
+                    (ws              ? "NRTL and Wong-Sandler parameters as given"
+                     : m.kij.empty() ? "kij: the database's binary pairs"
+                                     : "kij as given"));
     for (std::size_t c = 0; c < n; ++c)
         for (int row = 0; row < varimol::component_rows; ++row)
             lines.push_back(number_text(at(row, c)));
@@ -286,8 +288,8 @@ void fluid_text(std::string_view fluidpath, const mixture& m, std::vector<std::s
         }
 }
 
-void write_fluidfile(std::string_view fluidpath, const mixture& m, bool replace,
-                     std::string& path, std::string& errormsg) {
+void write_fluidfile(std::string_view fluidpath, const mixture& m, bool replace, std::string& path,
+                     std::string& errormsg) {
     path.clear();
     std::vector<std::string> lines;
     fluid_text(fluidpath, m, lines, errormsg);

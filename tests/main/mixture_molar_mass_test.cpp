@@ -80,9 +80,9 @@ TEST(MixtureMolarMass, PerMoleValuesOfEachPhaseUseItsOwnMolarMass) {
     const auto convert = [&](std::string_view basis) {
         units(basis);
         bundle b;
-        zentropia_main::alloutputconvext(b.p, b.t, b.v, b.d, b.h, b.s, b.u, x, y, b.v_liq,
-                                         b.d_liq, b.h_liq, b.s_liq, b.u_liq, b.v_vap, b.d_vap,
-                                         b.h_vap, b.s_vap, b.u_vap, e);
+        zentropia_main::alloutputconvext(b.p, b.t, b.v, b.d, b.h, b.s, b.u, x, y, b.v_liq, b.d_liq,
+                                         b.h_liq, b.s_liq, b.u_liq, b.v_vap, b.d_vap, b.h_vap,
+                                         b.s_vap, b.u_vap, e);
         EXPECT_EQ(e, "No errors");
         return b;
     };
