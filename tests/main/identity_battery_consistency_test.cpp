@@ -102,7 +102,8 @@ const std::vector<model_row>& models() {
     return table;
 }
 
-class IdentityBattery : public ::testing::TestWithParam<std::size_t> {
+// a row of the table of models, evaluated per mass or per mole
+class IdentityBattery : public ::testing::TestWithParam<std::tuple<std::size_t, const char*>> {
 protected:
     static void SetUpTestSuite() {
         varimol_fluidfile::mixture m{std::string(ws_file),
@@ -132,25 +133,27 @@ double relative(double x, double y) {
 struct probe {
     zentropia::fluid& f;
     // 1, or smaller across a two-phase region, whose narrow glide bends the values sharply
-    double scale = 1.0;
+    double scale;
+    // P v and P v / T of the state: the scales of energies and entropies in the caller's basis
+    double pv, pv_t;
     double value(std::string_view key, std::string_view spec, double a, double b) const {
         return f.calc(key, spec, a, b);
     }
     // (d key / d first input) at fixed second input, and the other way round
     double d1(std::string_view key, std::string_view spec, double a, double b) const {
-        const double h = scale * step(spec[0], a);
+        const double h = scale * step(spec[0], a, pv, pv_t);
         return (value(key, spec, a + h, b) - value(key, spec, a - h, b)) / (2 * h);
     }
     double d2(std::string_view key, std::string_view spec, double a, double b) const {
-        const double h = scale * step(spec[1], b);
+        const double h = scale * step(spec[1], b, pv, pv_t);
         return (value(key, spec, a, b + h) - value(key, spec, a, b - h)) / (2 * h);
     }
     // Steps that keep the state in its phase and its differences well above the round-off of
     // the inversions: volume and density small (a liquid's pressure moves 1e-6 / kappa_T),
     // pressure large (a liquid's temperature hardly follows it). Entropy and energies may pass
-    // through zero (their zero is a reference state), so they step at least 0.1 J/kg or
-    // J/(kg K).
-    static double step(char symbol, double x) {
+    // through zero (their zero is a reference state), so they step at least by a part of P v or
+    // P v / T, which scale with the basis.
+    static double step(char symbol, double x, double pv, double pv_t) {
         switch (symbol) {
         case 'v':
         case 'd':
@@ -159,15 +162,17 @@ struct probe {
             return 3e-4 * std::fabs(x);
         case 'T':
             return 1e-5 * std::fabs(x);
+        case 's':
+            return 1e-4 * std::max(std::fabs(x), pv_t);
         default:
-            return std::max(1e-4 * std::fabs(x), 0.1);
+            return 1e-4 * std::max(std::fabs(x), pv);
         }
     }
 };
 
 TEST_P(IdentityBattery, RoundTripsBetweenInputPairs) {
-    const model_row& row = models()[GetParam()];
-    zentropia::fluid f(row.model, row.components, row.conc);
+    const model_row& row = models()[std::get<0>(GetParam())];
+    zentropia::fluid f(row.model, row.components, row.conc, "SI", std::get<1>(GetParam()));
     // every pair of two of P, T, v, d, h, s, u that fixes a state (T with h or u does not)
     constexpr std::array<std::string_view, 17> pairs{"PT", "Ph", "Ps", "Pv", "Pd", "Pu",
                                                      "Tv", "Td", "Ts", "vu", "vh", "vs",
@@ -212,12 +217,15 @@ TEST_P(IdentityBattery, RoundTripsBetweenInputPairs) {
 }
 
 TEST_P(IdentityBattery, MaxwellRelationsAndHeatCapacities) {
-    const model_row& row = models()[GetParam()];
-    zentropia::fluid f(row.model, row.components, row.conc);
+    const model_row& row = models()[std::get<0>(GetParam())];
+    zentropia::fluid f(row.model, row.components, row.conc, "SI", std::get<1>(GetParam()));
+    zentropia::fluid per_mass(row.model, row.components, row.conc);
     for (const auto& st : row.states) {
         const auto ref = f.props(st.inputspec, st.a, st.b);
+        // kg per unit of the basis: 1 per mass, the molar mass per mole
+        const double mass = ref.v / per_mass.calc("v", st.inputspec, st.a, st.b);
         const bool two_phase = ref.q > 0.0 && ref.q < 1.0;
-        const probe at{f, two_phase ? 0.1 : 1.0};
+        const probe at{f, two_phase ? 0.1 : 1.0, ref.p * ref.v, ref.p * ref.v / ref.t};
         const bool pure_two_phase = two_phase && row.pure;
         const double P = ref.p, T = ref.t, v = ref.v, s = ref.s;
         struct identity {
@@ -240,10 +248,10 @@ TEST_P(IdentityBattery, MaxwellRelationsAndHeatCapacities) {
                 identities.push_back({"cp = (dh/dT)_P", ref.cp, at.d2("h", "PT", P, T)});
                 identities.push_back({"cv = (du/dT)_v", ref.cv, du_dt});
                 identities.push_back({"cp - cv", ref.cp - ref.cv, -T * dv_dt * dv_dt / dv_dp});
-                // c^2 = (dP/drho)_s, and = (cp/cv) (dP/drho)_T
-                const double dd_dp_s = at.d1("d", "Ps", P, s);
+                // c^2 = (dP/drho)_s, and = (cp/cv) (dP/drho)_T, with the mass density rho
+                const double dd_dp_s = mass * at.d1("d", "Ps", P, s);
                 identities.push_back({"c isentropic", ref.c * ref.c, 1.0 / dd_dp_s});
-                const double dd_dp_t = at.d1("d", "PT", P, T);
+                const double dd_dp_t = mass * at.d1("d", "PT", P, T);
                 identities.push_back({"c isothermal", ref.c * ref.c, ref.cp / ref.cv / dd_dp_t});
             }
         }
@@ -253,7 +261,7 @@ TEST_P(IdentityBattery, MaxwellRelationsAndHeatCapacities) {
             identities.push_back({"two-phase cv = (du/dT)_v", ref.cv, at.d1("u", "Tv", T, v)});
         if (two_phase && std::isfinite(ref.c))
             identities.push_back(
-                {"two-phase c isentropic", ref.c * ref.c, 1.0 / at.d1("d", "Ps", P, s)});
+                {"two-phase c isentropic", ref.c * ref.c, 1.0 / (mass * at.d1("d", "Ps", P, s))});
         for (const auto& [name, lhs, rhs] : identities)
             EXPECT_LE(relative(lhs, rhs), two_phase ? row.two_phase_identity : row.identity)
                 << row.label << " " << st.inputspec << " " << st.a << " " << st.b << ": " << name
@@ -261,14 +269,16 @@ TEST_P(IdentityBattery, MaxwellRelationsAndHeatCapacities) {
     }
 }
 
-std::string row_name(const ::testing::TestParamInfo<std::size_t>& info) {
-    std::string name = models()[info.param].label;
+std::string row_name(const ::testing::TestParamInfo<IdentityBattery::ParamType>& info) {
+    std::string name = models()[std::get<0>(info.param)].label + " " + std::get<1>(info.param);
     for (char& c : name)
         if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
     return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, IdentityBattery, ::testing::Range<std::size_t>(0, models().size()),
+INSTANTIATE_TEST_SUITE_P(Models, IdentityBattery,
+                         ::testing::Combine(::testing::Range<std::size_t>(0, models().size()),
+                                            ::testing::Values("PerMass", "PerMole")),
                          row_name);
 
 } // namespace
