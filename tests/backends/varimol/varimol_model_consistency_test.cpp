@@ -200,9 +200,9 @@ TEST(VarimolModel, CubicRootsAgreeWithASignScan) {
     // (A, B) from dilute gas to compressed liquid, with three roots, one root and two roots
     // nearly merged (at a spinodal); the count of physical roots is checked against the sign
     // changes of the cubic on a fine grid above the covolume, each root against the cubic itself
-    const double AB[][2] = {{1e-6, 1e-7},  {0.05, 0.004}, {0.5, 0.05},  {0.4, 0.05},
-                            {0.45, 0.06}, {2.0, 0.1},    {8.0, 0.3},   {30.0, 1.2},
-                            {0.457, 0.0778}, {0.3, 0.02}, {1e3, 5.0},  {0.2, 0.08}};
+    const double AB[][2] = {{1e-6, 1e-7},    {0.05, 0.004}, {0.5, 0.05}, {0.4, 0.05},
+                            {0.45, 0.06},    {2.0, 0.1},    {8.0, 0.3},  {30.0, 1.2},
+                            {0.457, 0.0778}, {0.3, 0.02},   {1e3, 5.0},  {0.2, 0.08}};
     for (const cubic_family* eos : {&peng_robinson, &soave_redlich_kwong}) {
         for (const auto& ab : AB) {
             const double A = ab[0], B = ab[1];

@@ -224,8 +224,10 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
             if (falling >= 4) return base + 2;
             // no progress: a residual that has not fallen below 0.9 of its best for six steps
             // (steps swinging between the limits of the pressure move) will not converge here
-            if (rn < 0.9 * rn_best) rn_best = rn, stalled = 0;
-            else if (++stalled >= 6) return base + 1;
+            if (rn < 0.9 * rn_best)
+                rn_best = rn, stalled = 0;
+            else if (++stalled >= 6)
+                return base + 1;
         }
         triv_prev = triv;
         rn_prev = rn;
@@ -402,14 +404,15 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
     // pressure, where the two trial phases merge into one root of the cubic: the iteration
     // starts from the critical pressure instead.
     const double p_wilson = P;
-    if (bubble_side && given_t && P > f.pcrit) P = f.pcrit;
+    if (bubble_side && given_t && f.pcrit > 0.0 && P > f.pcrit) P = f.pcrit;
     wilson_k(f, T, P, lnk.data());
     const double t0 = T, p0 = P;
     // Far from the critical point Newton from Wilson's K-values converges at once; close to it
-    // (above 0.93 Tc) a few substitutions first bring the K-values nearer the solution. The
-    // order that fails hands over to the other (Newton alone does well where the substitutions
-    // fall onto the trivial solution, and the reverse). The dew side, where a feed can have two
-    // dew points, keeps the substitutions first so that the usual (upper) one is found.
+    // (above 0.93 Tc, or 0.8 Pc at given pressure) a few substitutions first bring the K-values
+    // nearer the solution. The order that fails hands over to the other (Newton alone does well
+    // where the substitutions fall onto the trivial solution, and the reverse). The dew side,
+    // where a feed can have two dew points, keeps the substitutions first so that the usual
+    // (upper) one is found.
     const bool near_critical = given_t ? T > 0.93 * f.tcrit : P > 0.8 * f.pcrit;
     const int first = bubble_side && !near_critical ? 0 : 4;
     int e = iterate(f, given_t, T, P, q, z, lnk, out, first);
@@ -423,8 +426,8 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
         // near the critical point Wilson's start falls onto the trivial solution: start instead
         // from the tie line of a PT flash inside the two-phase region, found by moving the
         // pressure (or the temperature) from Wilson's estimate into the dome: down from a
-        // bubble point, up from a dew point
-        // (the first tie line whose vapour fraction has passed q)
+        // bubble point, up from a dew point (the first tie line whose vapour fraction has passed
+        // q). On the bubble side that tie line is followed in the vapour fraction to q.
         bool found = false;
         double tt = t0, pp = p_wilson, qf = q;
         for (int k = 0; k < 150 && !found; ++k) {

@@ -133,9 +133,9 @@ int eval_phase_impl(const fluid& f, const temperature_terms<S>& t, double P, con
     // the logarithms of the volume functions are those of the root (ln(1 - B/V) is ln(Z - B)
     // - ln Z); only their temperature derivatives remain to be formed
     const double lnz = std::log(Z);
-    const volume_terms<S> w = volume_functions(
-        f.eos, m.B, V, log_given((V - m.B) / V, lg.zb - lnz),
-        log_given((V + f.eos.delta1 * m.B) / (V + f.eos.delta2 * m.B), lg.ratio));
+    const volume_terms<S> w =
+        volume_functions(f.eos, m.B, V, log_given((V - m.B) / V, lg.zb - lnz),
+                         log_given((V + f.eos.delta1 * m.B) / (V + f.eos.delta2 * m.B), lg.ratio));
     const S DT = m.D / t.T;
     std::array<S, mc> Fi;
     for (int i = 0; i < nc; ++i) {
