@@ -127,6 +127,7 @@ int two_phase_newton(const fluid& f, const two_phase_target& target, const eq_st
     vec x{}, y{}, g{};
     bool converged = false;
     double last_size = 1.0; // of the last step, scaled
+    int blocked = 0;        // successive steps cut to a quarter by the positivity of the amounts
     for (int it = 0; it < max_iterations && !converged; ++it) {
         const double T = std::exp(lnt), P = std::exp(lnp);
         if (!(T >= f.tmin && T <= f.tmax && P >= pmin && P <= f.pmax)) return 1;
@@ -178,6 +179,10 @@ int two_phase_newton(const fluid& f, const two_phase_target& target, const eq_st
             if (nl[i] - b[i] <= 0.0) scale = std::min(scale, 0.8 * nl[i] / b[i]);
             size = std::max(size, std::abs(b[i]) / std::min(nv[i], nl[i]));
         }
+        // steps cut short by a vanishing phase again and again: the given state lies outside
+        // the two-phase region, and the phase fraction only creeps towards zero
+        blocked = scale < 0.25 ? blocked + 1 : 0;
+        if (blocked == 3) return 1;
         if (target.free_t) {
             if (!std::isfinite(b[it_col])) return 1;
             scale = std::min(scale, 0.1 / std::max(std::abs(b[it_col]), 1e-300));
