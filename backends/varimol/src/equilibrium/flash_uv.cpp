@@ -104,10 +104,11 @@ int newton_from_wilson(const fluid& f, double T, double v, given sp, double valu
 
 // The two-phase state at v by the simultaneous Newton iteration, started from a balance in
 // temperature: at each T the feed is taken as liquid at Wilson's bubble pressure and as vapour at
-// Wilson's dew pressure (both explicit in T), the given volume fixes the lever between the two,
-// and the given property of that lever mixture is matched by a coarse search in T from t0. The
-// iteration starts there, from Wilson's split at the pressure interpolated in ln P by the lever.
-// 0 with the state in st, or 1 (the balance places v outside the two phases, or no convergence).
+// Wilson's dew pressure (both explicit in T), the given volume fixes the lever between the two
+// (the vapour's volume carried to the pressure of the lever), and the given property of that
+// lever mixture is matched by a coarse secant search in T from t0. The iteration starts there,
+// from Wilson's split at the pressure of the lever. 0 with the state in st, or 1 (the balance
+// places v outside the two phases, or no convergence).
 int balance_newton_v(const fluid& f, double v, given sp, double value, double t0, eq_state& st) {
     const double scale = 1.0 / (gas_constant * 298.15);
     double beta = 0.0, pb = 0.0, pd = 0.0;
@@ -133,7 +134,17 @@ int balance_newton_v(const fluid& f, double v, given sp, double value, double t0
         state_props cl, cg;
         caloric(f, T, liq.v, f.z.data(), cl);
         caloric(f, T, vap.v, f.z.data(), cg);
+        // the vapour of the split lies at a pressure between the two, interpolated in ln P by
+        // the lever, P = pb (pd/pb)^beta; its volume scales about as 1/P from the dew pressure's
+        const double lr = std::log(pb / pd);
         beta = (v - liq.v) / (vap.v - liq.v);
+        for (int it = 0; it < 6; ++it) {
+            const double vv = vap.v * std::exp(-(1.0 - beta) * lr);
+            const double res = (1.0 - beta) * liq.v + beta * vv - v;
+            const double d = vv - liq.v + beta * vv * lr;
+            if (!(d > 0.0)) break;
+            beta = std::clamp(beta - res / d, -0.5, 1.5);
+        }
         const double al = given_value_of(cl, sp), ag = given_value_of(cg, sp);
         r = (al + beta * (ag - al) - value) * scale;
         return std::isfinite(r) ? 0 : 1;
@@ -141,7 +152,12 @@ int balance_newton_v(const fluid& f, double v, given sp, double value, double t0
     // secant steps on the smooth balance, from a first step of 5 % towards the value; a start
     // needs the temperature to a few tenths of a kelvin only
     double ta = std::clamp(t0, f.tmin, f.tmax), ra;
-    if (g(ta, ra) != 0) return 1;
+    // above the range where the feed has both Wilson phases (near and above its critical
+    // temperature): lower
+    for (int k = 0; g(ta, ra) != 0; ++k) {
+        if (k == 4 || ta * 0.9 < f.tmin) return 1;
+        ta *= 0.9;
+    }
     double T = std::clamp(ta * (ra > 0.0 ? 0.95 : 1.05), f.tmin, f.tmax), r = ra;
     bool done = std::abs(ra) <= 1e-2;
     if (done) T = ta;
@@ -151,9 +167,11 @@ int balance_newton_v(const fluid& f, double v, given sp, double value, double t0
             continue;
         }
         const double slope = (r - ra) / (T - ta);
-        if (!(slope > 0.0)) return 1; // the balance does not grow with T here
-        const double next = std::clamp(T - r / slope, std::max(f.tmin, 0.7 * T),
-                                       std::min(f.tmax, 1.3 * T));
+        // where the balance does not grow with T (close to the top of the feed's two-phase
+        // range) a fixed step towards the value
+        const double next =
+            std::clamp(slope > 0.0 ? T - r / slope : T * (r > 0.0 ? 0.85 : 1.15),
+                       std::max(f.tmin, 0.7 * T), std::min(f.tmax, 1.3 * T));
         done = std::abs(r) <= 1e-2 || std::abs(next - T) <= 1e-3 * T;
         ta = T, ra = r;
         if (!done) T = next;
