@@ -128,8 +128,7 @@ int balance_newton_v(const fluid& f, double v, given sp, double value, double t0
         at_temperature(f, T, t);
         phase liq, vap;
         if (eval_phase(f, t, pb, f.z.data(), root_choice::liquid, liq) ||
-            eval_phase(f, t, pd, f.z.data(), root_choice::vapour, vap) ||
-            !(vap.v > liq.v))
+            eval_phase(f, t, pd, f.z.data(), root_choice::vapour, vap) || !(vap.v > liq.v))
             return 1;
         state_props cl, cg;
         caloric(f, T, liq.v, f.z.data(), cl);
@@ -169,9 +168,8 @@ int balance_newton_v(const fluid& f, double v, given sp, double value, double t0
         const double slope = (r - ra) / (T - ta);
         // where the balance does not grow with T (close to the top of the feed's two-phase
         // range) a fixed step towards the value
-        const double next =
-            std::clamp(slope > 0.0 ? T - r / slope : T * (r > 0.0 ? 0.85 : 1.15),
-                       std::max(f.tmin, 0.7 * T), std::min(f.tmax, 1.3 * T));
+        const double next = std::clamp(slope > 0.0 ? T - r / slope : T * (r > 0.0 ? 0.85 : 1.15),
+                                       std::max(f.tmin, 0.7 * T), std::min(f.tmax, 1.3 * T));
         done = std::abs(r) <= 1e-2 || std::abs(next - T) <= 1e-3 * T;
         ta = T, ra = r;
         if (!done) T = next;
