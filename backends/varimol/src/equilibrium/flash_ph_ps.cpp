@@ -439,6 +439,7 @@ bool feed_value(const fluid& f, double T, double P, root_choice r, given sp, dou
 // t_hint is then the better start of the homogeneous search (the bubble temperature below the
 // range, the dew temperature above it).
 int balance_newton(const fluid& f, double P, given sp, double value, eq_state& st, double& t_hint) {
+    if (!std::isfinite(value)) return 1;
     const double tb = wilson_saturation_t(f, P, true), td = wilson_saturation_t(f, P, false);
     if (!(tb >= f.tmin && td <= f.tmax && tb < td)) return 1;
     double al, av;

@@ -110,6 +110,7 @@ int newton_from_wilson(const fluid& f, double T, double v, given sp, double valu
 // from Wilson's split at the pressure of the lever. 0 with the state in st, or 1 (the balance
 // places v outside the two phases, or no convergence).
 int balance_newton_v(const fluid& f, double v, given sp, double value, double t0, eq_state& st) {
+    if (!std::isfinite(value) || !(v > 0.0)) return 1;
     const double scale = 1.0 / (gas_constant * 298.15);
     double beta = 0.0, pb = 0.0, pd = 0.0;
     // the balance at T: 0 with the scaled residual r, 1 where a Wilson phase is missing
