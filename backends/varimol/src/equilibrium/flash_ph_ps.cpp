@@ -410,9 +410,9 @@ int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, doub
         double Ts;
         phase l, v;
         const int es = pure_saturation_temperature(f, P, Ts, l, v);
-        // within a per mille of the critical pressure the saturation may not converge; the
-        // liquid and vapour there differ by less than the iteration can resolve, and the stable
-        // root is searched alone
+        // a failed saturation is an error only away from the critical point: within a per mille
+        // of it the two phases differ by less than rounding, and the stable root is searched
+        // alone
         if (es != 0 && P < 0.999 * f.comp[0].pc) return es;
         if (es == 0 && Ts > f.tmin && Ts < f.tmax) {
             eq_state sl, sv;
@@ -482,7 +482,7 @@ int flash_t(const fluid& f, double T, given sp, double value, eq_state& st, doub
     int es = 1;
     if (f.n == 1 && T < f.comp[0].tc) {
         es = pure_saturation_pressure(f, T, Ps, l, v);
-        // within a per mille of the critical temperature the stable root is searched alone
+        // a failed saturation is an error only away from the critical point (as in flash_p)
         if (es != 0 && T < 0.999 * f.comp[0].tc) return es;
     }
     if (es == 0) {
