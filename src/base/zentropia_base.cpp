@@ -105,6 +105,9 @@ inline bool finite_inputs(double input1, double input2, std::string& errormsg) {
 // characters and the marker only, so anything else behind them would be ignored silently: such a
 // text is refused.
 bool well_formed(std::string_view inputspec) {
+    // the usual case, two letters without padding, needs no trimming
+    if (inputspec.size() == 2 && inputspec[1] != ' ') [[likely]]
+        return true;
     const auto spec = trim(inputspec);
     if (spec.size() == 2) [[likely]]
         return true;
