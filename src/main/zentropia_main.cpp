@@ -120,7 +120,7 @@ bool equals_lowered(std::string_view text, std::string_view word) {
     return true;
 }
 
-const keyword* find_keyword(std::string_view propspec) {
+[[gnu::noinline]] const keyword* find_keyword(std::string_view propspec) {
     const std::string_view key = zp_common::trim(zp_common::fit(propspec, keyword_length));
     for (const keyword& k : keywords)
         if (equals_lowered(key, k.long_form) || equals_lowered(key, k.short_form)) return &k;
