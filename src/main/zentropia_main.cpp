@@ -148,17 +148,18 @@ const keyword* remembered_keyword(std::string_view propspec) {
 
 // The unit row of each one-character property symbol (the letters of an input specification),
 // read once from the unit module's symbol table; -1 for a character that is no symbol.
-const std::array<signed char, 128>& letter_rows() {
-    static const std::array<signed char, 128> rows = [] {
-        std::array<signed char, 128> r;
-        r.fill(-1);
-        for (int i = 0; i < 27; ++i) {
-            const auto symbol = zp_common::trim(zentropia_units::symbolset(unit_row(i)));
-            if (symbol.size() == 1 && static_cast<unsigned char>(symbol[0]) < 128)
-                r[static_cast<unsigned char>(symbol[0])] = static_cast<signed char>(i);
-        }
-        return r;
-    }();
+[[gnu::noinline]] std::array<signed char, 128> read_letter_rows() {
+    std::array<signed char, 128> r;
+    r.fill(-1);
+    for (int i = 0; i < 27; ++i) {
+        const auto symbol = zp_common::trim(zentropia_units::symbolset(unit_row(i)));
+        if (symbol.size() == 1 && static_cast<unsigned char>(symbol[0]) < 128)
+            r[static_cast<unsigned char>(symbol[0])] = static_cast<signed char>(i);
+    }
+    return r;
+}
+inline const std::array<signed char, 128>& letter_rows() {
+    static const std::array<signed char, 128> rows = read_letter_rows();
     return rows;
 }
 
