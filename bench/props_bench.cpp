@@ -337,6 +337,15 @@ void mixture_allprops(benchmark::State& state, bool two_phase) {
     });
 }
 
+// Two properties of one state in turn: the adapter answers the second from the state it keeps.
+void mixture_calcprop_h_then_s(benchmark::State& state, bool two_phase) {
+    over_mixture(state, two_phase, [](const mixture_point& s) {
+        static std::string errormsg;
+        benchmark::DoNotOptimize(zm::calcprop("h", "PT", s.p_pa, s.t_kelvin, errormsg));
+        benchmark::DoNotOptimize(zm::calcprop("s", "PT", s.p_pa, s.t_kelvin, errormsg));
+    });
+}
+
 void mixture_raw(benchmark::State& state, bool two_phase) {
     over_mixture(state, two_phase, [](const mixture_point& s) {
         double t = s.t_kelvin, p = s.p_pa;
@@ -347,6 +356,7 @@ void mixture_raw(benchmark::State& state, bool two_phase) {
 BENCHMARK_CAPTURE(mixture_calcprop, h_1ph, "h", false);
 BENCHMARK_CAPTURE(mixture_calcprop, cp_1ph, "cp", false);
 BENCHMARK_CAPTURE(mixture_allprops, 1ph, false);
+BENCHMARK_CAPTURE(mixture_calcprop_h_then_s, 1ph, false);
 BENCHMARK_CAPTURE(mixture_raw, 1ph, false);
 BENCHMARK_CAPTURE(mixture_calcprop, h_2ph, "h", true);
 BENCHMARK_CAPTURE(mixture_allprops, 2ph, true);
