@@ -1,14 +1,15 @@
 // Speed of the property interface for IF97 water against the back-end calls it makes, over a fixed
-// seeded set of liquid and vapour states, in the "SI" unit set (every input and output converted).
+// seeded set of liquid and vapour states, in the "SI" unit set (every input and output converted),
+// and for a Varimol binary against its flash.
 // Each interface benchmark has a "raw" twin: the same questions asked of the IF97 back-end
 // directly, once with its last-state memory at work and once with it emptied before every
 // question (what the bundles would cost without it).
 
 #include "base/zentropia_base.hpp"
 #include "if97/if97.hpp"
-#include "varimol/varimol.hpp"
 #include "main/zentropia_main.hpp"
 #include "units/zentropia_units.hpp"
+#include "varimol/varimol.hpp"
 
 #include <benchmark/benchmark.h>
 

@@ -62,7 +62,7 @@ TEST_P(CubicAdapterMemory, ANewSelectionIsNeverAnsweredFromTheOldOne) {
     EXPECT_GT(std::abs(first - fresh), 1.0) << "the two mixtures differ by more than 1 kJ/kg";
 }
 
-TEST_P(CubicAdapterMemory, PhaseCompositionsFollowASinglePropertyOfTheSameState) {
+TEST_P(CubicAdapterMemory, ASplitStateKeepsItsPhasesAndItsRequest) {
     const char* model = GetParam();
     select(model, 0.9);
     std::string e;
@@ -80,19 +80,10 @@ TEST_P(CubicAdapterMemory, PhaseCompositionsFollowASinglePropertyOfTheSameState)
     ASSERT_EQ(e, "No errors");
     for (int i = 0; i < 2; ++i) EXPECT_TRUE(same_bits(after_property[i], fresh[i])) << i;
     EXPECT_GT(fresh[1], vapour[1] + 0.01) << "the liquid is richer in ethane: two phases";
-}
-
-TEST_P(CubicAdapterMemory, TheOnePhaseRequestIsADifferentRequest) {
-    const char* model = GetParam();
-    select(model, 0.9);
-    std::string e;
-    const double q_split = ask("q", "PT", 25.0, -93.15, e);
-    ASSERT_EQ(e, "No errors");
-    const double q_one = ask("q", "PT_1ph", 25.0, -93.15, e);
-    ASSERT_EQ(e, "No errors");
-    EXPECT_GT(q_split, 0.0);
-    EXPECT_LT(q_split, 1.0);
-    EXPECT_EQ(q_one, 1.0) << "a homogeneous phase carries q = 1";
+    // the one-phase request of the same (P, T) is another request: a homogeneous q = 1
+    EXPECT_LT(ask("q", "PT", p, t, e), 1.0);
+    EXPECT_EQ(ask("q", "PT_1ph", p, t, e), 1.0);
+    EXPECT_EQ(e, "No errors");
 }
 
 TEST_P(CubicAdapterMemory, AFailedStateFailsAgainWithItsTextAndTheNextStateWorks) {
