@@ -33,6 +33,7 @@ struct selection {
     std::string model = "IF97";
     bool model_given = false;
     std::vector<std::string> components{"water"};
+    bool components_given = false;
     std::vector<double> composition; // empty: 1.0 for a single component
     std::string unitset = "SI";
     std::string basis = "PerMass";
@@ -94,5 +95,6 @@ int run_fluids(const command_line& cl);
 int run_units(const command_line& cl);
 int run_models(const command_line& cl);
 int run_envelope(const command_line& cl);
+int run_fluidfile(const command_line& cl);
 
 } // namespace cli

@@ -1,5 +1,6 @@
 // zentropia: thermophysical properties from the command line (calc, props, batch, info, fluids,
-// models, envelope, units). Without a command it shows every property of water at 1 atm and 300 K.
+// models, envelope, units, fluidfile). Without a command it shows every property of water at
+// 1 atm and 300 K.
 #include "cli.hpp"
 #include "zentropia/version.h"
 
@@ -26,6 +27,8 @@ commands:
                               model computes
   models                      the models and whether each one's back-end library is installed
   envelope                    the phase envelope of a mixture as CSV (T in K, P in Pa, x, y)
+  fluidfile NAME              a mixture written as the Varimol fluid NAME, with the equation
+                              of state and mixing rule of your choice
   units                       the unit of every property symbol in the chosen unit set
 
 A state is an INPUTSPEC, the symbols of two properties (PT, Ph, Ps, Td, Pq, Tq ...), and their
@@ -132,6 +135,38 @@ critical point round to low pressure on the dew side (models with a phase envelo
 example: zentropia envelope --model Varimol --fluid methane,ethane --conc 0.85,0.15
 )";
 
+constexpr std::string_view fluidfile_help =
+    R"(usage: zentropia fluidfile NAME --fluid A,B[,...] --conc X,Y[,...] [--eos PRSV|PR|SRK]
+                           [--mixing vdW|WS] [--kij LIST] [--nrtl LIST] [--ws-kij LIST] [--replace]
+
+Writes the mixture of the pure fluids A, B ... (names of the fluid table or the database) with
+the mole fractions X, Y ... as the fluid file NAME.vmx in the fluids directory beside the
+library, and prints the file's path. Afterwards --model Varimol --fluid NAME selects that
+mixture; a selection of the fluids by their own names uses PRSV with van der Waals mixing.
+NAME is a plain name (letters, digits, - _ + . ( ), at most 32 characters) that no fluid of the
+fluid table or the database has. The constants of each component come from the database.
+
+  --eos PRSV|PR|SRK  Peng-Robinson with the Stryjek-Vera alpha (default), Peng-Robinson with the
+                     1978 alpha, or Soave-Redlich-Kwong
+  --mixing vdW|WS    van der Waals one-fluid mixing with kij (default), or Wong-Sandler mixing
+                     with an NRTL excess Gibbs energy (with PRSV and PR only)
+  --kij LIST         vdW: one kij = kji per pair; default: the database's kij of the pair, 0
+                     where it has none
+  --nrtl LIST        WS: three values per pair, tau_ij,tau_ji,alpha_ij: the dimensionless NRTL
+                     tau (G_ij = exp(-alpha_ij tau_ij)) and the non-randomness alpha_ij = alpha_ji;
+                     default: all 0 (no excess Gibbs energy)
+  --ws-kij LIST      WS: the Wong-Sandler k_ij = k_ji of the cross second virial coefficient,
+                     one per pair; default 0
+  --replace          replace an existing file NAME.vmx (kept otherwise)
+
+Pairs are listed in the order (1,2), (1,3) ... (1,n), (2,3) ... (n-1,n) of the --fluid list.
+
+examples:
+  zentropia fluidfile CH4-C2H6-PR --fluid methane,ethane --conc 0.9,0.1 --eos PR
+  zentropia calc h PT 5e6 250 --model Varimol --fluid CH4-C2H6-PR
+  zentropia fluidfile N2-CO2-WS --fluid N2,CO2 --conc 0.5,0.5 --mixing WS --nrtl 0.3,0.2,0.3
+)";
+
 constexpr std::string_view units_help = R"(usage: zentropia units [OPTIONS]
 
 Prints the unit of every property symbol in the chosen unit set, basis and overrides.
@@ -153,6 +188,10 @@ const std::vector<command_spec>& commands() {
         {"models", {}, &run_models, models_help},
         {"envelope", {}, &run_envelope, envelope_help},
         {"units", {}, &run_units, units_help},
+        {"fluidfile",
+         {"--eos", "--mixing", "--kij", "--nrtl", "--ws-kij", "--replace"},
+         &run_fluidfile,
+         fluidfile_help},
     };
     return table;
 }

@@ -29,7 +29,7 @@ std::vector<std::string> split(std::string_view text, char separator) {
 
 // options that take no value
 bool is_flag(std::string_view name) {
-    return name == "--keep";
+    return name == "--keep" || name == "--replace";
 }
 
 // A negative number, "-inf" and "-nan" among them, is an argument, not an option.
@@ -47,6 +47,7 @@ bool common_option(selection& fluid, std::string_view name, std::string_view val
         fluid.model_given = true;
     } else if (name == "--fluid") {
         fluid.components = split(value, ',');
+        fluid.components_given = true;
     } else if (name == "--conc") {
         fluid.composition.clear();
         for (const auto& c : split(value, ',')) fluid.composition.push_back(number(c, "--conc"));

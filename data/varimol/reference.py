@@ -801,7 +801,7 @@ def note_res(table, res):
 # The mixtures and states of the tables
 # --------------------------------------------------------------------------
 PURE_FLUIDS = ['CH4', 'C2H6', 'C3H8', 'nC6', 'CO2', 'N2', 'H2O', 'R134a']
-PURE_TR = [0.5, 0.6, 0.68, 0.8, 0.9, 0.98, 0.999]   # T/Tc; 0.7 (kink of the PRSV kappa) avoided
+PURE_TR = [0.5, 0.6, 0.68, 0.8, 0.9, 0.98, 0.999, 0.9999, 0.99999]   # T/Tc; 0.7 (kink of the PRSV kappa) avoided
 VDW_MODELS = ['PRSV', 'PR', 'SRK']
 
 MIXTURES = {

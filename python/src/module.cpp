@@ -1,5 +1,6 @@
 // zentropia._core: every procedure of the programming interface, bound by the rule of binder.hpp,
 // and the array loops of the Fluid object (arrays.cpp).
+#include "Import/varimol_fluidfile.hpp"
 #include "arrays.hpp"
 #include "base/zentropia_base.hpp"
 #include "binder.hpp"
@@ -236,5 +237,19 @@ PYBIND11_MODULE(_core, m) {
     m.def(
         "_selection_epoch", [] { return zpy::selection_epoch(); },
         "Counts the calls that changed the selection, the units or the reference state.");
+    m.def(
+        "_fluidfile",
+        [](std::string name, std::vector<std::string> components, std::vector<double> conc,
+           std::string eos, std::string mixing, std::vector<double> kij, std::vector<double> nrtl,
+           std::vector<double> ws_kij, bool replace) {
+            varimol_fluidfile::mixture mix{std::move(name), std::move(components),
+                                           std::move(conc),  std::move(eos),
+                                           std::move(mixing), std::move(kij),
+                                           std::move(nrtl),   std::move(ws_kij)};
+            std::string path, errormsg;
+            varimol_fluidfile::write_fluidfile(mix, replace, path, errormsg);
+            return std::pair(path, errormsg);
+        },
+        "Writes a Varimol fluid file (zentropia.fluidfile); returns (path, errormsg).");
     zpy::bind_arrays(m);
 }

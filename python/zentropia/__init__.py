@@ -26,4 +26,4 @@ again whenever another one (or a direct call of setfluid, setunits ...) was used
 
 from ._version import __version__  # noqa: F401
 from ._core import *  # noqa: F401,F403 - the procedures of the programming interface
-from ._fluid import Fluid, ZentropiaError  # noqa: F401
+from ._fluid import Fluid, ZentropiaError, fluidfile  # noqa: F401

@@ -238,3 +238,37 @@ class Fluid:
         unit, errormsg = _core.getunit(_UNIT_SYMBOLS.get(name, name))
         _check(errormsg)
         return unit
+
+
+def fluidfile(name, components, composition, eos="PRSV", mixing="vdW", kij=None, nrtl=None,
+              ws_kij=None, replace=False):
+    """Writes the mixture of the pure fluids ``components`` (names of the fluid table or the
+    database) with the mole fractions ``composition`` as the Varimol fluid file ``name``.vmx in
+    the fluids directory beside the library, and returns the file's path. Afterwards
+    ``Fluid("Varimol", name)`` selects that mixture (a selection by the fluids' own names uses
+    PRSV with van der Waals mixing).
+
+    eos: "PRSV" (Peng-Robinson with the Stryjek-Vera alpha), "PR" (Peng-Robinson with the 1978
+    alpha) or "SRK" (Soave-Redlich-Kwong). mixing: "vdW" (van der Waals one-fluid with kij) or
+    "WS" (Wong-Sandler with an NRTL excess Gibbs energy; PRSV and PR only).
+
+    The pair parameters are lists in the pair order (1,2), (1,3) ... (1,n), (2,3) ... (n-1,n):
+    kij (vdW) one kij = kji per pair, default the database's kij of the pair (0 where it has none);
+    nrtl (WS) three values per pair, tau_ij, tau_ji, alpha_ij (dimensionless tau,
+    G_ij = exp(-alpha_ij tau_ij)), default all 0; ws_kij (WS) the Wong-Sandler k_ij = k_ji of the
+    cross second virial coefficient, one per pair, default 0. An existing file is replaced only
+    with ``replace=True``. Raises ZentropiaError with the reason when the mixture cannot be
+    written (unknown fluid, counts that differ, mole fractions not adding up to 1, Wong-Sandler
+    with SRK, a name with a path separator or one a fluid already has, more than 20 components).
+
+        >>> path = zentropia.fluidfile("CH4-C2H6-PR", ["methane", "ethane"], [0.9, 0.1], eos="PR")
+        >>> gas = zentropia.Fluid("Varimol", ["CH4-C2H6-PR"])
+    """
+    if isinstance(components, str):
+        components = [components]
+    as_list = (lambda values: [] if values is None else [float(v) for v in np.ravel(values)])
+    path, errormsg = _core._fluidfile(str(name), [str(c) for c in components],
+                                      as_list(composition), str(eos), str(mixing), as_list(kij),
+                                      as_list(nrtl), as_list(ws_kij), bool(replace))
+    _check(errormsg)
+    return path

@@ -97,6 +97,12 @@ struct operations {
     phaseenvelope_op phaseenvelope;
     // a part of the state (null: the adapter evaluates whole states by allprops alone)
     evaluate_op evaluate;
+    // the molar masses (kg/mol) of the components handed to setfluid, in their order (null: the
+    // back-end names them by the getinfo keywords "M_mol_<i>")
+    void (*mmolcomp)(composition& mmol, std::string& errormsg);
+    // the components of the configured fluid, where one name may stand for a mixture (a
+    // predefined mixture, a fluid file); null: the names handed to setfluid are the components
+    int (*fluid_components)();
 };
 
 // The operations an adapter offers, as a set of flags; the rest stay null in its row.
@@ -184,6 +190,8 @@ template <model_name Name> struct absent {
                 has(offer::zflow_vu) ? &zflow_vu : nullptr,
                 has(offer::psat_k1) ? &psat_k1 : nullptr,
                 has(offer::phaseenvelope) ? &phaseenvelope : nullptr,
+                nullptr,
+                nullptr,
                 nullptr};
     }
 };

@@ -282,6 +282,14 @@ void list_fluids(std::string_view fluidpath, std::string_view library, int max_l
     compset.resize(std::clamp(ncomps, 0, max_listed));
 }
 
+void keep_components(const varimol_load::fluid_data& fluid, selection& state) {
+    state.n_comps = fluid.n_comps;
+    state.component_mmol.fill(0.0);
+    for (int i = 0; i < std::clamp(fluid.n_comps, 0, max_components); ++i)
+        state.component_mmol[i] =
+            fluid.fluidparameters[varimol::parameter_index(varimol::row_molar_mass, i)];
+}
+
 std::string fluid_directory() {
     return filelocation::fluidpath(filelocation::library_module);
 }

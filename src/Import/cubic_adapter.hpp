@@ -26,7 +26,13 @@ struct selection {
     zp_adapter::component_names cmp{};
     zp_adapter::composition cnc{};
     double mmol = 0.0; // kg/mol
+    // the configured fluid's components and their molar masses, kg/mol
+    int n_comps = 0;
+    zp_adapter::composition component_mmol{};
 };
+
+// Keeps the component count and molar masses of the configured fluid in the selection.
+void keep_components(const varimol_load::fluid_data& fluid, selection& state);
 
 // the fluids directory beside the library, with its final "/"
 std::string fluid_directory();

@@ -215,7 +215,9 @@ constinit const zp_adapter::operations operations{.model = "IF97",
                                                   .zflow_vu = nullptr,
                                                   .psat_k1 = nullptr,
                                                   .phaseenvelope = nullptr,
-                                                  .evaluate = &evaluate_part};
+                                                  .evaluate = &evaluate_part,
+                                                  .mmolcomp = nullptr,
+                                                  .fluid_components = nullptr};
 
 void if97_zp_sub() {
     if97::if97_sub();

@@ -167,7 +167,13 @@ constinit const zp_adapter::operations operations{
     .zflow_vu = &varimol_zflow_vu,
     .psat_k1 = &varimol_psat_k1,
     .phaseenvelope = &varimol_phaseenvelope,
-    .evaluate = &evaluate_part};
+    .evaluate = &evaluate_part,
+    .mmolcomp =
+        [](zp_adapter::composition& mmol, std::string& errormsg) {
+            mmol = state.component_mmol;
+            errormsg = no_errors;
+        },
+    .fluid_components = [] { return state.n_comps; }};
 
 void varimol_zp_sub() {
     varimol::varimol_sub();
@@ -214,6 +220,7 @@ void varimol_setfluid(int ncomp, std::span<const std::string> comp, std::span<co
     }
     double tcrit = 0.0, pcrit = 0.0, tmin = 0.0, tmax = 0.0;
     varimol::vm3_fluidinfo(state.mmol, tcrit, pcrit, tmin, tmax);
+    cubic_adapter::keep_components(fluid, state);
     errormsg = no_errors;
 }
 

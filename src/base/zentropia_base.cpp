@@ -57,6 +57,9 @@ const zp_models::model* alias = &zp_models::of(model_id::none);
 const zp_models::model* named = &zp_models::of(model_id::none);
 const zp_adapter::operations* alias_ops = nullptr;
 
+// The selected fluid is a mixture (decided at selection).
+bool mixture_selected = false;
+
 // Compositions as the back-end sees them (only the components handed to it).
 composition work_x{};
 composition work_y{};
@@ -162,6 +165,7 @@ void spread(const composition& backend_values, composition& caller_values, bool 
 }
 
 void leave_placeholder() {
+    mixture_selected = false;
     state.usr_ncmp = 1;
     state.ncmps = 1;
     state.usr_cmp.fill(std::string(placeholder_name));
@@ -243,6 +247,9 @@ const selection_state& selection() {
 }
 const zp_models::model& selected_alias() {
     return *alias;
+}
+bool selected_mixture() {
+    return mixture_selected;
 }
 const zp_models::model& selected_model() {
     return *named;
@@ -351,9 +358,13 @@ void setfluid(std::string_view model, int in_ncmp, std::span<const std::string> 
                                     : std::span<const std::string>(lib_cmp.data(), npassed),
                                 std::span<const double>(conc.data(), npassed), errormsg);
         }
-        if (is_success(errormsg))
+        if (is_success(errormsg)) {
+            mixture_selected =
+                npassed > 1 || (alias_ops != nullptr && alias_ops->fluid_components != nullptr &&
+                                alias_ops->fluid_components() > 1);
             configure_transport(npassed, passed_names,
                                 std::span<const double>(passed_cnc.data(), npassed));
+        }
     }
     if (!is_success(errormsg)) leave_placeholder();
 }
@@ -481,11 +492,13 @@ double zp_tmax(std::string& errormsg) {
 }
 
 void zp_mmolcomp(zp_common::composition& mmol, std::string& errormsg) {
-    // A back-end of one component answers "M_mol"; a mixture back-end "M_mol_<i>" for its
-    // component i (counted from 1).
+    // A back-end of one component answers "M_mol"; a mixture back-end gives its components'
+    // molar masses through its row, or answers "M_mol_<i>" for its component i (counted from 1).
     composition backend_mmol{};
     if (state.ncmps <= 1) {
         backend_mmol[0] = zp_mmol(errormsg);
+    } else if (alias_ops != nullptr && alias_ops->mmolcomp != nullptr) {
+        alias_ops->mmolcomp(backend_mmol, errormsg);
     } else {
         for (int i = 0; i < state.ncmps; ++i) {
             backend_mmol[i] = getinfo(component_mmol_keywords[i], errormsg);

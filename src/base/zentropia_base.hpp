@@ -34,6 +34,9 @@ struct selection_state {
 const selection_state& selection();
 // the back-end serving the selection, resolved at selection time (none before any)
 const zp_models::model& selected_alias();
+// true when the selected fluid has two or more components, also where one name stands for a
+// mixture (a predefined mixture or a fluid file)
+bool selected_mixture();
 // the model named by the selection's modelname (none for a table model)
 const zp_models::model& selected_model();
 

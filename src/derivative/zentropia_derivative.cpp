@@ -23,7 +23,7 @@ derivatives delivered_derivatives() {
     return zentropia_base::selected_alias().derived;
 }
 bool is_mixture() {
-    return zentropia_base::selection().ncmps > 1;
+    return zentropia_base::selected_mixture();
 }
 
 // ---- Single-phase formulas (T K, P Pa, cv kJ/(kg K), pressure derivatives per pascal) ----------

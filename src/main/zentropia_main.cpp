@@ -103,7 +103,7 @@ evaluation_plan plan_of(const keyword& k) {
         // A mixture's state is never changed by the completion (its two-phase states get no
         // derivatives), so neither its quality nor its phase compositions are needed; for one
         // component the quality tells whether the completion may be left out (single phase).
-        if (zentropia_base::selection().ncmps > 1) return {k.needs, completion_rule::never};
+        if (zentropia_base::selected_mixture()) return {k.needs, completion_rule::never};
         return {k.needs | out::q, completion_rule::if_it_changes_the_state};
     default:
         return {out::all, completion_rule::always};

@@ -20,13 +20,15 @@ constexpr double gas_constant = 8.3144598;
 constexpr double sigma_per_vc = 0.809;
 constexpr double tc_per_epsilon = 1.2593;
 
-// Neufeld, Janzen and Aziz (1972), the reduced collision integral Ω(2,2)* as Poling et al. (2001)
-// eq. 9-4.3 give it: Ω_v = A T*^-B + C exp(-D T*) + E exp(-F T*), valid for 0.3 <= T* <= 100.
-// Neufeld's small periodic term (below 0.1 %) is left out, as there.
+// Neufeld, Janzen and Aziz (1972), the reduced collision integral Ω(2,2)* for 0.3 <= T* <= 100:
+// Ω_v = A T*^-B + C exp(-D T*) + E exp(-F T*) + G T*^B sin(S T*^W - H). Poling et al. (2001)
+// print the first three terms as eq. 9-4.3; the periodic one, below 0.1 %, is kept: without it
+// their worked example 9-1 (SO2 at 573 K) comes out 245.6 μP instead of the printed 245.5.
 struct neufeld_constants {
-    double a, b, c, d, e, f;
+    double a, b, c, d, e, f, g, h, s, w;
 };
-constexpr neufeld_constants neufeld{1.16145, 0.14874, 0.52487, 0.77320, 2.16178, 2.43787};
+constexpr neufeld_constants neufeld{1.16145, 0.14874,   0.52487, 0.77320, 2.16178,
+                                    2.43787, -6.435e-4, 7.27371, 18.0323, -0.76830};
 
 // Coefficients of the dense-fluid terms: X_i = a_i + b_i ω + c_i μ_r⁴ + d_i κ.
 struct coefficient_row {
@@ -125,6 +127,10 @@ inline dual sqrt(dual a) {
     const double s = std::sqrt(a.v);
     return {s, 0.5 * a.t / s, 0.5 * a.r / s};
 }
+inline dual sin(dual a) {
+    const double c = std::cos(a.v);
+    return {std::sin(a.v), c * a.t, c * a.r};
+}
 inline dual pow(dual a, double k) {
     const double p = std::pow(a.v, k), d = k * p / a.v;
     return {p, d * a.t, d * a.r};
@@ -139,9 +145,10 @@ inline double value(dual a) {
 // ---- the model ---------------------------------------------------------------------------------
 
 template <class S> S omega_v(S tstar) {
-    using std::exp, std::pow;
+    using std::exp, std::pow, std::sin;
     return neufeld.a * pow(tstar, -neufeld.b) + neufeld.c * exp(-neufeld.d * tstar) +
-           neufeld.e * exp(-neufeld.f * tstar);
+           neufeld.e * exp(-neufeld.f * tstar) +
+           neufeld.g * pow(tstar, neufeld.b) * sin(neufeld.s * pow(tstar, neufeld.w) - neufeld.h);
 }
 
 // Chung et al. (1988), eq. 6 (Poling et al. 2001, eq. 9-4.10): η° = 40.785 F_c (M T)^(1/2) /

@@ -72,7 +72,8 @@ def test_info_fluids_and_units():
     assert len(units) == 27 and units["P"] == "Pa" and units["h"] == "J/kg"
 
 
-@pytest.mark.parametrize("command", ["calc", "props", "batch", "info", "fluids", "units"])
+@pytest.mark.parametrize("command", ["calc", "props", "batch", "info", "fluids", "units",
+                                     "fluidfile"])
 def test_help_on_each_command(command):
     for args in ((command, "--help"), ("help", command), (command, "-h")):
         out = run(*args, check=OK).stdout
@@ -114,6 +115,11 @@ def test_without_a_command_it_shows_water():
     (("batch", "--props", "h,nonsense"), USAGE, "unknown property 'nonsense'"),
     (("batch", "--format", "xml"), USAGE, "--format is csv or json"),
     (("batch", "--precision", "40"), USAGE, "--precision is a number"),
+    (("fluidfile", "zp-cli-x"), USAGE, "fluidfile wants the components"),
+    (("fluidfile", "zp-cli-x", "--fluid", "CH4,C2H6", "--conc", "0.5,0.5", "--kij", "a"), USAGE,
+     "--kij: 'a' is not a number"),
+    (("fluidfile", "zp-cli-x", "--fluid", "CH4,C2H6", "--conc", "0.5,0.6"), FAILURE,
+     "add up to 1.1, not 1"),
 ])
 def test_failures_print_a_message_and_exit_non_zero(args, status, message):
     result = run(*args)
@@ -239,3 +245,21 @@ def test_models_fluids_and_version():
     assert run("fluids", "--model", "IF97", check=OK).stdout == "water\n"
     assert run("fluids", "--model", "IF97", "--by", "cas", check=OK).stdout == "7732-18-5\n"
     assert run("--version", check=OK).stdout == f"zentropia {zentropia.__version__}\n"
+
+
+def test_fluidfile_then_select_the_file_by_name():
+    made = run("fluidfile", "zp-cli-pr", "--fluid", "methane,ethane", "--conc", "0.9,0.1",
+               "--eos", "PR", "--kij", "-0.003", "--replace", check=OK).stdout.strip()
+    try:
+        assert made.endswith("/zp-cli-pr.vmx")
+        lines = open(made).read().splitlines()
+        assert lines[0] == "2 2" and len(lines) == 4 + 2 * 16 + 100
+        assert lines[36].split()[1] == "-0.003" and lines[37].split()[0] == "-0.003"
+        q = float(run("calc", "q", "PT", 2e6, 170, "--model", "Varimol", "--fluid", "zp-cli-pr",
+                      check=OK).stdout)
+        q_prsv = float(run("calc", "q", "PT", 2e6, 170, "--model", "Varimol", "--fluid",
+                           "methane,ethane", "--conc", "0.9,0.1", check=OK).stdout)
+        assert 0.0 < q < 1.0 and q != q_prsv
+    finally:
+        import os
+        os.remove(made)

@@ -71,3 +71,28 @@ def test_bad_selections_are_refused_and_the_next_one_works(components, compositi
     with pytest.raises(ZentropiaError):
         gas.calc("h", "PT", float("nan"), 300.0)
     assert np.isfinite(gas.calc("h", "PT", 1e5, 300.0))
+
+
+def test_fluidfile_selects_the_chosen_equation_of_state(tmp_path):
+    import os
+    import zentropia
+    # PRSV with the database's kij is the mixture selected by its names; SRK is another fluid
+    named = Fluid("Varimol", ["methane", "ethane"], [0.9, 0.1])
+    written = []
+    try:
+        for name, eos in [("zp-py-prsv", "PRSV"), ("zp-py-srk", "SRK")]:
+            path = zentropia.fluidfile(name, ["methane", "ethane"], np.array([0.9, 0.1]), eos=eos,
+                                       replace=True)
+            written.append(path)
+            assert os.path.basename(path) == name + ".vmx"
+        h_named = named.calc("h", "PT", 2e6, [170.0, 250.0])
+        np.testing.assert_array_equal(Fluid("Varimol", "zp-py-prsv").calc("h", "PT", 2e6,
+                                                                          [170.0, 250.0]), h_named)
+        h_srk = Fluid("Varimol", "zp-py-srk").calc("h", "PT", 2e6, [170.0, 250.0])
+        assert np.all(np.abs(h_srk - h_named) > 1.0)
+        with pytest.raises(ZentropiaError, match="not with SRK"):
+            zentropia.fluidfile("zp-py-x", ["methane", "ethane"], [0.9, 0.1], eos="SRK",
+                                mixing="WS")
+    finally:
+        for path in written:
+            os.remove(path)

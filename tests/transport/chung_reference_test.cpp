@@ -71,30 +71,43 @@ double percent(double value, double reference) {
 }
 
 // Worked examples of the Chung method with the data printed in Poling et al. (2001) (the
-// 2-methylbutane one from the 4th edition, Reid et al. 1987), and their results as the open
-// implementations that reproduce them give them (pychemqt lib/compuestos.py and lib/mezcla.py,
-// example numbers as cited there; chemicals thermal_conductivity.py); tolerance half a unit of
-// the last digit. SO2: pychemqt keeps Neufeld's periodic term in Ω_v (0.03 % here), so one digit
-// less is asked.
-TEST(ChungExamples, WorkedExamples) {
-    // Example 9-1: SO2 gas at 300 °C, 245.5 μP.
+// 2-methylbutane one from the 4th edition, Reid et al. 1987; their results as cited in
+// pychemqt lib/compuestos.py and lib/mezcla.py and chemicals thermal_conductivity.py): each
+// result, rounded to the digits printed there, is the printed number.
+TEST(ChungExamples, WorkedExamplesReproducePrintedDigits) {
+    // Example 9-1: SO2 gas at 300 °C, low pressure.
     const auto so2 = pure(constants(430.8, 122.0, 0.257, 1.6, 64.065));
-    EXPECT_NEAR(1e7 * chung::dilute_viscosity(so2, 573.15), 245.5, 0.5);
-    // Example 9-12: ammonia at 520 K, 600 bar, 48.2 cm³/mol, η° = 182 μP: 455 μP.
+    // Example 9-12: ammonia at 520 K, 600 bar, 48.2 cm³/mol, η° = 182 μP.
     const auto nh3 = pure(constants(405.5, 72.4, 0.256, 1.47, 17.031));
-    EXPECT_NEAR(1e7 * chung::dense_viscosity(nh3, 520.0, 1e6 / 48.2, 182e-7), 455.0, 0.5);
-    // Example 9-8: 20.4 % H2S in ethyl ether, 331 K, low pressure: 87.6 μP.
+    // Example 9-8: 20.4 % H2S in ethyl ether, 331 K, low pressure.
     const std::array<chung::component, 2> pair{constants(373.4, 98.0, 0.090, 0.9, 34.082),
                                                constants(466.7, 280.0, 0.281, 1.3, 74.123)};
     const std::array<double, 2> x{0.204, 0.796};
-    EXPECT_NEAR(1e7 * chung::dilute_viscosity(mixture_of(pair, x), 331.0), 87.6, 0.05);
-    // 2-methylbutane gas at 373.15 K, Cv = 135.9 J/(mol K), η = 87.7 μP: 0.0230 W/(m K).
+    // 2-methylbutane gas at 373.15 K, Cv = 135.9 J/(mol K), η = 87.7 μP.
     const auto ic5 = pure(constants(460.4, 306.0, 0.227, 0.1, 72.151));
-    EXPECT_NEAR(chung::dilute_conductivity(ic5, 373.15, 8.77e-6, 135.9), 0.0230, 0.00005);
-    // propylene at 473 K, 150 bar, 172.1 cm³/mol, Cv = 82.67 J/(mol K), η° = 134 μP: 0.0616.
+    // propylene at 473 K, 150 bar, 172.1 cm³/mol, Cv = 82.67 J/(mol K), η° = 134 μP.
     const auto c3h6 = pure(constants(364.9, 184.6, 0.142, 0.4, 42.081));
-    EXPECT_NEAR(chung::dense_conductivity(c3h6, 473.0, 1e6 / 172.1, 134e-7, 82.67), 0.0616,
-                0.00005);
+    struct example {
+        const char* what;
+        double computed, printed;
+        int decimals;
+    };
+    for (const auto& e : std::array<example, 5>{{
+             {"SO2 gas, eta uP", 1e7 * chung::dilute_viscosity(so2, 573.15), 245.5, 1},
+             {"NH3 dense, eta uP", 1e7 * chung::dense_viscosity(nh3, 520.0, 1e6 / 48.2, 182e-7),
+              455.0, 0},
+             {"H2S + ether gas, eta uP", 1e7 * chung::dilute_viscosity(mixture_of(pair, x), 331.0),
+              87.6, 1},
+             {"2-methylbutane gas, lambda W/(m K)",
+              chung::dilute_conductivity(ic5, 373.15, 8.77e-6, 135.9), 0.0230, 4},
+             {"propylene dense, lambda W/(m K)",
+              chung::dense_conductivity(c3h6, 473.0, 1e6 / 172.1, 134e-7, 82.67), 0.0616, 4},
+         }}) {
+        const double scale = std::pow(10.0, e.decimals);
+        std::printf("%-36s computed %.7g, printed %.*f\n", e.what, e.computed, e.decimals,
+                    e.printed);
+        EXPECT_EQ(std::round(e.computed * scale), std::round(e.printed * scale)) << e.what;
+    }
 }
 
 // The model's own derivatives against central differences of the model itself.
@@ -119,20 +132,23 @@ TEST(ChungExamples, DerivativesMatchCentralDifferences) {
 // Water (IAPWS R12-08 and R15-11 by python3-iapws), methane, nitrogen, CO2, propane and R134a
 // (reference correlations, data/transport/README.md) at published states. Tolerances (%) per
 // fluid and phase for viscosity and conductivity: the method's few per cent for nonpolar gases;
-// more for dense fluids (CO2 at 1400 kg/m³ is at some 0.5 GPa) and for the polar R134a (no
-// published conductivity values found). The conductivity factor β = 0.7862 - 0.7109 ω + 1.3168 ω²
+// more for dense fluids (CO2 at 1400 kg/m³ is at some 0.5 GPa) and for the polar R134a, whose
+// reduced dipole moment (0.99) the polar terms describe poorly in the liquid: its vapour
+// conductivity comes out 3 to 12 % high, its liquid conductivity 70 to 110 % high (the dense
+// terms' polar part; with μ = 0 it would still be 25 to 35 % high), its liquid viscosity 33 % low.
+// The conductivity factor β = 0.7862 - 0.7109 ω + 1.3168 ω²
 // holds for nonpolar gases (Chung et al. fitted it per polar fluid), so steam comes out 20 to
 // 40 % high; liquid water, strongly associated, is beyond the method (viscosity -35 to -70 %,
 // conductivity +130 to +250 %).
 TEST(ChungReference, FluidsAgainstReferenceValues) {
     const std::map<std::pair<std::string, std::string>, std::pair<double, double>> tolerance{
-        {{"H2O", "gas"}, {15, 45}},     {{"H2O", "supercritical"}, {10, 125}},
-        {{"H2O", "liquid"}, {70, 260}}, {{"N2", "gas"}, {5, 5}},
-        {{"N2", "liquid"}, {15, 20}},   {{"CH4", "gas"}, {5, 5}},
-        {{"CH4", "liquid"}, {15, 10}},  {{"CO2", "gas"}, {5, 5}},
-        {{"CO2", "liquid"}, {30, 25}},  {{"C3H8", "gas"}, {10, 10}},
-        {{"C3H8", "liquid"}, {10, 10}}, {{"R134a", "gas"}, {20, 0}},
-        {{"R134a", "liquid"}, {40, 0}}};
+        {{"H2O", "gas"}, {15, 45}},      {{"H2O", "supercritical"}, {10, 125}},
+        {{"H2O", "liquid"}, {70, 260}},  {{"N2", "gas"}, {5, 5}},
+        {{"N2", "liquid"}, {15, 20}},    {{"CH4", "gas"}, {5, 5}},
+        {{"CH4", "liquid"}, {15, 10}},   {{"CO2", "gas"}, {5, 5}},
+        {{"CO2", "liquid"}, {30, 25}},   {{"C3H8", "gas"}, {10, 10}},
+        {{"C3H8", "liquid"}, {10, 10}},  {{"R134a", "gas"}, {20, 15}},
+        {{"R134a", "liquid"}, {40, 115}}};
     std::map<std::string, chung::mixture> models;
     int n = 0;
     for (const char* file : {"transport/water_iapws.csv", "transport/reference_values.csv"})
@@ -164,7 +180,7 @@ TEST(ChungReference, FluidsAgainstReferenceValues) {
             std::printf("\n");
             ++n;
         }
-    EXPECT_EQ(n, 55);
+    EXPECT_EQ(n, 64);
 }
 
 // Surface tension against the correlations of Mulero, Cachadiña and Parra (2012),

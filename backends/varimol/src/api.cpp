@@ -173,6 +173,172 @@ int p_pair(const fluid& f, int below, int above, given sp, double p, double valu
     return e;
 }
 
+// The envelope of the configured mixture, traced once per fluid when a point of given vapour
+// fraction first needs it: its cricondenbar and cricondentherm bound those points, and its
+// points start the iteration where the one from Wilson's K-values fails (close to the critical
+// point, where the K-values approach 1).
+struct stored_point {
+    double T, P; // K, Pa
+    vec lnk;     // ln(y_i/x_i)
+    bool dew;    // the feed is the vapour (y = z)
+    bool critical;
+};
+constexpr int max_stored = 500;
+
+struct envelope_store final : envelope_sink {
+    std::array<stored_point, max_stored> pts;
+    int count = 0;
+    const fluid* f = nullptr;
+    bool add(double T, double P, const vec& x, const vec& y) override {
+        if (count >= max_stored) return false;
+        stored_point& s = pts[count++];
+        s.T = T, s.P = P;
+        bool bubble = true, dew = true;
+        for (int i = 0; i < f->n; ++i) {
+            s.lnk[i] = std::log(y[i] / x[i]);
+            // the feed's side holds z up to the rounding of its normalisation
+            bubble = bubble && std::abs(x[i] - f->z[i]) <= 1e-14;
+            dew = dew && std::abs(y[i] - f->z[i]) <= 1e-14;
+        }
+        s.dew = dew && !bubble;
+        s.critical = dew && bubble;
+        return true;
+    }
+    void reverse_order() override { std::reverse(pts.begin(), pts.begin() + count); }
+};
+
+struct envelope_limits_cache {
+    bool traced = false;
+    bool known = false; // the envelope closed and its extremes are known
+    envelope_summary s;
+    envelope_store store;
+};
+envelope_limits_cache limits_cache;
+
+const envelope_limits_cache& configured_limits(const fluid& f) {
+    if (!limits_cache.traced) {
+        limits_cache.traced = true;
+        limits_cache.store.count = 0;
+        limits_cache.store.f = &f;
+        limits_cache.known = trace_envelope(f, 1.0e5, &limits_cache.store, limits_cache.s) == 0;
+    }
+    return limits_cache;
+}
+
+// A bubble (q = 0) or dew (q = 1) point at given T or P from the traced envelope: between two
+// traced points of that side (the critical point belongs to both) around the given value.
+int quality_end_from_envelope(const fluid& f, const envelope_store& st, bool dew, bool given_t,
+                              double& T, double& P, flash_result& fr) {
+    const int n = f.n;
+    for (int k = 0; k + 1 < st.count; ++k) {
+        const stored_point &a = st.pts[k], &b = st.pts[k + 1];
+        const bool side_a = a.critical || a.dew == dew, side_b = b.critical || b.dew == dew;
+        if (!side_a || !side_b || (a.critical && b.critical)) continue;
+        std::array<double, mc + 2> xa{}, xb{};
+        for (int i = 0; i < n; ++i) xa[i] = a.lnk[i], xb[i] = b.lnk[i];
+        xa[n] = std::log(a.T), xb[n] = std::log(b.T);
+        xa[n + 1] = std::log(a.P), xb[n + 1] = std::log(b.P);
+        double t = T, p = P;
+        if (envelope_point(f, dew, given_t, xa.data(), xb.data(), t, p, fr) == 0) {
+            T = t, P = p;
+            return 0;
+        }
+    }
+    return 1;
+}
+
+// vapour fraction of the PT flash at (T, P): 0 or 1 for a homogeneous liquid- or vapour-like
+// feed; -1 when the flash fails
+double flash_beta(const fluid& f, double T, double P, flash_result& fr) {
+    if (flash_tp(f, T, P, f.z.data(), fr) != 0) return -1.0;
+    if (fr.nphase == 2) return fr.beta;
+    return fr.liq.v < f.vcrit ? 0.0 : 1.0;
+}
+
+// An interior q between the bubble and the dew point at given T or P (a and b: the value of the
+// unknown, T or ln P, at q = 0 and q = 1): regula falsi (Illinois) on beta - q of PT flashes.
+int quality_inside(const fluid& f, bool given_t, double a, double b, double q, double& T, double& P,
+                   flash_result& fr) {
+    auto at = [&](double u) {
+        return given_t ? flash_beta(f, T, std::exp(u), fr) : flash_beta(f, u, P, fr);
+    };
+    double fa = -q, fb = 1.0 - q;
+    int side = 0;
+    for (int it = 0; it < 100; ++it) {
+        double u = b - fb * (b - a) / (fb - fa);
+        if (!(u > std::min(a, b) && u < std::max(a, b))) u = 0.5 * (a + b);
+        const double beta = at(u);
+        if (beta < 0.0) return 1;
+        const double fu = beta - q;
+        // the flash's vapour fraction carries the rounding of its iteration (about 1e-12): a
+        // bracket closed to rounding accepts it within 1e-10
+        const bool closed = std::abs(b - a) <= 1e-14 * std::max(1.0, std::abs(u));
+        if (fr.nphase == 2 && (std::abs(fu) <= 1e-13 || (closed && std::abs(fu) <= 1e-10))) {
+            (given_t ? P : T) = given_t ? std::exp(u) : u;
+            return 0;
+        }
+        if ((fu > 0.0) == (fb > 0.0)) {
+            b = u, fb = fu;
+            if (side == 1) fa *= 0.5;
+            side = 1;
+        } else {
+            a = u, fa = fu;
+            if (side == -1) fb *= 0.5;
+            side = -1;
+        }
+        if (closed) break;
+    }
+    return 1;
+}
+
+// A mixture's point of vapour fraction q at given P (mode 11) or T (mode 12). No two-phase
+// state lies above the cricondenbar or the cricondentherm: such a request is answered at once.
+// Every line of constant q runs from low pressure up to the critical point, so below the
+// critical pressure (temperature) a point of every q exists and a failure is one of the
+// iteration; above it the line of the asked q may end before the given pressure (temperature),
+// and a point the iteration does not find is reported as lying beyond its line.
+int mixture_quality_point(const fluid& f, bool given_t, double& T, double& P, double q,
+                          flash_result& fr) {
+    const int beyond = given_t ? 3276 : 3271;
+    const envelope_limits_cache& lim = configured_limits(f);
+    if (lim.known) {
+        if (given_t && T > lim.s.t_cricondentherm) return beyond;
+        if (!given_t && P > lim.s.p_cricondenbar) return beyond;
+    }
+    const double t_in = T, p_in = P;
+    if (given_t)
+        P = 1.0e5; // starting values of the iteration
+    else
+        T = 0.7 * f.tcrit;
+    int e = saturation_q(f, given_t, T, P, q, f.z.data(), fr);
+    if (e == 0) return 0;
+    T = t_in, P = p_in;
+    if (q == 0.0 || q == 1.0) {
+        if (quality_end_from_envelope(f, lim.store, q == 1.0, given_t, T, P, fr) == 0) return 0;
+    } else {
+        // between the bubble and the dew point of the given T or P
+        double tb = given_t ? T : 0.7 * f.tcrit, pb = given_t ? 1.0e5 : P;
+        double td = tb, pd = pb;
+        flash_result end;
+        const bool have_ends =
+            (saturation_q(f, given_t, tb, pb, 0.0, f.z.data(), end) == 0 ||
+             quality_end_from_envelope(f, lim.store, false, given_t, tb, pb, end) == 0) &&
+            (saturation_q(f, given_t, td, pd, 1.0, f.z.data(), end) == 0 ||
+             quality_end_from_envelope(f, lim.store, true, given_t, td, pd, end) == 0);
+        if (have_ends) {
+            const double a = given_t ? std::log(pb) : tb, b = given_t ? std::log(pd) : td;
+            if (quality_inside(f, given_t, a, b, q, T, P, fr) == 0) {
+                fr.beta = q;
+                return 0;
+            }
+        }
+        T = t_in, P = p_in;
+    }
+    const bool above_critical =
+        lim.known && lim.s.has_critical && (given_t ? T > lim.s.t_crit : P > lim.s.p_crit);
+    return above_critical ? beyond : e;
+}
+
 int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composition& x,
             composition& y, composition& lnphi) {
     if (!is_configured) return 101;
@@ -225,22 +391,18 @@ int tmdprop(int mode, double& T, double& p, double& q, const outputs& o, composi
         if (f.n == 1) {
             phase l, v;
             if (given_t) {
-                const int e = pure_saturation_p(f, T, p, l, v);
+                const int e = pure_saturation_pressure(f, T, p, l, v);
                 if (e == 102) return 3276;
                 if (e) return e;
             } else {
-                const int e = pure_saturation_t(f, p, T, l, v);
+                const int e = pure_saturation_temperature(f, p, T, l, v);
                 if (e == 143) return 3271;
                 if (e) return e;
                 if (T < f.tmin) return 3272;
             }
             pure_two_phase(l, v, fr);
         } else {
-            if (!given_t)
-                T = 0.7 * f.tcrit; // starting value of the iteration
-            else
-                p = 1.0e5;
-            if (int e = saturation_q(f, given_t, T, p, q, f.z.data(), fr)) return e;
+            if (int e = mixture_quality_point(f, given_t, T, p, q, fr)) return e;
             if (!given_t && T < f.tmin) return 3272;
         }
         two_phase_outputs(f, T, fr, q, o, x, y, lnphi);
@@ -567,6 +729,7 @@ void vm3_setfluid(int model_code, const fluid_parameters& fp, const binary_param
     if (ierr == 0) {
         configured = f;
         is_configured = true;
+        limits_cache = envelope_limits_cache{};
     }
 }
 
@@ -717,6 +880,14 @@ public:
         ++count_;
         return true;
     }
+    void reverse_order() override {
+        for (int a = 0, b = count_ - 1; a < b; ++a, --b) {
+            std::swap(T_[a], T_[b]);
+            std::swap(p_[a], p_[b]);
+            std::swap(x_[a], x_[b]);
+            std::swap(y_[a], y_[b]);
+        }
+    }
     int count() const { return count_; }
 
 private:
@@ -745,6 +916,7 @@ void vm3_phaseenvelope(int& npnts, std::span<double> T, std::span<double> p,
 void uninit_varimol() {
     configured = fluid{};
     is_configured = false;
+    limits_cache = envelope_limits_cache{};
 }
 
 } // namespace varimol

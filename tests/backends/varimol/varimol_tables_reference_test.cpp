@@ -123,6 +123,10 @@ TEST(VarimolReference, PureSaturation) {
         w.add(pv.h, num(r, "hV_J_per_mol"), rt, where + " hV");
         w.add(pl.s, num(r, "sL_J_per_molK"), gas_constant, where + " sL");
         w.add(pv.s, num(r, "sV_J_per_molK"), gas_constant, where + " sV");
+        // the inverse: the saturation temperature at the table's pressure
+        double Ts = 0.0;
+        EXPECT_EQ(pure_saturation_temperature(f, num(r, "psat_Pa"), Ts, l, v), 0) << where;
+        w.add(Ts, T, 0.0, where + " Tsat");
         ++rows;
     }
     std::printf("pure saturation, %d rows: worst %.2e (%s); within 1 %% of Tc %.2e (%s)\n", rows,

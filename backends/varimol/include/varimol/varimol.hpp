@@ -60,10 +60,11 @@
 // that is not finite answers its pair's lower code); 3280 q outside [0, 1] for (v, q), 3281/3282
 // v above / below every volume of the line of that q, 3283 the line reaches v at more than one
 // temperature; 3270/3275 q outside [0, 1] or not finite; 3271/3276 p or T above the
-// critical point of a pure fluid with saturation asked; 3272/3277 below the lower limit;
+// critical point of a pure fluid with saturation asked, or, for a mixture, above its
+// cricondenbar or cricondentherm, or above its critical pressure or temperature where the line
+// of the asked q does not reach the given p or T; 3272/3277 below the lower limit;
 // 400-402, 410-412, 420-422, 430-432 bubble/dew pressure/temperature (and interior q, by the
-// nearer end) without convergence (x0, x1) or collapsed onto the trivial solution (x2) - for a
-// mixture this is also the answer above the cricondenbar or cricondentherm;
+// nearer end) without convergence (x0, x1) or collapsed onto the trivial solution (x2);
 // 441 PT flash without convergence; 446 stability test without convergence;
 // 450-453 phase envelope (vm3_phaseenvelope).
 // Nothing throws, nothing aborts; no result is NaN when ierr is 0 or 28.
@@ -109,10 +110,17 @@ void vm3_xy_a_alfa(double aij, double aji, double alfa, double p, double T,
                    std::array<double, 2>& x, std::array<double, 2>& y, int& ierr);
 // The phase envelope of the configured mixture, from the bubble point at 1 bar round through
 // the critical point to the dew point at 1 bar: T (K), p (Pa), liquid x and vapour y mole
-// fractions at each point (x = y = z at the critical point). npnts in: room for points (at most
-// the size of the smallest span); out: points written. ierr 0, 101 (no mixture configured),
-// 450 no convergence, 451 no bubble point at 1 bar, 452 more points than room (those traced
-// are returned), 453 the critical point could not be located.
+// fractions at each point (x = y = z at the critical point). The curve is the boundary of the
+// single-phase region: where a second liquid appears (a gas with a heavy component, a liquid
+// that splits in two), the curve continues from that three-phase point with the new phase as
+// the incipient one, and the point is listed twice, once with each incipient phase; there x or
+// y is the second liquid, and the other the feed. Where the feed is already split at its
+// bubble point at 1 bar, the curve is traced from the dew point at 1 bar and listed in the
+// same order, ending at the dew point. npnts in: room for points (at most the size of the
+// smallest span); out: points written. ierr 0, 101 (no mixture configured), 450 no convergence
+// or the curve left the model's range (a liquid-liquid boundary rising to Pmax: the points up
+// to there are returned), 451 no bubble or dew point at 1 bar, 452 more points than room (those
+// traced are returned), 453 the critical point could not be located.
 void vm3_phaseenvelope(int& npnts, std::span<double> T, std::span<double> p,
                        std::span<composition> x, std::span<composition> y, int& ierr);
 // Releases the configured fluid.

@@ -3,6 +3,7 @@
 #include "equilibrium/critical.hpp"
 #include "equilibrium/linear.hpp"
 #include "equilibrium/saturation.hpp"
+#include "equilibrium/stability.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -28,6 +29,13 @@ struct tracer {
     const double* z;
     int n;
     bool dew = false; // false: x = z (bubble side); true: y = z (dew side)
+    // the root of the incipient phase: the vapour over a liquid feed, the liquid under a gas;
+    // past a three-phase point the root on which the new phase appeared (a second liquid)
+    root_choice incipient = root_choice::vapour;
+    void set_side(bool dew_side) {
+        dew = dew_side;
+        incipient = dew ? root_choice::liquid : root_choice::vapour;
+    }
 
     // residuals F (n + 1) and Jacobian rows at X; false where the model cannot be evaluated
     bool evaluate(point& p, xvec& F) const {
@@ -53,8 +61,8 @@ struct tracer {
         at_temperature(f, taylor<1>::variable(T), t);
         // the feed z is the stable phase at its bubble or dew point: its root of lower Gibbs
         // energy; the incipient phase on the root of its kind
-        const root_choice root_x = dew ? root_choice::liquid : root_choice::stable;
-        const root_choice root_y = dew ? root_choice::stable : root_choice::vapour;
+        const root_choice root_x = dew ? incipient : root_choice::stable;
+        const root_choice root_y = dew ? root_choice::stable : incipient;
         phase L, V;
         mat dl, dv;
         vec dpl{}, dpv{}, dtl{}, dtv{};
@@ -122,15 +130,91 @@ struct tracer {
     }
 };
 
+// The feed at a traced point is stable against every phase but the incipient one; a trial phase
+// with a clearly negative tangent-plane distance (a heavy liquid below a light gas with a trace
+// of a heavy component) means that the curve has run past a three-phase point into states that
+// are already split. The threshold lies well above the rounding of the tpd of the incipient
+// phase itself, which is zero at a converged point.
+constexpr double split_below = -1e-8;
+
+bool feed_unstable(const fluid& f, const double* z, const point& p, int n, stability_result& sr,
+                   double below = split_below) {
+    const double T = std::exp(p.X[n]), P = std::exp(p.X[n + 1]);
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    phase ph;
+    if (eval_phase(f, t, P, z, root_choice::stable, ph) != 0) return false;
+    if (stability(f, t, P, z, ph, sr) != 0) return false;
+    return sr.tpd < below;
+}
+
+// A quick screen for a second phase besides the incipient one, cheap enough for every point: a
+// few successive substitutions of the modified tangent-plane distance
+//   tm(W) = 1 + sum_i W_i (ln W_i + ln phi_i(w) - ln z_i - ln phi_i(z) - 1),
+// which proves the feed unstable wherever it is negative, from the two trials from which a
+// second liquid grows: the incipient phase's composition on the other root of the cubic, and
+// the nearly pure component that the incipient phase lacks most (the heaviest below a vapour,
+// the lightest above a liquid). A phase that the screen misses at its first appearance is
+// found at the next point, and the three-phase point is then located with the full test.
+bool split_suspected(const fluid& f, const double* z, const point& p, int n, bool dew,
+                     root_choice incipient) {
+    const double T = std::exp(p.X[n]), P = std::exp(p.X[n + 1]);
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    phase ph;
+    if (eval_phase(f, t, P, z, root_choice::stable, ph) != 0) return false;
+    vec d{};
+    for (int i = 0; i < n; ++i) d[i] = std::log(z[i]) + ph.lnphi[i];
+    const vec& inc = dew ? p.x : p.y;
+    // the component the incipient phase lacks most relative to the feed
+    int lack = 0;
+    for (int i = 1; i < n; ++i)
+        if (inc[i] / z[i] < inc[lack] / z[lack]) lack = i;
+    const root_choice other =
+        incipient == root_choice::vapour ? root_choice::liquid : root_choice::vapour;
+    for (int trial = 0; trial < 2; ++trial) {
+        vec W{};
+        for (int i = 0; i < n; ++i) W[i] = trial == 0 ? inc[i] : (i == lack ? 1.0 : 1e-3 * z[i]);
+        const root_choice r = trial == 0 ? other : root_choice::stable;
+        for (int it = 0; it < 8; ++it) {
+            double sw = 0.0;
+            for (int i = 0; i < n; ++i) sw += W[i];
+            vec w{};
+            for (int i = 0; i < n; ++i) w[i] = W[i] / sw;
+            if (eval_phase(f, t, P, w.data(), r, ph) != 0) break;
+            double tm = 1.0;
+            for (int i = 0; i < n; ++i)
+                if (W[i] > 0.0) tm += W[i] * (std::log(W[i]) + ph.lnphi[i] - d[i] - 1.0);
+            if (tm < split_below) return true;
+            for (int i = 0; i < n; ++i) W[i] = std::exp(d[i] - ph.lnphi[i]);
+        }
+    }
+    return false;
+}
+
+// Close to the three-phase point the new phase's tpd is small: it is told from the incipient
+// phase (whose tpd is zero to rounding) by its composition.
+bool new_phase_appears(const fluid& f, const double* z, const point& p, int n, bool dew,
+                       stability_result& sr) {
+    if (!feed_unstable(f, z, p, n, sr, -1e-13)) return false;
+    const vec& incipient = dew ? p.x : p.y;
+    double d = 0.0;
+    for (int i = 0; i < n; ++i) d += std::abs(sr.w[i] - incipient[i]);
+    return d > 1e-4;
+}
+
 // sink that keeps nothing
 class counting_sink final : public envelope_sink {
 public:
     bool add(double, double, const vec&, const vec&) override { return true; }
+    void reverse_order() override {}
 };
 
 } // namespace
 
-int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope_summary& s) {
+namespace {
+int trace_curve(const fluid& f, double p_start, envelope_sink* sink, envelope_summary& s,
+                bool& reversed) {
     s = envelope_summary{};
     const int n = f.n;
     if (n < 2 || !(p_start > 0.0) || !std::isfinite(p_start)) return 451;
@@ -146,16 +230,26 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
         return true;
     };
 
-    // first point: the bubble point at p_start
-    double T0 = 0.7 * f.tcrit, P0 = p_start;
-    flash_result fr;
-    if (saturation_q(f, false, T0, P0, 0.0, z, fr) != 0) return 451;
-    point cur;
-    for (int i = 0; i < n; ++i) cur.X[i] = std::log(fr.y[i] / fr.x[i]);
-    cur.X[n] = std::log(T0);
+    // first point: the bubble point at p_start. Where the feed is already split there (a light
+    // liquid that does not dissolve the heavy component), the bubble point is no boundary of
+    // the single-phase region: the curve starts from the dew point at p_start instead, and is
+    // handed over in reverse order at the end.
     const double lnp0 = std::log(p_start);
     int fixed = n + 1;
-    if (tr.solve(cur, fixed, lnp0) < 0) return 451;
+    point cur;
+    stability_result first_split;
+    for (const double q : {0.0, 1.0}) {
+        double T0 = 0.7 * f.tcrit, P0 = p_start;
+        flash_result fr;
+        if (saturation_q(f, false, T0, P0, q, z, fr) != 0) return 451;
+        tr.set_side(q == 1.0);
+        for (int i = 0; i < n; ++i) cur.X[i] = std::log(fr.y[i] / fr.x[i]);
+        cur.X[n] = std::log(T0);
+        if (tr.solve(cur, fixed, lnp0) < 0) return 451;
+        if (!feed_unstable(f, z, cur, n, first_split)) break;
+        if (q == 1.0) return 451;
+        reversed = true;
+    }
     if (!emit(std::exp(cur.X[n]), std::exp(cur.X[n + 1]), cur.x, cur.y)) return 452;
 
     xvec sens;
@@ -167,6 +261,8 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
     bool retry = false; // the last step failed
     xvec prev{};        // the point before the current one
     bool have_prev = false;
+    int switches = 0;   // three-phase points passed
+    constexpr int max_switches = 4;
     for (int step = 0; step < 2000; ++step) {
         // the new specified variable: the unknown that changes most
         int k = 0;
@@ -211,7 +307,22 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
             nxt.X[j] = cur.X[j] + sens[j] * h;
             if (bend) nxt.X[j] += (prev[j] - cur.X[j] - sens[j] * hp) / (hp * hp) * h * h;
         }
-        const int its = tr.solve(nxt, fixed, S);
+        const xvec predicted = nxt.X;
+        int its = tr.solve(nxt, fixed, S);
+        // a point far from the prediction belongs to another branch of solutions
+        if (its >= 0) {
+            double jump = std::max(std::abs(nxt.X[n] - predicted[n]) / max_lnt,
+                                   std::abs(nxt.X[n + 1] - predicted[n + 1]) / max_lnp);
+            for (int j = 0; j < n; ++j)
+                jump = std::max(jump, std::abs(nxt.X[j] - predicted[j]) / max_lnk);
+            // and one behind the current point has turned back along the curve
+            double ahead = 0.0;
+            for (int j = 0; j < n + 2; ++j) {
+                const double w = j < n ? max_lnk : j == n ? max_lnt : max_lnp;
+                ahead += (nxt.X[j] - cur.X[j]) * sens[j] * h / (w * w);
+            }
+            if (jump > 1.0 || !(ahead > 0.0)) its = -1;
+        }
         if (its < 0) {
             if (std::abs(ds) < 1e-8) return 450;
             ds *= 0.4;
@@ -224,6 +335,79 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
         if (!tr.sensitivity(nxt, fixed, nsens)) return 450;
         const double T = std::exp(nxt.X[n]), P = std::exp(nxt.X[n + 1]);
         if (!(T <= f.tmax) || !(P <= 2.0 * f.pmax)) return 450;
+
+        // a three-phase point passed: the boundary of the single-phase region continues with
+        // the phase that appeared as the incipient one
+        stability_result split;
+        if (switches < max_switches && split_suspected(f, z, nxt, n, tr.dew, tr.incipient) &&
+            feed_unstable(f, z, nxt, n, split)) {
+            ++switches;
+            // bisection in the specified variable between the stable and the split point
+            double sa = cur.X[fixed], sb = nxt.X[fixed];
+            point pa = cur;
+            for (int it = 0; it < 60 && std::abs(sb - sa) > 1e-13 * (1.0 + std::abs(sa)); ++it) {
+                const double sm = 0.5 * (sa + sb);
+                point pm = cur;
+                for (int j = 0; j < n + 2; ++j) pm.X[j] = cur.X[j] + sens[j] * (sm - cur.X[fixed]);
+                if (tr.solve(pm, fixed, sm) < 0) break;
+                stability_result r;
+                if (new_phase_appears(f, z, pm, n, tr.dew, r)) {
+                    sb = sm;
+                    split = r;
+                } else {
+                    sa = sm;
+                    pa = pm;
+                }
+            }
+            if (pa.X[fixed] != cur.X[fixed] &&
+                !emit(std::exp(pa.X[n]), std::exp(pa.X[n + 1]), pa.x, pa.y))
+                return 452;
+            // the new branch: a trial phase richer in the volatile components (by Wilson's
+            // K-values) is a vapour over the feed (bubble form, K = w/z), a poorer one a liquid
+            // under it (dew form, K = z/w)
+            vec lw{};
+            wilson_k(f, std::exp(pa.X[n]), std::exp(pa.X[n + 1]), lw.data());
+            double volatile_side = 0.0;
+            for (int i = 0; i < n; ++i) volatile_side += (split.w[i] - z[i]) * lw[i];
+            const bool vapour_appears = volatile_side > 0.0;
+            point nb = pa;
+            tr.set_side(!vapour_appears);
+            {
+                temperature_terms<double> t;
+                at_temperature(f, std::exp(pa.X[n]), t);
+                phase ph;
+                if (eval_phase(f, t, std::exp(pa.X[n + 1]), split.w.data(), root_choice::stable,
+                               ph) != 0)
+                    return 450;
+                tr.incipient = ph.smaller ? root_choice::liquid : root_choice::vapour;
+            }
+            for (int i = 0; i < n; ++i) {
+                const double lk = std::log(split.w[i] / z[i]);
+                nb.X[i] = vapour_appears ? lk : -lk;
+            }
+            fixed = n + 1;
+            if (tr.solve(nb, fixed, pa.X[n + 1]) < 0) return 450;
+            xvec d;
+            if (!tr.sensitivity(nb, fixed, d)) return 450;
+            // of the two directions along the new branch, the one where the feed stays stable
+            bool found = false;
+            for (const double h : {0.01, -0.01}) {
+                point pt = nb;
+                for (int j = 0; j < n + 2; ++j) pt.X[j] = nb.X[j] + d[j] * h;
+                stability_result r;
+                if (tr.solve(pt, fixed, nb.X[fixed] + h) >= 0 && !feed_unstable(f, z, pt, n, r)) {
+                    ds = h;
+                    found = true;
+                    break;
+                }
+            }
+            if (!found) return 450;
+            if (!emit(std::exp(nb.X[n]), std::exp(nb.X[n + 1]), nb.x, nb.y)) return 452;
+            cur = nb;
+            sens = d;
+            have_prev = false;
+            continue;
+        }
 
         // critical point passed: the ln K changed sign
         bool crossed = false;
@@ -253,7 +437,7 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
             for (int i = 0; i < n; ++i) zz[i] = z[i];
             if (!emit(c.T, c.P, zz, zz)) return 452;
             // continue on the other side: z becomes the vapour, K -> 1/K
-            tr.dew = !tr.dew;
+            tr.set_side(!tr.dew);
             for (int i = 0; i < n; ++i) nxt.X[i] = -nxt.X[i];
             if (tr.solve(nxt, fixed, nxt.X[fixed]) < 0) return 450;
             if (!tr.sensitivity(nxt, fixed, nsens)) return 450;
@@ -312,6 +496,85 @@ int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope
         else if (its > 5) ds *= 0.6;
     }
     return 450;
+}
+
+} // namespace
+
+int trace_envelope(const fluid& f, double p_start, envelope_sink* sink, envelope_summary& s) {
+    bool reversed = false;
+    const int e = trace_curve(f, p_start, sink, s, reversed);
+    if (reversed && sink) sink->reverse_order();
+    return e;
+}
+
+int envelope_point(const fluid& f, bool dew, bool given_t, const double* a, const double* b,
+                   double& T, double& P, flash_result& out) {
+    const int n = f.n;
+    const int g = given_t ? n : n + 1; // the given unknown
+    const double target = std::log(given_t ? T : P);
+    if (n < 2 || !std::isfinite(target) || !((target - a[g]) * (target - b[g]) <= 0.0)) return 1;
+    tracer tr{f, f.z.data(), n};
+    tr.set_side(dew);
+    // the specified unknown: the one that changes most between the ends, in units of the
+    // envelope's step limits
+    int s = 0;
+    double most = -1.0;
+    for (int j = 0; j < n + 2; ++j) {
+        if (j == g) continue;
+        const double w = j < n ? 0.8 : j == n ? 0.1 : 0.5;
+        const double d = std::abs(b[j] - a[j]) / w;
+        if (d > most) most = d, s = j;
+    }
+    point p, best;
+    double sa = a[s], sb = b[s], fa = a[g] - target, fb = b[g] - target;
+    double fbest = INFINITY;
+    int side = 0;
+    for (int it = 0; it < 60; ++it) {
+        double sm = fb == fa ? 0.5 * (sa + sb) : sb - fb * (sb - sa) / (fb - fa);
+        if (!(sm > std::min(sa, sb) && sm < std::max(sa, sb))) sm = 0.5 * (sa + sb);
+        // start: the straight line between the ends
+        const double w = (sm - a[s]) / (b[s] - a[s]);
+        for (int j = 0; j < n + 2; ++j) p.X[j] = a[j] + w * (b[j] - a[j]);
+        if (tr.solve(p, s, sm) < 0) break;
+        const double fm = p.X[g] - target;
+        if (std::abs(fm) < fbest) fbest = std::abs(fm), best = p;
+        // close to the critical point the point at a given ln K is determined only to the
+        // conditioning of the equations there: the regula falsi stops where rounding sets in
+        if (fbest <= 1e-13 || std::abs(sb - sa) <= 1e-13 * std::max(1.0, std::abs(sm))) break;
+        if ((fm > 0.0) == (fb > 0.0)) {
+            sb = sm, fb = fm;
+            if (side == 1) fa *= 0.5;
+            side = 1;
+        } else {
+            sa = sm, fa = fm;
+            if (side == -1) fb *= 0.5;
+            side = -1;
+        }
+    }
+    if (!(fbest <= 1e-5)) return 1;
+    // the given value itself specified, from the closest point
+    p = best;
+    if (fbest > 0.0 && tr.solve(p, g, target) < 0) {
+        if (!(fbest <= 1e-12)) return 1;
+        p = best;
+    }
+    double big = 0.0; // not the trivial solution
+    for (int i = 0; i < n; ++i) big = std::max(big, std::abs(p.X[i]));
+    if (!(big > 1e-9)) return 1;
+    T = given_t ? T : std::exp(p.X[n]);
+    P = given_t ? std::exp(p.X[n + 1]) : P;
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    out.nphase = 2;
+    out.beta = dew ? 1.0 : 0.0;
+    out.x = p.x;
+    out.y = p.y;
+    if (eval_phase(f, t, P, p.x.data(), dew ? root_choice::liquid : root_choice::stable,
+                   out.liq) ||
+        eval_phase(f, t, P, p.y.data(), dew ? root_choice::stable : root_choice::vapour,
+                   out.vap))
+        return 1;
+    return 0;
 }
 
 int envelope_limits(const fluid& f, envelope_summary& s) {

@@ -52,72 +52,6 @@ double wilson_pressure(const fluid& f, double T) {
     return std::isfinite(P) ? std::clamp(P, 1e3, f.pmax) : 1e5;
 }
 
-// Equal fugacity of the two roots of a pure fluid by bisection, where the Newton iteration of
-// the saturation routines stops short of convergence close to the critical point. x is T (at
-// fixed P) or ln P (at fixed T); the sign of G_L - G_V tells the side, and where the cubic has
-// one root only, its kind does.
-int pure_sat_bisect(const fluid& f, bool given_t, double fixed, double lo, double hi, double& x,
-                    phase& L, phase& V) {
-    const double one[1] = {1.0};
-    temperature_terms<double> t;
-    if (given_t) at_temperature(f, fixed, t);
-    auto side = [&](double xv) { // > 0: the vapour is the stable root
-        if (!given_t) at_temperature(f, xv, t);
-        const double P = given_t ? std::exp(xv) : fixed;
-        eval_phase(f, t, P, one, root_choice::liquid, L);
-        eval_phase(f, t, P, one, root_choice::vapour, V);
-        if (L.nroots < 2) return L.v > f.vcrit ? 1.0 : -1.0;
-        return L.lnphi[0] - V.lnphi[0];
-    };
-    // higher T or lower P favours the vapour
-    double slo = side(lo);
-    if (given_t) slo = -slo;
-    for (int it = 0; it < 200 && hi - lo > 1e-15 * std::abs(hi); ++it) {
-        const double mid = 0.5 * (lo + hi);
-        double sm = side(mid);
-        if (given_t) sm = -sm;
-        if ((sm > 0.0) == (slo > 0.0))
-            lo = mid, slo = sm;
-        else
-            hi = mid;
-    }
-    x = 0.5 * (lo + hi);
-    side(x);
-    return L.nroots == 2 ? 0 : 106;
-}
-
-// the two roots at (T, P) have equal fugacities
-bool pure_coexist(const fluid& f, double T, double P, phase& L, phase& V) {
-    const double one[1] = {1.0};
-    temperature_terms<double> t;
-    at_temperature(f, T, t);
-    eval_phase(f, t, P, one, root_choice::liquid, L);
-    eval_phase(f, t, P, one, root_choice::vapour, V);
-    return L.nroots == 2 && std::abs(L.lnphi[0] - V.lnphi[0]) <= 1e-12;
-}
-} // namespace
-
-int pure_saturation_t(const fluid& f, double P, double& T, phase& L, phase& V) {
-    const int e = pure_saturation_temperature(f, P, T, L, V);
-    if (e == 0 && pure_coexist(f, T, P, L, V)) return 0;
-    if (e != 106 && e != 0) return e;
-    const component& c = f.comp[0];
-    return pure_sat_bisect(f, false, P, 0.3 * c.tc, c.tc, T, L, V);
-}
-
-int pure_saturation_p(const fluid& f, double T, double& P, phase& L, phase& V) {
-    const int e = pure_saturation_pressure(f, T, P, L, V);
-    if (e == 0 && pure_coexist(f, T, P, L, V)) return 0;
-    if (e != 106 && e != 0) return e;
-    const component& c = f.comp[0];
-    double x;
-    const int eb = pure_sat_bisect(f, true, T, std::log(1e-10 * c.pc), std::log(c.pc), x, L, V);
-    P = std::exp(x);
-    return eb;
-}
-
-namespace {
-
 // residuals small enough to end a search in temperature: an energy within 2.5e-10 J/mol, a
 // volume within 1e-14 (the temperature then within about 1e-12 of its own value); entropy
 // residuals end by the step size alone
@@ -416,7 +350,7 @@ int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, doub
     if (f.n == 1 && P < f.comp[0].pc) {
         double Ts;
         phase l, v;
-        const int es = pure_saturation_t(f, P, Ts, l, v);
+        const int es = pure_saturation_temperature(f, P, Ts, l, v);
         // within a per mille of the critical pressure the saturation may not converge; the
         // liquid and vapour there differ by less than the iteration can resolve, and the stable
         // root is searched alone
@@ -483,7 +417,7 @@ int flash_t(const fluid& f, double T, given sp, double value, eq_state& st, doub
     phase l, v;
     int es = 1;
     if (f.n == 1 && T < f.comp[0].tc) {
-        es = pure_saturation_p(f, T, Ps, l, v);
+        es = pure_saturation_pressure(f, T, Ps, l, v);
         // within a per mille of the critical temperature the stable root is searched alone
         if (es != 0 && T < 0.999 * f.comp[0].tc) return es;
     }

@@ -45,11 +45,6 @@ int state_tp(const fluid& f, double T, double P, eq_state& st, const eq_state* w
 void pure_two_phase_state(const fluid& f, double T, double P, const phase& l, const phase& v,
                           double q, eq_state& st);
 
-// Pure-fluid saturation temperature at P and pressure at T, as in saturation.hpp, finished by
-// bisection where the Newton iteration does not converge close to the critical point.
-int pure_saturation_t(const fluid& f, double P, double& T, phase& liq, phase& vap);
-int pure_saturation_p(const fluid& f, double T, double& P, phase& liq, phase& vap);
-
 // Results besides 0: out_below (the value lies below the range of the search: below its value
 // at the lowest temperature, or at the lowest pressure for the decreasing specs), out_above, or
 // a convergence code.

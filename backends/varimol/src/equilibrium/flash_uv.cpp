@@ -102,7 +102,7 @@ int q_line_state(const fluid& f, double T, double q, eq_state& st) {
     if (f.n == 1) {
         double P;
         phase l, v;
-        if (int e = pure_saturation_p(f, T, P, l, v)) return e;
+        if (int e = pure_saturation_pressure(f, T, P, l, v)) return e;
         pure_two_phase_state(f, T, P, l, v, q, st);
         return 0;
     }
@@ -124,7 +124,7 @@ int state_tv(const fluid& f, double T, double v, eq_state& st, double p_guess, c
     if (f.n == 1 && T < f.comp[0].tc) {
         double Ps;
         phase l, g;
-        const int es = pure_saturation_p(f, T, Ps, l, g);
+        const int es = pure_saturation_pressure(f, T, Ps, l, g);
         if (es != 0 && T < 0.999 * f.comp[0].tc) return es;
         if (es == 0 && v >= l.v && v <= g.v) {
             pure_two_phase_state(f, T, Ps, l, g, (v - l.v) / (g.v - l.v), st);

@@ -4,102 +4,141 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace varimol {
 
 namespace {
-// Lee-Kesler-like start: ln(P/Pc) = 5.373 (1 + w)(1 - Tc/T), Wilson's form for one component
+// Wilson's form of the vapour pressure, ln(P/Pc) = 5.373 (1 + w)(1 - Tc/T)
 double wilson_psat(const component& c, double T) {
     return c.pc * std::exp(5.373 * (1.0 + c.acentric) * (1.0 - c.tc / T));
+}
+
+// d ln P/d ln T of the saturation curve at the critical point: the slope of the critical
+// isochore, (Tc/Pc)(dP/dT)_v. Close to Tc, ln(Psat/Pc) = m (T/Tc - 1) up to terms of second
+// order in (1 - T/Tc), while the window of pressures where the cubic has both roots narrows as
+// (1 - T/Tc)^(3/2): the expansion puts the iteration inside the window there, where Wilson's
+// form misses it.
+double critical_slope(const fluid& f) {
+    const component& c = f.comp[0];
+    const double x[1] = {1.0};
+    state_props sp;
+    homogeneous(f, c.tc, f.vcrit, x, sp);
+    const double m = sp.dpdt * c.tc / c.pc;
+    return std::isfinite(m) && m > 1.0 ? m : 5.373 * (1.0 + c.acentric) * 2.302585092994046;
+}
+
+// relative size of the rounding of ln phi_L - ln phi_V: below it the equal-fugacity condition
+// cannot tell pressures (or temperatures) apart
+double lnphi_noise(const phase& L, const phase& V) {
+    return 4e-16 * (1.0 + std::abs(L.lnphi[0]) + std::abs(V.lnphi[0]));
+}
+
+// Where the cubic has one root only, the state lies outside the pressures (or temperatures) of
+// coexistence; a root smaller than the critical volume is the liquid above the upper spinodal
+// pressure, a larger one the vapour below the lower spinodal pressure (the spinodal volumes
+// enclose the critical volume below Tc).
+bool single_root_is_liquid(const fluid& f, const phase& ph) {
+    return ph.v < f.vcrit;
 }
 } // namespace
 
 int pure_saturation_pressure(const fluid& f, double T, double& P, phase& L, phase& V) {
     const component& c = f.comp[0];
-    if (!(T < c.tc)) return 102;
+    if (!(T < c.tc)) return 102; // also NaN
+    if (!(T > 0.0)) return 103;
     temperature_terms<double> t;
     at_temperature(f, T, t);
     const double x[1] = {1.0};
-    double p = std::min(wilson_psat(c, T), 0.999 * c.pc);
-    double lo = 0.0, hi = c.pc * 1.0000001; // bracket of the equal-fugacity pressure
-    for (int it = 0; it < 200; ++it) {
+    const double tr = T / c.tc;
+    // unknown y = ln P, bracketed by [lo, hi]; the saturation pressure lies below Pc
+    const double inf = std::numeric_limits<double>::infinity();
+    double lo = -inf, hi = std::log(c.pc);
+    double y = tr > 0.97 ? hi + critical_slope(f) * (tr - 1.0) : std::log(wilson_psat(c, T));
+    if (!(y < hi)) y = hi + 2.0 * (tr - 1.0); // also a start that is not finite
+    for (int it = 0; it < 300; ++it) {
+        const double p = std::exp(y);
         eval_phase(f, t, p, x, root_choice::liquid, L);
         eval_phase(f, t, p, x, root_choice::vapour, V);
-        if (L.nroots < 2) {
-            // one root only: above the liquid spinodal (vapour-like root) or below the vapour
-            // spinodal (liquid-like root), judged by the root's volume against the critical one
-            if (L.v > f.vcrit) hi = p; else lo = p;
-            p = lo > 0.0 ? 0.5 * (lo + hi) : 0.5 * p;
-            continue;
+        double yn = std::numeric_limits<double>::quiet_NaN();
+        if (L.nroots == 2) {
+            // g > 0: the liquid root is the less stable one, the pressure lies below Psat;
+            // d g/d ln P = Z_L - Z_V < 0
+            const double g = L.lnphi[0] - V.lnphi[0];
+            if (std::abs(g) <= lnphi_noise(L, V)) {
+                P = p;
+                return 0;
+            }
+            (g > 0.0 ? lo : hi) = y;
+            const double step = g / (L.Z - V.Z);
+            yn = y - step;
+            if (std::abs(step) <= 1e-15 * std::max(1.0, std::abs(y))) {
+                P = p;
+                return 0;
+            }
+        } else {
+            (single_root_is_liquid(f, L) ? hi : lo) = y;
         }
-        const double g = L.lnphi[0] - V.lnphi[0]; // > 0: the liquid is the less stable root
-        // equal fugacity to the rounding of ln phi
-        if (std::abs(g) <= 4e-16 * (1.0 + std::abs(L.lnphi[0]))) {
-            P = p;
+        if (!(yn > lo && yn < hi)) yn = std::isfinite(lo) ? 0.5 * (lo + hi) : std::min(y, hi) - 1.0;
+        // a bracket closed to rounding without a pressure of two distinct roots: so close to
+        // the critical point that the two phases are one within the precision of the model
+        if (hi - lo <= 4e-16 * std::max(1.0, std::abs(hi))) {
+            P = std::exp(0.5 * (lo + hi));
+            eval_phase(f, t, P, x, root_choice::liquid, L);
+            eval_phase(f, t, P, x, root_choice::vapour, V);
             return 0;
         }
-        if (g > 0.0) lo = p; else hi = p;
-        const double dg = (L.Z - V.Z) / p;
-        double pn = p - g / dg;
-        // a step of rounding size is kept even if it crosses the bracket's end
-        if (std::abs(pn - p) > 1e-15 * p && !(pn > lo && pn < hi))
-            pn = lo > 0.0 ? 0.5 * (lo + hi) : 0.5 * (p + std::min(p, hi));
-        const double dp = std::abs(pn - p);
-        p = pn;
-        if (dp <= 1e-15 * p) {
-            eval_phase(f, t, p, x, root_choice::liquid, L);
-            eval_phase(f, t, p, x, root_choice::vapour, V);
-            if (L.nroots < 2) return 106;
-            P = p;
-            return 0;
-        }
+        y = yn;
     }
     return 106;
 }
 
 int pure_saturation_temperature(const fluid& f, double P, double& T, phase& L, phase& V) {
     const component& c = f.comp[0];
-    if (!(P < c.pc)) return 143;
-    // Wilson's start inverted
-    double t = c.tc / (1.0 - std::log(P / c.pc) / (5.373 * (1.0 + c.acentric)));
-    t = std::min(t, 0.9999 * c.tc);
-    double lo = 0.0, hi = c.tc;
+    if (!(P < c.pc)) return 143; // also NaN
+    if (!(P > 0.0)) return 144;
     const double x[1] = {1.0};
-    for (int it = 0; it < 200; ++it) {
-        double p;
-        phase l, v;
-        if (int e = pure_saturation_pressure(f, t, p, l, v); e != 0) {
-            hi = t;
-            t = 0.5 * (std::max(lo, 0.5 * t) + hi);
-            continue;
-        }
-        // d ln psat / dT from Clausius-Clapeyron with the residual enthalpies of ln phi:
-        // d(ln phi_L - ln phi_V)/dT at P, divided by (Z_L - Z_V)/P
+    // T bracketed by [lo, hi]; the saturation temperature lies below Tc
+    double lo = 0.0, hi = c.tc;
+    const double lpr = std::log(P / c.pc);
+    double tk = P > 0.9 * c.pc ? c.tc * (1.0 + lpr / critical_slope(f))
+                               : c.tc / (1.0 - lpr / (5.373 * (1.0 + c.acentric)));
+    if (!(tk > lo && tk < hi)) tk = 0.5 * (lo + hi);
+    for (int it = 0; it < 300; ++it) {
         temperature_terms<taylor<1>> tt;
-        at_temperature(f, taylor<1>::variable(t), tt);
+        at_temperature(f, taylor<1>::variable(tk), tt);
         vec dtl{}, dtv{};
-        eval_phase_t(f, tt, p, x, root_choice::liquid, l, nullptr, nullptr, &dtl);
-        eval_phase_t(f, tt, p, x, root_choice::vapour, v, nullptr, nullptr, &dtv);
-        const double dlnp_dt = -(dtl[0] - dtv[0]) / (l.Z - v.Z);
-        const double r = std::log(P / p);
-        if (std::abs(r) <= 1e-15) {
-            L = l;
-            V = v;
-            T = t;
+        eval_phase_t(f, tt, P, x, root_choice::liquid, L, nullptr, nullptr, &dtl);
+        eval_phase_t(f, tt, P, x, root_choice::vapour, V, nullptr, nullptr, &dtv);
+        double tn = std::numeric_limits<double>::quiet_NaN();
+        if (L.nroots == 2) {
+            // g < 0 below the saturation temperature (the liquid is stable); g grows with T as
+            // the difference of the residual enthalpies, d g/dT = d ln phi_L/dT - d ln phi_V/dT
+            const double g = L.lnphi[0] - V.lnphi[0];
+            if (std::abs(g) <= lnphi_noise(L, V)) {
+                T = tk;
+                return 0;
+            }
+            (g < 0.0 ? lo : hi) = tk;
+            const double step = g / (dtl[0] - dtv[0]);
+            tn = tk - step;
+            if (std::abs(step) <= 1e-15 * tk) {
+                T = tk;
+                return 0;
+            }
+        } else {
+            (single_root_is_liquid(f, L) ? lo : hi) = tk;
+        }
+        if (!(tn > lo && tn < hi)) tn = 0.5 * (lo + hi);
+        if (hi - lo <= 4e-16 * hi) { // the two phases are one within the model's precision
+            T = 0.5 * (lo + hi);
+            temperature_terms<double> t;
+            at_temperature(f, T, t);
+            eval_phase(f, t, P, x, root_choice::liquid, L);
+            eval_phase(f, t, P, x, root_choice::vapour, V);
             return 0;
         }
-        if (p > P) hi = t; else lo = t;
-        double tn = t + r / dlnp_dt;
-        if (std::abs(tn - t) > 1e-14 * t && !(tn > lo && tn < hi))
-            tn = 0.5 * (std::max(lo, 0.5 * t) + hi);
-        const double dt = std::abs(tn - t);
-        t = tn;
-        if (dt <= 1e-14 * t) {
-            double pf;
-            if (pure_saturation_pressure(f, t, pf, L, V)) return 106;
-            T = t;
-            return 0;
-        }
+        tk = tn;
     }
     return 106;
 }

@@ -6,11 +6,14 @@
 
 namespace varimol {
 
-// Pure fluid (f.n == 1): the saturation pressure at T (K) by equal fugacity of the two roots,
-// Newton steps in P (d ln(phi_L/phi_V)/dP = (Z_L - Z_V)/P) kept inside the pressures where the
-// cubic has both roots. Returns 0, 102 (T >= Tc), 106 (no convergence).
+// Pure fluid (f.n == 1): the saturation pressure at T (K) by equal fugacity of the two roots of
+// the cubic, Newton steps in ln P (d(ln phi_L - ln phi_V)/d ln P = Z_L - Z_V) inside a bracket
+// narrowed by every evaluation; close to Tc the start comes from the slope of the critical
+// isochore, so that the iteration is exact up to the critical point. Returns 0, 102 (T >= Tc),
+// 103 (T <= 0), 106 (no convergence).
 int pure_saturation_pressure(const fluid& f, double T, double& P, phase& liq, phase& vap);
-// Pure fluid: the saturation temperature at P (Pa). Returns 0, 143 (P >= Pc), 106.
+// Pure fluid: the saturation temperature at P (Pa), Newton steps in T with
+// d(ln phi_L - ln phi_V)/dT in the same way. Returns 0, 143 (P >= Pc), 144 (P <= 0), 106.
 int pure_saturation_temperature(const fluid& f, double P, double& T, phase& liq, phase& vap);
 
 // Mixture point of vapour fraction q in [0, 1] with the overall composition z on the tie line:
