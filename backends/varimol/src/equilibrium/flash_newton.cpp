@@ -120,19 +120,19 @@ int two_phase_newton(const fluid& f, const two_phase_target& target, const eq_st
     vec nv{}, nl{};
     for (int i = 0; i < n; ++i) {
         nv[i] = start.fr.beta * start.fr.y[i];
-        nl[i] = f.z[i] - nv[i];
+        nl[i] = (1.0 - start.fr.beta) * start.fr.x[i];
         if (!(nv[i] > 0.0 && nl[i] > 0.0)) return 1;
     }
     phase_terms pl, pv;
     vec x{}, y{}, g{};
     bool converged = false;
     double last_size = 1.0; // of the last step, scaled
+    int blocked = 0;        // successive steps cut to a quarter by the positivity of the amounts
     for (int it = 0; it < max_iterations && !converged; ++it) {
         const double T = std::exp(lnt), P = std::exp(lnp);
         if (!(T >= f.tmin && T <= f.tmax && P >= pmin && P <= f.pmax)) return 1;
-        double V = 0.0;
-        for (int i = 0; i < n; ++i) V += nv[i];
-        const double L = 1.0 - V;
+        double V = 0.0, L = 0.0;
+        for (int i = 0; i < n; ++i) V += nv[i], L += nl[i];
         if (!(V > 0.0 && L > 0.0)) return 1;
         for (int i = 0; i < n; ++i) x[i] = nl[i] / L, y[i] = nv[i] / V;
         temperature_terms<taylor<1>> t;
@@ -178,6 +178,10 @@ int two_phase_newton(const fluid& f, const two_phase_target& target, const eq_st
             if (nl[i] - b[i] <= 0.0) scale = std::min(scale, 0.8 * nl[i] / b[i]);
             size = std::max(size, std::abs(b[i]) / std::min(nv[i], nl[i]));
         }
+        // steps cut short by a vanishing phase again and again: the given state lies outside
+        // the two-phase region, and the phase fraction only creeps towards zero
+        blocked = scale < 0.25 ? blocked + 1 : 0;
+        if (blocked == 3) return 1;
         if (target.free_t) {
             if (!std::isfinite(b[it_col])) return 1;
             scale = std::min(scale, 0.1 / std::max(std::abs(b[it_col]), 1e-300));
@@ -188,9 +192,17 @@ int two_phase_newton(const fluid& f, const two_phase_target& target, const eq_st
             scale = std::min(scale, 0.5 / std::max(std::abs(b[ip_col]), 1e-300));
             size = std::max(size, std::abs(b[ip_col]));
         }
+        // the smaller phase's amounts are the ones updated: the other's follow by difference,
+        // which keeps a phase of a fraction 1e-7 to full relative precision
+        const bool vapour_smaller = V < L;
         for (int i = 0; i < n; ++i) {
-            nv[i] += scale * b[i];
-            nl[i] = f.z[i] - nv[i];
+            if (vapour_smaller) {
+                nv[i] += scale * b[i];
+                nl[i] = f.z[i] - nv[i];
+            } else {
+                nl[i] -= scale * b[i];
+                nv[i] = f.z[i] - nl[i];
+            }
         }
         if (target.free_t) lnt += scale * b[it_col];
         if (target.free_p) lnp += scale * b[ip_col];
@@ -205,13 +217,12 @@ int two_phase_newton(const fluid& f, const two_phase_target& target, const eq_st
     // energy of the feed (which proves the homogeneous feed unstable at this T and P)
     const double T = std::exp(lnt), P = std::exp(lnp);
     if (!(T >= f.tmin && T <= f.tmax && P >= pmin && P <= f.pmax)) return 1;
-    double V = 0.0;
-    for (int i = 0; i < n; ++i) V += nv[i];
-    const double L = 1.0 - V;
+    double V = 0.0, L = 0.0;
+    for (int i = 0; i < n; ++i) V += nv[i], L += nl[i];
     if (!(V > 0.0 && L > 0.0)) return 1;
     flash_result fr;
     fr.nphase = 2;
-    fr.beta = V;
+    fr.beta = V / (V + L);
     double spread = 0.0;
     for (int i = 0; i < n; ++i) {
         fr.x[i] = nl[i] / L, fr.y[i] = nv[i] / V;

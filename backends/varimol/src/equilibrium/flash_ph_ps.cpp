@@ -13,32 +13,35 @@ namespace {
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double search_pmin = 1.0e-6, search_pmax = 1.0e10; // Pa
 
+// Wilson's bubble-point (bubble) or dew-point temperature of the feed at P, by Newton's method
+// in T on sum z K - 1 = 0 or sum z / K - 1 = 0 (the last iterate where it does not settle)
+double wilson_saturation_t(const fluid& f, double P, bool bubble) {
+    double T = 0.0;
+    for (int i = 0; i < f.n; ++i) T += f.z[i] * f.comp[i].tc;
+    T *= 0.7;
+    for (int it = 0; it < 50; ++it) {
+        double g = 0.0, dg = 0.0;
+        for (int i = 0; i < f.n; ++i) {
+            const component& c = f.comp[i];
+            const double a = 5.373 * (1.0 + c.acentric);
+            const double lk = std::log(c.pc / P) + a * (1.0 - c.tc / T);
+            const double dlk = a * c.tc / (T * T);
+            const double k = std::exp(bubble ? lk : -lk);
+            g += f.z[i] * k;
+            dg += f.z[i] * k * (bubble ? dlk : -dlk);
+        }
+        const double step = std::clamp(-(g - 1.0) / dg, -0.3 * T, 0.3 * T);
+        if (!std::isfinite(step)) break;
+        T += step;
+        if (std::abs(step) < 1e-6 * T) break;
+    }
+    return T;
+}
+
 // Wilson's bubble-point and dew-point temperatures at P, averaged: where the two-phase region of
 // the feed is expected, the start of a search in temperature
 double wilson_temperature(const fluid& f, double P) {
-    auto solve = [&](bool bubble) {
-        double T = 0.0;
-        for (int i = 0; i < f.n; ++i) T += f.z[i] * f.comp[i].tc;
-        T *= 0.7;
-        for (int it = 0; it < 50; ++it) {
-            double g = 0.0, dg = 0.0; // bubble: sum z K - 1; dew: sum z / K - 1, by T
-            for (int i = 0; i < f.n; ++i) {
-                const component& c = f.comp[i];
-                const double a = 5.373 * (1.0 + c.acentric);
-                const double lk = std::log(c.pc / P) + a * (1.0 - c.tc / T);
-                const double dlk = a * c.tc / (T * T);
-                const double k = std::exp(bubble ? lk : -lk);
-                g += f.z[i] * k;
-                dg += f.z[i] * k * (bubble ? dlk : -dlk);
-            }
-            const double step = std::clamp(-(g - 1.0) / dg, -0.3 * T, 0.3 * T);
-            if (!std::isfinite(step)) break;
-            T += step;
-            if (std::abs(step) < 1e-6 * T) break;
-        }
-        return T;
-    };
-    const double T = 0.5 * (solve(true) + solve(false));
+    const double T = 0.5 * (wilson_saturation_t(f, P, true) + wilson_saturation_t(f, P, false));
     return std::isfinite(T) ? std::clamp(T, f.tmin, f.tmax) : std::clamp(f.tcrit, f.tmin, f.tmax);
 }
 
@@ -128,9 +131,10 @@ void state_from_flash(const fluid& f, double T, double P, const flash_result& fr
         st.q = phase_quality(f, fr.liq);
         return;
     }
+    // the overall v, u, h and s only: the phases' caloric properties suffice
     state_props sl, sv;
-    homogeneous(f, T, fr.liq.v, fr.x.data(), sl);
-    homogeneous(f, T, fr.vap.v, fr.y.data(), sv);
+    caloric(f, T, fr.liq.v, fr.x.data(), sl);
+    caloric(f, T, fr.vap.v, fr.y.data(), sv);
     const double b = fr.beta;
     st.v = (1.0 - b) * sl.v + b * sv.v;
     st.u = (1.0 - b) * sl.u + b * sv.u;
@@ -286,13 +290,18 @@ int homogeneous_first(const fluid& f, double P, given sp, double value, double t
     // stops as soon as it has found the jump (the feed there is not stable)
     constexpr int jump_found = 9001;
     double t_neg = nan, t_pos = nan;
-    bool small_neg = false, small_pos = false;
+    bool small_neg = false, small_pos = false, first = true;
     auto g = [&](double T, double& r) {
         temperature_terms<double> t;
         at_temperature(f, T, t);
         phase ph;
         if (int e = eval_phase(f, t, P, f.z.data(), root_choice::stable, ph)) return e;
-        homogeneous(f, T, ph.v, f.z.data(), props);
+        // the caloric properties alone; the slope for the first step comes from the full set
+        if (first)
+            homogeneous(f, T, ph.v, f.z.data(), props);
+        else
+            caloric(f, T, ph.v, f.z.data(), props);
+        first = false;
         r = sp == given::v ? std::log(props.v / value)
                            : ((sp == given::u   ? props.u
                                : sp == given::h ? props.h
@@ -343,6 +352,56 @@ int homogeneous_first(const fluid& f, double P, given sp, double value, double t
     return std::abs(residual(st, sp, value)) <= 1e-10 ? 0 : start_found;
 }
 
+// The given property of the feed on the chosen root at (T, P), without a stability test; false
+// where the model has no such phase
+bool feed_value(const fluid& f, double T, double P, root_choice r, given sp, double& out) {
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    phase ph;
+    if (eval_phase(f, t, P, f.z.data(), r, ph)) return false;
+    state_props c;
+    caloric(f, T, ph.v, f.z.data(), c);
+    out = sp == given::v ? c.v : sp == given::u ? c.u : sp == given::h ? c.h : c.s;
+    return std::isfinite(out);
+}
+
+// The two-phase state at P by the simultaneous Newton iteration, started from a balance of the
+// given property: Wilson's bubble and dew temperatures at P bound the two-phase region of the
+// feed, the liquid feed at the one and the vapour feed at the other carry the property at the
+// ends of that range, and the temperature where the linear balance between them reaches the
+// value starts the iteration with Wilson's split there. Returns 0 with the state in st, or 1;
+// t_hint is then the better start of the homogeneous search (the bubble temperature below the
+// range, the dew temperature above it).
+int balance_newton(const fluid& f, double P, given sp, double value, eq_state& st, double& t_hint) {
+    if (!std::isfinite(value)) return 1;
+    const double tb = wilson_saturation_t(f, P, true), td = wilson_saturation_t(f, P, false);
+    if (!(tb >= f.tmin && td <= f.tmax && tb < td)) return 1;
+    double al, av;
+    if (!feed_value(f, tb, P, root_choice::liquid, sp, al) ||
+        !feed_value(f, td, P, root_choice::vapour, sp, av) || !(al < av))
+        return 1;
+    if (value <= al || value >= av) {
+        t_hint = value <= al ? tb : td;
+        return 1;
+    }
+    const double T = tb + (value - al) / (av - al) * (td - tb);
+    t_hint = T;
+    vec lnk{}, K{};
+    wilson_k(f, T, P, lnk.data());
+    for (int i = 0; i < f.n; ++i) K[i] = std::exp(lnk[i]);
+    eq_state start;
+    start.T = T;
+    start.P = P;
+    start.fr.nphase = 2;
+    if (rachford_rice(f.n, f.z.data(), K.data(), start.fr.beta, start.fr.x.data(),
+                      start.fr.y.data()) != 0)
+        return 1;
+    two_phase_target target;
+    target.first = sp;
+    target.first_value = value;
+    return two_phase_newton(f, target, start, st);
+}
+
 } // namespace
 
 int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, double t_guess,
@@ -351,9 +410,9 @@ int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, doub
         double Ts;
         phase l, v;
         const int es = pure_saturation_temperature(f, P, Ts, l, v);
-        // within a per mille of the critical pressure the saturation may not converge; the
-        // liquid and vapour there differ by less than the iteration can resolve, and the stable
-        // root is searched alone
+        // a failed saturation is an error only away from the critical point: within a per mille
+        // of it the two phases differ by less than rounding, and the stable root is searched
+        // alone
         if (es != 0 && P < 0.999 * f.comp[0].pc) return es;
         if (es == 0 && Ts > f.tmin && Ts < f.tmax) {
             eq_state sl, sv;
@@ -381,6 +440,11 @@ int flash_p(const fluid& f, double P, given sp, double value, eq_state& st, doub
     double t0 = t_guess > 0.0 ? t_guess : wilson_temperature(f, P);
     t0 = std::clamp(t0, f.tmin, f.tmax);
     if (f.n > 1) {
+        // a two-phase state straight from the balance of the given property; otherwise its
+        // bounds tell the side where the homogeneous search starts
+        double t_hint = t0;
+        if (balance_newton(f, P, sp, value, st, t_hint) == 0) return 0;
+        if (!(t_guess > 0.0)) t0 = std::clamp(t_hint, f.tmin, f.tmax);
         // the homogeneous state of the stable root first (no stability test, a fraction of the
         // cost of a flash): where the flash confirms it, it is the answer; otherwise the
         // two-phase search starts from it
@@ -418,7 +482,7 @@ int flash_t(const fluid& f, double T, given sp, double value, eq_state& st, doub
     int es = 1;
     if (f.n == 1 && T < f.comp[0].tc) {
         es = pure_saturation_pressure(f, T, Ps, l, v);
-        // within a per mille of the critical temperature the stable root is searched alone
+        // a failed saturation is an error only away from the critical point (as in flash_p)
         if (es != 0 && T < 0.999 * f.comp[0].tc) return es;
     }
     if (es == 0) {

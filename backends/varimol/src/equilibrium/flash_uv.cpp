@@ -34,6 +34,11 @@ void homogeneous_state(const fluid& f, const state_props& sp, const phase& ph, e
     st.q = phase_quality(f, ph);
 }
 
+// the given property of a homogeneous phase
+double given_value_of(const state_props& sp, given s) {
+    return s == given::v ? sp.v : s == given::u ? sp.u : s == given::h ? sp.h : sp.s;
+}
+
 // slope of the given property by T at constant v of a homogeneous state, scaled like the residual
 double slope_tv(const state_props& sp, given s) {
     switch (s) {
@@ -95,6 +100,90 @@ int newton_from_wilson(const fluid& f, double T, double v, given sp, double valu
         return 0;
     if (flash_tp(f, T, p0, f.z.data(), fr) != 0) return 1;
     return newton_from(f, T, p0, fr, v, sp, value, st);
+}
+
+// The two-phase state at v by the simultaneous Newton iteration, started from a balance in
+// temperature: at each T the feed is taken as liquid at Wilson's bubble pressure and as vapour at
+// Wilson's dew pressure (both explicit in T), the given volume fixes the lever between the two
+// (the vapour's volume carried to the pressure of the lever), and the given property of that
+// lever mixture is matched by a coarse secant search in T from t0. The iteration starts there,
+// from Wilson's split at the pressure of the lever. 0 with the state in st, or 1 (the balance
+// places v outside the two phases, or no convergence).
+int balance_newton_v(const fluid& f, double v, given sp, double value, double t0, eq_state& st) {
+    if (!std::isfinite(value) || !(v > 0.0)) return 1;
+    const double scale = 1.0 / (gas_constant * 298.15);
+    double beta = 0.0, pb = 0.0, pd = 0.0;
+    // the balance at T: 0 with the scaled residual r, 1 where a Wilson phase is missing
+    auto g = [&](double T, double& r) {
+        vec lnk1{};
+        wilson_k(f, T, 1.0, lnk1.data());
+        double kz = 0.0, zk = 0.0;
+        for (int i = 0; i < f.n; ++i) {
+            kz += f.z[i] * std::exp(lnk1[i]);
+            zk += f.z[i] * std::exp(-lnk1[i]);
+        }
+        pb = kz;
+        pd = 1.0 / zk;
+        if (!(pb > pd && pd >= pmin && pb <= f.pmax)) return 1;
+        temperature_terms<double> t;
+        at_temperature(f, T, t);
+        phase liq, vap;
+        if (eval_phase(f, t, pb, f.z.data(), root_choice::liquid, liq) ||
+            eval_phase(f, t, pd, f.z.data(), root_choice::vapour, vap) || !(vap.v > liq.v))
+            return 1;
+        state_props cl, cg;
+        caloric(f, T, liq.v, f.z.data(), cl);
+        caloric(f, T, vap.v, f.z.data(), cg);
+        // the vapour of the split lies at a pressure between the two, interpolated in ln P by
+        // the lever, P = pb (pd/pb)^beta; its volume scales about as 1/P from the dew pressure's
+        const double lr = std::log(pb / pd);
+        beta = (v - liq.v) / (vap.v - liq.v);
+        for (int it = 0; it < 6; ++it) {
+            const double vv = vap.v * std::exp(-(1.0 - beta) * lr);
+            const double res = (1.0 - beta) * liq.v + beta * vv - v;
+            const double d = vv - liq.v + beta * vv * lr;
+            if (!(d > 0.0)) break;
+            beta = std::clamp(beta - res / d, -0.5, 1.5);
+        }
+        const double al = given_value_of(cl, sp), ag = given_value_of(cg, sp);
+        r = (al + beta * (ag - al) - value) * scale;
+        return std::isfinite(r) ? 0 : 1;
+    };
+    // secant steps on the smooth balance, from a first step of 5 % towards the value; a start
+    // needs the temperature to a few tenths of a kelvin only
+    double ta = std::clamp(t0, f.tmin, f.tmax), ra;
+    // above the range where the feed has both Wilson phases (near and above its critical
+    // temperature): lower
+    for (int k = 0; g(ta, ra) != 0; ++k) {
+        if (k == 4 || ta * 0.9 < f.tmin) return 1;
+        ta *= 0.9;
+    }
+    double T = std::clamp(ta * (ra > 0.0 ? 0.95 : 1.05), f.tmin, f.tmax), r = ra;
+    bool done = std::abs(ra) <= 1e-2;
+    if (done) T = ta;
+    for (int it = 0; it < 12 && !done; ++it) {
+        if (g(T, r) != 0) {
+            T = 0.5 * (T + ta); // outside the range where both Wilson phases exist
+            continue;
+        }
+        const double slope = (r - ra) / (T - ta);
+        // where the balance does not grow with T (close to the top of the feed's two-phase
+        // range) a fixed step towards the value
+        const double next = std::clamp(slope > 0.0 ? T - r / slope : T * (r > 0.0 ? 0.85 : 1.15),
+                                       std::max(f.tmin, 0.7 * T), std::min(f.tmax, 1.3 * T));
+        done = std::abs(r) <= 1e-2 || std::abs(next - T) <= 1e-3 * T;
+        ta = T, ra = r;
+        if (!done) T = next;
+    }
+    if (!done || !(beta > 0.0 && beta < 1.0)) return 1;
+    const double P = std::exp(std::log(pb) + beta * (std::log(pd) - std::log(pb)));
+    vec lnk{}, K{};
+    wilson_k(f, T, P, lnk.data());
+    for (int i = 0; i < f.n; ++i) K[i] = std::exp(lnk[i]);
+    flash_result fr;
+    fr.nphase = 2;
+    if (rachford_rice(f.n, f.z.data(), K.data(), fr.beta, fr.x.data(), fr.y.data()) != 0) return 1;
+    return newton_from(f, T, P, fr, v, sp, value, st);
 }
 
 // state on the line of vapour fraction q at temperature T
@@ -170,8 +259,14 @@ int flash_v(const fluid& f, double v, given sp, double value, eq_state& st) {
         // confirms it as the stable state it is the answer, otherwise the nested search starts
         // there
         state_props props{};
+        bool first = true;
         auto gh = [&](double T, double& r) {
-            homogeneous(f, T, v, f.z.data(), props);
+            // the full set once, for the slope of the first step; the caloric part after that
+            if (first)
+                homogeneous(f, T, v, f.z.data(), props);
+            else
+                caloric(f, T, v, f.z.data(), props);
+            first = false;
             r = ((sp == given::u ? props.u : sp == given::h ? props.h : props.s) - value) * scale;
             return std::isfinite(r) ? 0 : 106;
         };
@@ -190,17 +285,24 @@ int flash_v(const fluid& f, double v, given sp, double value, eq_state& st) {
                 es = 1;
                 homogeneous(f, th, v, f.z.data(), props);
                 flash_result fr;
+                bool flashed = false;
                 if (props.P > 0.0 && props.P <= f.pmax && props.dpdv < 0.0 &&
                     flash_tp(f, th, props.P, f.z.data(), fr) == 0) {
+                    flashed = true;
                     if (fr.nphase == 1 && std::abs(fr.liq.v - v) <= 1e-9 * v) {
                         homogeneous_state(f, props, fr.liq, cur);
                         es = 0;
-                    } else if (newton_from(f, th, props.P, fr, v, sp, value, st) == 0) {
-                        return 0;
                     }
                 }
-                if (es != 0 && newton_from_wilson(f, th, v, sp, value, st) == 0) return 0;
-                if (es != 0) es = state_tv(f, th, v, cur);
+                // not the homogeneous state: two phases, from the balance start, else from the
+                // flash's split or from Wilson's split at th
+                if (es != 0) {
+                    if (balance_newton_v(f, v, sp, value, th, st) == 0 ||
+                        (flashed && newton_from(f, th, props.P, fr, v, sp, value, st) == 0) ||
+                        newton_from_wilson(f, th, v, sp, value, st) == 0)
+                        return 0;
+                    es = state_tv(f, th, v, cur);
+                }
             }
             if (es == 0) {
                 if (cur.fr.nphase == 1 &&
@@ -213,7 +315,11 @@ int flash_v(const fluid& f, double v, given sp, double value, eq_state& st) {
             }
         }
     }
-    if (f.n > 1 && p_last == 0.0 && newton_from_wilson(f, t0, v, sp, value, st) == 0) return 0;
+    // no homogeneous state to start from: the balance start, then Wilson's split at t0
+    if (f.n > 1 && p_last == 0.0 &&
+        (balance_newton_v(f, v, sp, value, t0, st) == 0 ||
+         newton_from_wilson(f, t0, v, sp, value, st) == 0))
+        return 0;
     root_search rs{t0, 0.05 * t0, f.tmin, f.tmax, 1e-13 * t0, true};
     rs.rtol = sp == given::s ? 0.0 : 1e-13; // an energy within 2.5e-10 J/mol
     double r0;
