@@ -1,5 +1,6 @@
 // Speed of the property interface for IF97 water against the back-end calls it makes, over a fixed
-// seeded set of liquid and vapour states, in the "SI" unit set (every input and output converted).
+// seeded set of liquid and vapour states, in the "SI" unit set (every input and output converted),
+// and for a Varimol binary against its flash.
 // Each interface benchmark has a "raw" twin: the same questions asked of the IF97 back-end
 // directly, once with its last-state memory at work and once with it emptied before every
 // question (what the bundles would cost without it).
@@ -8,6 +9,7 @@
 #include "if97/if97.hpp"
 #include "main/zentropia_main.hpp"
 #include "units/zentropia_units.hpp"
+#include "varimol/varimol.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -253,6 +255,113 @@ void BM_raw_zflow_vu_forgetting(benchmark::State& state) {
     over_states(state, [](const state_point& s) { raw_zflow(s, true); });
 }
 BENCHMARK(BM_raw_zflow_vu_forgetting);
+
+// ---- A Varimol binary: calcprop and allprops against the back-end's one state call ------------
+// Methane/ethane 0.9/0.1 (PRSV, van der Waals mixing) in the "SI" unit set. Two fixed seeded sets
+// of 1024 (P, T) states between 150 and 190 K: single-phase (below 0.9 of the dew pressure or
+// above 1.1 of the bubble pressure) and two-phase (between the dew and bubble pressures). The
+// back-end twin is vm3_tmdprop in mode 1 (the stable state with its stability test and, where
+// the feed splits, the flash), the one call either interface operation makes for such a state.
+
+struct mixture_point {
+    double p_pa, t_kelvin;
+};
+
+void select_binary() {
+    std::string errormsg;
+    const std::array<std::string, 2> names{"methane", "ethane"};
+    const std::array<double, 2> conc{0.9, 0.1};
+    zentropia_base::setfluid("Varimol", 2, names, conc, errormsg);
+    zentropia_units::setunits("SI", "PerMass", "", "", errormsg);
+}
+
+// vm3_tmdprop at (p, T) in mode `mode`, q given for the saturation modes; ierr returned
+int backend_state(int mode, double& t, double& p, double q) {
+    double v, u, h, s, cv, a, b, c, d, e, g;
+    static varimol::composition x, y, lnphi;
+    int ierr = 0;
+    varimol::vm3_tmdprop(mode, t, p, v, u, h, s, q, cv, a, b, c, d, e, g, x, y, lnphi, ierr);
+    benchmark::DoNotOptimize(h);
+    return ierr;
+}
+
+const std::vector<mixture_point>& mixture_states(bool two_phase) {
+    static const auto make = [](bool split) {
+        select_binary();
+        std::mt19937_64 rng(split ? 7331 : 1337);
+        std::uniform_real_distribution<double> u(0.0, 1.0);
+        std::vector<mixture_point> out;
+        while (out.size() < set_size) {
+            const double t = 150.0 + 40.0 * u(rng);
+            double tb = t, pb = 0.0, td = t, pd = 0.0;
+            if (backend_state(12, tb, pb, 0.0) != 0 || backend_state(12, td, pd, 1.0) != 0)
+                continue;
+            double p;
+            if (split)
+                p = pd + (0.02 + 0.96 * u(rng)) * (pb - pd);
+            else
+                p = u(rng) < 0.5 ? pd * (0.1 + 0.8 * u(rng)) : pb * (1.1 + u(rng));
+            out.push_back({p, t});
+        }
+        return out;
+    };
+    static const std::vector<mixture_point> one = make(false), two = make(true);
+    return two_phase ? two : one;
+}
+
+template <typename Call> void over_mixture(benchmark::State& state, bool two_phase, Call call) {
+    const auto& set = mixture_states(two_phase);
+    select_binary();
+    std::size_t k = 0;
+    for (auto _ : state) {
+        call(set[k]);
+        k = (k + 1) % set_size;
+    }
+}
+
+void mixture_calcprop(benchmark::State& state, std::string_view key, bool two_phase) {
+    over_mixture(state, two_phase, [key](const mixture_point& s) {
+        static std::string errormsg;
+        benchmark::DoNotOptimize(zm::calcprop(key, "PT", s.p_pa, s.t_kelvin, errormsg));
+    });
+}
+
+void mixture_allprops(benchmark::State& state, bool two_phase) {
+    over_mixture(state, two_phase, [](const mixture_point& s) {
+        static std::string errormsg;
+        static std::array<double, 23> o;
+        static zp_common::composition x, y;
+        zm::allprops("PT", s.p_pa, s.t_kelvin, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7], x, y,
+                     o[8], o[9], o[10], o[11], o[12], o[13], o[14], o[15], o[16], o[17], o[18],
+                     o[19], o[20], o[21], o[22], errormsg);
+        benchmark::DoNotOptimize(o);
+    });
+}
+
+// Two properties of one state in turn: the adapter answers the second from the state it keeps.
+void mixture_calcprop_h_then_s(benchmark::State& state, bool two_phase) {
+    over_mixture(state, two_phase, [](const mixture_point& s) {
+        static std::string errormsg;
+        benchmark::DoNotOptimize(zm::calcprop("h", "PT", s.p_pa, s.t_kelvin, errormsg));
+        benchmark::DoNotOptimize(zm::calcprop("s", "PT", s.p_pa, s.t_kelvin, errormsg));
+    });
+}
+
+void mixture_raw(benchmark::State& state, bool two_phase) {
+    over_mixture(state, two_phase, [](const mixture_point& s) {
+        double t = s.t_kelvin, p = s.p_pa;
+        backend_state(1, t, p, 0.0);
+    });
+}
+
+BENCHMARK_CAPTURE(mixture_calcprop, h_1ph, "h", false);
+BENCHMARK_CAPTURE(mixture_calcprop, cp_1ph, "cp", false);
+BENCHMARK_CAPTURE(mixture_allprops, 1ph, false);
+BENCHMARK_CAPTURE(mixture_calcprop_h_then_s, 1ph, false);
+BENCHMARK_CAPTURE(mixture_raw, 1ph, false);
+BENCHMARK_CAPTURE(mixture_calcprop, h_2ph, "h", true);
+BENCHMARK_CAPTURE(mixture_allprops, 2ph, true);
+BENCHMARK_CAPTURE(mixture_raw, 2ph, true);
 
 } // namespace
 

@@ -73,6 +73,29 @@ struct phase_state {
     double p, t, v, d, h, s, u, q, cv, dpdt, dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, eta, lambda;
     zp_adapter::composition x, y, lnphi;
 };
+// One request and the state it gave, in internal units, with the back-end's code.
+struct evaluated {
+    request req;
+    phase_state st;
+    int ierr = 0;
+};
+// The last state an adapter evaluated. The back-ends answer a request from the configured fluid
+// alone, so a caller that asks several properties of one state (or its phase compositions after
+// its properties) pays one flash. Forgotten whenever the fluid is configured anew.
+struct state_memory {
+    bool valid = false;
+    evaluated last;
+};
+// true when the memory holds the state of exactly this request (every given value to the bit)
+bool recalls(const state_memory& memory, const request& req);
+
+// The part `wanted` (zp_adapter::output flags) of an evaluated state: every value of the state;
+// the phase compositions x and y (the first `columns` entries) only when the quality is wanted.
+// The back-end's failure code becomes the adapter's text by put_code.
+void deliver(const evaluated& e, unsigned wanted, int columns, zp_adapter::state_values& out,
+             zp_adapter::composition& x, zp_adapter::composition& y, std::string& errormsg,
+             void (*put_code)(int ierr, std::string& errormsg));
+
 // The property `outputspec` of a state ("P", "T", "v", "d", "h", "s", "u", "q", "cv", "dP_dT",
 // "dP_dv", "d2P_dT2", "d2P_dv2", "d2P_dTdv", "dCv_dT"); another name writes
 // "<prefix>calculation of <output> as function of <input> not available." and gives -8888.8.

@@ -122,13 +122,14 @@ struct built_list {
 std::array<built_list, 8> built_lists;
 std::size_t next_built = 0;
 
-const built_list& list_of(unsigned codes) {
-    static const built_list* last = &built_lists[0];
-    if (last->codes == codes) return *last;
+const built_list* last_list = &built_lists[0];
+
+// A list not asked lately: found among those built, or built in the oldest place.
+[[gnu::noinline]] const built_list& other_list(unsigned codes) {
     for (const built_list& b : built_lists)
-        if (b.codes == codes) return *(last = &b);
+        if (b.codes == codes) return *(last_list = &b);
     built_list& b = built_lists[next_built];
-    last = &b;
+    last_list = &b;
     next_built = (next_built + 1) % built_lists.size();
     b = built_list{};
     b.codes = codes;
@@ -141,6 +142,10 @@ const built_list& list_of(unsigned codes) {
     }
     b.text[b.size++] = '.';
     return b;
+}
+
+inline const built_list& list_of(unsigned codes) {
+    return last_list->codes == codes ? *last_list : other_list(codes);
 }
 
 // Only (P, T) states are the same whatever else is asked with them: the back-end's iterations

@@ -23,6 +23,7 @@ using cubic_adapter::max_listed;
 using cubic_adapter::warning_code;
 
 cubic_adapter::selection state;
+cubic_adapter::state_memory memory;
 
 using cubic_adapter::fluid_directory;
 
@@ -116,7 +117,63 @@ void allprops_row(std::string_view inputspec, double value1, double value2, doub
 }
 
 void uninit() {
+    memory.valid = false;
     litevarimol::uninit_litevarimol();
+}
+
+// The state of a request from the back-end, converted to internal units; its code returned. The
+// back-end's compositions fill the first max_components entries of x and y.
+int compute(const cubic_adapter::request& req, phase_state& st) {
+    cubic_adapter::state_vars in = req.in;
+    const double mmol = state.mmol;
+    cubic_adapter::inputunitsconv(mmol, in.t, in.p, in.v, in.u, in.h, in.s);
+    int ierr = 0;
+    double qq = in.q;
+    if (req.single_phase) {
+        litevarimol::litevarimolprops_1ph(req.mode, in.t, in.p, in.v, in.u, in.h, in.s, st.cv,
+                                          st.dpdt, st.dpdv, st.d2pdt2, st.d2pdv2, st.d2pdtdv,
+                                          st.dcvdt, ierr);
+        std::fill_n(st.x.begin(), max_components, 1.0);
+        std::fill_n(st.y.begin(), max_components, 1.0);
+        qq = 1.0;
+    } else {
+        litevarimol::composition xl{}, yl{};
+        litevarimol::litevarimolprops(req.mode, in.t, in.p, in.v, in.u, in.h, in.s, qq, st.cv,
+                                      st.dpdt, st.dpdv, st.d2pdt2, st.d2pdv2, st.d2pdtdv, st.dcvdt,
+                                      xl, yl, ierr);
+        std::copy(xl.begin(), xl.end(), st.x.begin());
+        std::copy(yl.begin(), yl.end(), st.y.begin());
+    }
+    cubic_adapter::outputunitsconv(mmol, in.t, in.p, in.v, in.u, in.h, in.s, st.cv, st.dpdv,
+                                   st.d2pdv2, st.d2pdtdv, st.dcvdt);
+    st.p = in.p, st.t = in.t, st.v = in.v, st.u = in.u, st.h = in.h, st.s = in.s, st.q = qq;
+    st.d = 1.0 / st.v;
+    st.eta = st.lambda = not_set;
+    return ierr;
+}
+
+// The state of a request: the one remembered when the same request follows, else computed.
+const cubic_adapter::evaluated& state_for(const cubic_adapter::request& req) {
+    cubic_adapter::evaluated& e = memory.last;
+    if (cubic_adapter::recalls(memory, req)) return e;
+    memory.valid = false;
+    e.req = req;
+    e.ierr = compute(req, e.st);
+    memory.valid = true;
+    return e;
+}
+
+// A part of a state: the phase compositions are delivered only with the quality.
+void evaluate_part(std::string_view inputspec, double value1, double value2, unsigned wanted,
+                   zp_adapter::state_values& out, zp_adapter::composition& x,
+                   zp_adapter::composition& y, std::string& errormsg) {
+    errormsg = no_errors;
+    cubic_adapter::request req;
+    if (!cubic_adapter::read_request(inputspec, value1, value2, model_prefix, req, errormsg)) {
+        out.p = out.t = out.v = out.u = out.h = out.s = out.q = out.eta = out.lambda = not_set;
+        return;
+    }
+    cubic_adapter::deliver(state_for(req), wanted, max_components, out, x, y, errormsg, put_code);
 }
 
 } // namespace
@@ -141,7 +198,7 @@ constinit const zp_adapter::operations operations{
     .zflow_vu = &litevarimol_zflow_vu,
     .psat_k1 = &litevarimol_psat_k1,
     .phaseenvelope = nullptr,
-    .evaluate = nullptr,
+    .evaluate = &evaluate_part,
     .mmolcomp =
         [](zp_adapter::composition& mmol, std::string& errormsg) {
             mmol = state.component_mmol;
@@ -172,6 +229,7 @@ void litevarimol_setfluid(int ncomp, std::span<const std::string> comp,
     // More components than the back-end holds: refused before anything changes, the previous
     // fluid stays selected.
     if (ncomp > max_components) return too_many("a selection of ", ncomp, errormsg);
+    memory.valid = false;
     const int n = std::clamp(ncomp, 0, std::min<int>(max_components, comp.size()));
     state.ncmp = ncomp;
     state.fluidname = n > 0 ? std::string(trim(comp[0])) : std::string();
@@ -254,30 +312,15 @@ void litevarimol_allprops(std::string_view inputspec, double value1, double valu
     cubic_adapter::request req;
     if (!cubic_adapter::read_request(inputspec, value1, value2, model_prefix, req, errormsg))
         return;
-    auto& in = req.in;
-    const double mmol = state.mmol;
-    cubic_adapter::inputunitsconv(mmol, in.t, in.p, in.v, in.u, in.h, in.s);
-
-    int ierr = 0;
-    double qq = in.q;
-    if (req.single_phase) {
-        litevarimol::litevarimolprops_1ph(req.mode, in.t, in.p, in.v, in.u, in.h, in.s, cv, dpdt,
-                                          dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, ierr);
-        std::fill_n(x.begin(), max_components, 1.0);
-        std::fill_n(y.begin(), max_components, 1.0);
-        qq = 1.0;
-    } else {
-        litevarimol::composition xl{}, yl{};
-        litevarimol::litevarimolprops(req.mode, in.t, in.p, in.v, in.u, in.h, in.s, qq, cv, dpdt,
-                                      dpdv, d2pdt2, d2pdv2, d2pdtdv, dcvdt, xl, yl, ierr);
-        std::copy(xl.begin(), xl.end(), x.begin());
-        std::copy(yl.begin(), yl.end(), y.begin());
-    }
-    cubic_adapter::outputunitsconv(mmol, in.t, in.p, in.v, in.u, in.h, in.s, cv, dpdv, d2pdv2,
-                                   d2pdtdv, dcvdt);
-    p = in.p, t = in.t, v = in.v, u = in.u, h = in.h, s = in.s, q = qq;
-    d = 1.0 / v;
-    if (ierr != 0 && ierr != warning_code) put_code(ierr, errormsg);
+    const cubic_adapter::evaluated& e = state_for(req);
+    const phase_state& st = e.st;
+    p = st.p, t = st.t, v = st.v, d = st.d, u = st.u, h = st.h, s = st.s, q = st.q;
+    cv = st.cv, dpdt = st.dpdt, dpdv = st.dpdv, d2pdt2 = st.d2pdt2, d2pdv2 = st.d2pdv2;
+    d2pdtdv = st.d2pdtdv, dcvdt = st.dcvdt;
+    // the back-end's columns; the caller's further entries stay as they were
+    std::copy_n(st.x.begin(), max_components, x.begin());
+    std::copy_n(st.y.begin(), max_components, y.begin());
+    if (e.ierr != 0 && e.ierr != warning_code) put_code(e.ierr, errormsg);
 }
 
 double litevarimol_prop(std::string_view inputspec, double value1, double value2,

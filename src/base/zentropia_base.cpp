@@ -107,13 +107,20 @@ inline bool finite_inputs(double input1, double input2, std::string& errormsg) {
 // ("PT liq", "Pq_vap", "PT 1ph"); trailing blanks are padding. The back-ends read the first two
 // characters and the marker only, so anything else behind them would be ignored silently: such a
 // text is refused.
-bool well_formed(std::string_view inputspec) {
+[[gnu::noinline]] bool well_formed_padded(std::string_view inputspec) {
     const auto spec = trim(inputspec);
     if (spec.size() == 2) [[likely]]
         return true;
     if (spec.size() != 6) return false;
     const auto marker = spec.substr(3);
     return marker == "liq" || marker == "vap" || marker.substr(1) == "ph";
+}
+
+inline bool well_formed(std::string_view inputspec) {
+    // the usual case, two letters without padding, needs no trimming
+    if (inputspec.size() == 2 && inputspec[1] != ' ') [[likely]]
+        return true;
+    return well_formed_padded(inputspec);
 }
 
 [[gnu::cold, gnu::noinline]] void report_inputspec(std::string_view inputspec,
@@ -393,11 +400,14 @@ void allthermophys(std::string_view inputspec, double input1, double input2, dou
     spread(work_y, usr_y, named->keeps_zero_components);
 }
 
-void allthermophys_part(std::string_view inputspec, double input1, double input2, unsigned wanted,
-                        zp_adapter::state_values& out, zp_common::composition& usr_x,
-                        zp_common::composition& usr_y, std::string& errormsg) {
-    out.sigma = not_set; // stays when the back-end has no surface tension
-    // The phase compositions come with the quality.
+namespace {
+
+// The general part of a state: with its phase compositions, or from an adapter that evaluates
+// whole states only, or without a model.
+[[gnu::noinline]] void general_part(std::string_view inputspec, double input1, double input2,
+                                    unsigned wanted, zp_adapter::state_values& out,
+                                    zp_common::composition& usr_x, zp_common::composition& usr_y,
+                                    std::string& errormsg) {
     const bool compositions = (wanted & zp_adapter::output::q) != 0;
     if (compositions) copy_in(usr_x, usr_y);
     if (alias_ops == nullptr || alias_ops->allprops == nullptr) {
@@ -414,6 +424,27 @@ void allthermophys_part(std::string_view inputspec, double input1, double input2
     if (!compositions) return;
     spread(work_x, usr_x, named->keeps_zero_components);
     spread(work_y, usr_y, named->keeps_zero_components);
+}
+
+} // namespace
+
+void allthermophys_part(std::string_view inputspec, double input1, double input2, unsigned wanted,
+                        zp_adapter::state_values& out, zp_common::composition& usr_x,
+                        zp_common::composition& usr_y, std::string& errormsg) {
+    out.sigma = not_set; // stays when the back-end has no surface tension
+    // The usual single property: no phase compositions, an adapter that evaluates parts of
+    // states, nothing to do after its answer.
+    if ((wanted & zp_adapter::output::q) == 0 && alias_ops != nullptr &&
+        alias_ops->allprops != nullptr && alias_ops->evaluate != nullptr) [[likely]] {
+        if (!well_formed(inputspec) || !std::isfinite(input1) || !std::isfinite(input2))
+            [[unlikely]] {
+            valid_request(inputspec, input1, input2, errormsg); // writes the text
+            return;
+        }
+        return alias_ops->evaluate(inputspec, input1, input2, wanted, out, work_x, work_y,
+                                   errormsg);
+    }
+    general_part(inputspec, input1, input2, wanted, out, usr_x, usr_y, errormsg);
 }
 
 void allthermophyssu2(std::string_view inputspec, double input1, double input2, double& p,

@@ -21,10 +21,8 @@ composition scratch_x{}, scratch_y{};
 
 } // namespace
 
-void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, unsigned wanted,
-                    completion_rule completion, state_record& r, composition& x, composition& y,
-                    std::string& errormsg) {
-    zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, wanted, r, x, y, errormsg);
+void complete_state(std::string_view inputspec, double zp_input1, double zp_input2,
+                    completion_rule completion, state_record& r, std::string& errormsg) {
     if (is_refprop_partial(errormsg)) {
         // The state stands; of its derivatives only those of p, v and T alone are computed.
         errormsg = zp_common::no_errors;

@@ -40,20 +40,29 @@ void evaluate_state(std::string_view inputspec, double zp_input1, double zp_inpu
 // nor fail), or when it could change the state's values or the error text (the outcome is then
 // that of the whole state).
 enum class completion_rule { always, never, if_it_changes_the_state };
-// The same for the part `wanted` (zp_adapter::output flags) of the state.
-void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2, unsigned wanted,
-                    completion_rule completion, state_record& r, zp_common::composition& x,
-                    zp_common::composition& y, std::string& errormsg);
+// The derivative properties of an evaluated state by the rule `completion`, and the partial
+// success of the RefProp back-end turned into the state it stands for.
+void complete_state(std::string_view inputspec, double zp_input1, double zp_input2,
+                    completion_rule completion, state_record& r, std::string& errormsg);
+// The RefProp back-end's partial success: the state is valid, its derivatives are not.
+inline bool is_refprop_partial(std::string_view errormsg) {
+    return errormsg.starts_with("Error in RefProp: [CFD_PROP Error 101]");
+}
+// The same for the part `wanted` (zp_adapter::output flags) of the state. Inline: a single
+// property's path is short, and most states need no completion.
+inline void evaluate_state(std::string_view inputspec, double zp_input1, double zp_input2,
+                           unsigned wanted, completion_rule completion, state_record& r,
+                           zp_common::composition& x, zp_common::composition& y,
+                           std::string& errormsg) {
+    zentropia_base::allthermophys_part(inputspec, zp_input1, zp_input2, wanted, r, x, y, errormsg);
+    if (completion != completion_rule::never || is_refprop_partial(errormsg)) [[unlikely]]
+        complete_state(inputspec, zp_input1, zp_input2, completion, r, errormsg);
+}
 
 // A value of the phase marked in inputspec ("liq", "vap"), whose composition is cnc, in the
 // caller's unit of one row: outputconversion_cnc by row.
 double output_in_phase_units(std::string_view inputspec, const zp_common::composition& cnc,
                              zentropia_units::unit_row row, double zp_output);
-
-// The RefProp back-end's partial success: the state is valid, its derivatives are not.
-inline bool is_refprop_partial(std::string_view errormsg) {
-    return errormsg.starts_with("Error in RefProp: [CFD_PROP Error 101]");
-}
 
 using conversion_table = std::array<zentropia_units::conversion_pair, 27>;
 

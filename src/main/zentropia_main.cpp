@@ -99,10 +99,12 @@ evaluation_plan plan_of(const keyword& k) {
         // else, so the other derivative properties stay not computed.
         return {k.needs, completion_rule::never};
     case completion::formulas:
-        // the quality tells whether the completion may be left out (single-phase states)
-        return k.derived == yes
-                   ? evaluation_plan{completion_reads | k.needs, completion_rule::always}
-                   : evaluation_plan{k.needs | out::q, completion_rule::if_it_changes_the_state};
+        if (k.derived == yes) return {completion_reads | k.needs, completion_rule::always};
+        // A mixture's state is never changed by the completion (its two-phase states get no
+        // derivatives), so neither its quality nor its phase compositions are needed; for one
+        // component the quality tells whether the completion may be left out (single phase).
+        if (zentropia_base::selected_mixture()) return {k.needs, completion_rule::never};
+        return {k.needs | out::q, completion_rule::if_it_changes_the_state};
     default:
         return {out::all, completion_rule::always};
     }
@@ -118,7 +120,7 @@ bool equals_lowered(std::string_view text, std::string_view word) {
     return true;
 }
 
-const keyword* find_keyword(std::string_view propspec) {
+[[gnu::noinline]] const keyword* find_keyword(std::string_view propspec) {
     const std::string_view key = zp_common::trim(zp_common::fit(propspec, keyword_length));
     for (const keyword& k : keywords)
         if (equals_lowered(key, k.long_form) || equals_lowered(key, k.short_form)) return &k;
@@ -130,9 +132,12 @@ const keyword* remembered_keyword(std::string_view propspec) {
     static std::array<char, keyword_length> text{};
     static std::size_t size = 0;
     static const keyword* last = nullptr;
-    if (last != nullptr && propspec.size() == size &&
-        std::memcmp(propspec.data(), text.data(), size) == 0)
-        return last;
+    if (last != nullptr && propspec.size() == size) {
+        // keywords are a few characters long: compared here rather than by a library call
+        std::size_t i = 0;
+        while (i < size && propspec[i] == text[i]) ++i;
+        if (i == size) return last;
+    }
     const keyword* k = find_keyword(propspec);
     if (k != nullptr && propspec.size() <= text.size()) {
         std::memcpy(text.data(), propspec.data(), propspec.size());
@@ -143,17 +148,18 @@ const keyword* remembered_keyword(std::string_view propspec) {
 
 // The unit row of each one-character property symbol (the letters of an input specification),
 // read once from the unit module's symbol table; -1 for a character that is no symbol.
-const std::array<signed char, 128>& letter_rows() {
-    static const std::array<signed char, 128> rows = [] {
-        std::array<signed char, 128> r;
-        r.fill(-1);
-        for (int i = 0; i < 27; ++i) {
-            const auto symbol = zp_common::trim(zentropia_units::symbolset(unit_row(i)));
-            if (symbol.size() == 1 && static_cast<unsigned char>(symbol[0]) < 128)
-                r[static_cast<unsigned char>(symbol[0])] = static_cast<signed char>(i);
-        }
-        return r;
-    }();
+[[gnu::noinline]] std::array<signed char, 128> read_letter_rows() {
+    std::array<signed char, 128> r;
+    r.fill(-1);
+    for (int i = 0; i < 27; ++i) {
+        const auto symbol = zp_common::trim(zentropia_units::symbolset(unit_row(i)));
+        if (symbol.size() == 1 && static_cast<unsigned char>(symbol[0]) < 128)
+            r[static_cast<unsigned char>(symbol[0])] = static_cast<signed char>(i);
+    }
+    return r;
+}
+inline const std::array<signed char, 128>& letter_rows() {
+    static const std::array<signed char, 128> rows = read_letter_rows();
     return rows;
 }
 
@@ -242,8 +248,10 @@ double output_in_phase_units(std::string_view inputspec, const composition& cnc,
 
 double calcprop(std::string_view propspec, std::string_view inputspec, double input1, double input2,
                 std::string& errormsg) {
-    double zp_input1, zp_input2;
-    inputconversion(inputspec, input1, input2, zp_input1, zp_input2);
+    const auto& rows = letter_rows();
+    const auto& cf = zentropia_units::convfact();
+    const double zp_input1 = input_to_internal(inputspec, 0, input1, rows, cf);
+    const double zp_input2 = input_to_internal(inputspec, 1, input2, rows, cf);
     // The state is evaluated first: an unknown keyword is reported only for a state that stands,
     // whose failures are then those of the whole state.
     const keyword* k = remembered_keyword(propspec);
@@ -258,7 +266,7 @@ double calcprop(std::string_view propspec, std::string_view inputspec, double in
         return not_set;
     }
     double value = r.*(k->value);
-    if (k->row != no_row) to_caller(zentropia_units::convfact(), unit_row(k->row), value);
+    if (k->row != no_row) to_caller(cf, unit_row(k->row), value);
     return value;
 }
 

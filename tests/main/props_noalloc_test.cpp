@@ -91,4 +91,39 @@ TEST(NoAllocation, HotPaths) {
     }
 }
 
+TEST(NoAllocation, MixturePaths) {
+    // methane/ethane 0.9/0.1: a gas and a state split into two phases, asked in turn so that the
+    // adapter's memory of its last state never answers
+    std::string errormsg;
+    const std::array<std::string, 2> names{"methane", "ethane"};
+    const std::array<double, 2> conc{0.9, 0.1};
+    zentropia_base::setfluid("Varimol", 2, names, conc, errormsg);
+    ASSERT_TRUE(zp_common::is_success(errormsg)) << errormsg;
+    zentropia_units::setunits("SI", "PerMass", "", "", errormsg);
+    const std::array<std::pair<double, double>, 2> states{{{1e5, 300.0}, {25e5, 180.0}}};
+    double o[23];
+    composition x{}, y{};
+    const std::vector<std::pair<const char*, std::function<void()>>> calls{
+        {"calcprop",
+         [&] {
+             for (const char* key : {"h", "s", "cp", "c", "alpha", "q", "dpdt"})
+                 for (const auto& [p, t] : states) o[0] = zm::calcprop(key, "PT", p, t, errormsg);
+         }},
+        {"allprops",
+         [&] {
+             for (const auto& [p, t] : states)
+                 zm::allprops("PT", p, t, o[0], o[1], o[2], o[3], o[4], o[5], o[6], o[7], x, y,
+                              o[8], o[9], o[10], o[11], o[12], o[13], o[14], o[15], o[16], o[17],
+                              o[18], o[19], o[20], o[21], o[22], errormsg);
+         }},
+    };
+    for (const auto& [name, call] : calls) {
+        EXPECT_EQ(allocations_of(call), 0) << name << " of a mixture";
+        EXPECT_EQ(errormsg, "No errors") << name << " of a mixture";
+    }
+    EXPECT_GT(o[7], 0.0) << "the last state lies inside the two-phase region";
+    EXPECT_LT(o[7], 1.0);
+    select_water();
+}
+
 } // namespace
