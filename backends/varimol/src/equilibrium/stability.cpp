@@ -36,7 +36,11 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
     phase ph;
     vec w{}, g{}, gold{}, W{};
     double sumw = 0.0;
+    // the phase, W and w describe the current ln W (a trial that stops where it was last
+    // evaluated needs no further evaluation)
+    bool fresh = false;
     auto evaluate = [&](bool, mat* dn) {
+        fresh = true;
         sumw = 0.0;
         for (int i = 0; i < n; ++i) {
             W[i] = std::exp(lnw[i]);
@@ -111,12 +115,14 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             if (lam > 0.0 && lam < 0.95) {
                 for (int i = 0; i < n; ++i) lnw[i] += g[i] / (1.0 - lam);
                 gold = g;
+                fresh = false;
                 continue;
             }
         }
         have_old = true;
         for (int i = 0; i < n; ++i) lnw[i] += g[i];
         gold = g;
+        fresh = false;
         if (gn < 1e-8) break; // close: the second-order steps finish
     }
     if (!o.converged && !o.trivial) {
@@ -129,6 +135,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             lnw = lw;
             const int e = evaluate(false, nullptr);
             lnw = tmp;
+            fresh = false;
             if (e) return false;
             tm = 1.0;
             for (int i = 0; i < n; ++i) {
@@ -204,9 +211,10 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
                 break;
             }
             lnw = lw;
+            fresh = false;
         }
     }
-    evaluate(false, nullptr);
+    if (!fresh) evaluate(false, nullptr);
     o.w = w;
     o.lnphi = ph.lnphi;
     o.v = ph.v;
