@@ -211,12 +211,24 @@ void homogeneous(const fluid& f, double T, double v, const double* x, state_prop
     at_temperature(f, tt, t);
     mixture_terms<T3> m;
     mix(f, t, x, m, nullptr);
-    const volume_terms<T3> w = volume_functions(f.eos, m.B, v);
     const T3 DT = m.D / tt;
-    const T3 F = -w.g - DT * w.f;
-    const T3 FV = -w.gV - DT * w.fV;
-    const T3 FVV = -w.gVV - DT * w.fVV;
-    const double FVVV = -w.gVVV - value(DT) * w.fVVV;
+    T3 F, FV, FVV;
+    double FVVV;
+    if (!f.wong_sandler) {
+        // the covolume of the one-fluid rule does not depend on temperature: the volume
+        // functions are plain numbers and D/T alone carries the temperature derivatives
+        const volume_terms<double> w = volume_functions(f.eos, value(m.B), v);
+        F = -(DT * w.f) - w.g;
+        FV = -(DT * w.fV) - w.gV;
+        FVV = -(DT * w.fVV) - w.gVV;
+        FVVV = -w.gVVV - value(DT) * w.fVVV;
+    } else {
+        const volume_terms<T3> w = volume_functions(f.eos, m.B, v);
+        F = -w.g - DT * w.f;
+        FV = -w.gV - DT * w.fV;
+        FVV = -w.gVV - DT * w.fVV;
+        FVVV = -w.gVVV - value(DT) * w.fVVV;
+    }
     // P = RT (1/v - F_V); dP/dv = -RT (1/v^2 + F_VV); d2P/dv2 = RT (2/v^3 - F_VVV)
     const T3 p = R * tt * (1.0 / v - FV);
     const T3 pv = R * tt * (-1.0 / (v * v) - FVV);
@@ -228,9 +240,10 @@ void homogeneous(const fluid& f, double T, double v, const double* x, state_prop
     const double cvr = -T * ar.d(2);
     const double dcvr = -ar.d(2) - T * ar.d(3);
     double h0 = 0.0, s0 = 0.0, cp0 = 0.0, dcp0 = 0.0;
+    const double ln_tr = std::log(T / reference_temperature);
     for (int i = 0; i < f.n; ++i) {
         if (x[i] <= 0.0) continue;
-        const ideal_gas_terms ig = ideal_gas(f.comp[i], T);
+        const ideal_gas_terms ig = ideal_gas(f.comp[i], T, ln_tr);
         h0 += x[i] * ig.h;
         s0 += x[i] * (ig.s - R * std::log(x[i]));
         cp0 += x[i] * ig.cp;
@@ -265,9 +278,10 @@ void caloric(const fluid& f, double T, double v, const double* x, state_props& o
     const T1 ar = R * tt * (-w.g - DT * w.f);
     const double FV = value(-w.gV - DT * w.fV);
     double h0 = 0.0, s0 = 0.0;
+    const double ln_tr = std::log(T / reference_temperature);
     for (int i = 0; i < f.n; ++i) {
         if (x[i] <= 0.0) continue;
-        const ideal_gas_terms ig = ideal_gas(f.comp[i], T);
+        const ideal_gas_terms ig = ideal_gas(f.comp[i], T, ln_tr);
         h0 += x[i] * ig.h;
         s0 += x[i] * (ig.s - R * std::log(x[i]));
     }
