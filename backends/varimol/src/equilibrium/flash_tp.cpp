@@ -48,13 +48,16 @@ void orient(const fluid& f, double T, double P, flash_result& r) {
 bool wilson_start(const fluid& f, const temperature_terms<double>& t, double P, const double* z,
                   const phase& zp, vec& lnk, double& dg) {
     const int n = f.n;
-    double gfeed = zp.lng;
-    for (int i = 0; i < n; ++i) gfeed += z[i] * std::log(z[i]);
-    vec K{}, x{}, y{};
+    double gfeed = 0.0; // G/RT of the feed, formed once Wilson's K-values split it
+    vec K, x, y;
     double beta = 0.5;
     for (int it = 0; it < 3; ++it) {
         for (int i = 0; i < n; ++i) K[i] = std::exp(lnk[i]);
         if (rachford_rice(n, z, K.data(), beta, x.data(), y.data()) != 0) return false;
+        if (it == 0) {
+            gfeed = zp.lng;
+            for (int i = 0; i < n; ++i) gfeed += z[i] * std::log(z[i]);
+        }
         double sx = 0.0, sy = 0.0;
         for (int i = 0; i < n; ++i) sx += x[i], sy += y[i];
         for (int i = 0; i < n; ++i) x[i] /= sx, y[i] /= sy;

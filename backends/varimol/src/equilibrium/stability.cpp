@@ -8,9 +8,10 @@
 namespace varimol {
 
 void wilson_k(const fluid& f, double T, double P, double* lnk) {
+    const double lnp = std::log(P);
     for (int i = 0; i < f.n; ++i) {
         const component& c = f.comp[i];
-        lnk[i] = std::log(c.pc / P) + 5.373 * (1.0 + c.acentric) * (1.0 - c.tc / T);
+        lnk[i] = (c.ln_pc - lnp) + 5.373 * (1.0 + c.acentric) * (1.0 - c.tc / T);
     }
 }
 
