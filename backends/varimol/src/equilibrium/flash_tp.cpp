@@ -44,17 +44,20 @@ void orient(const fluid& f, double T, double P, flash_result& r) {
 // below that of the feed, the feed is proven unstable and the stability test is not needed
 // (Michelsen and Mollerup, ch. 11). Returns true with the K-values reached and the change of
 // G/RT.
+// `lnk` holds Wilson's ln K on entry.
 bool wilson_start(const fluid& f, const temperature_terms<double>& t, double P, const double* z,
                   const phase& zp, vec& lnk, double& dg) {
     const int n = f.n;
-    wilson_k(f, value(t.T), P, lnk.data());
-    double gfeed = zp.lng;
-    for (int i = 0; i < n; ++i) gfeed += z[i] * std::log(z[i]);
-    vec K{}, x{}, y{};
+    double gfeed = 0.0; // G/RT of the feed, formed once Wilson's K-values split it
+    vec K, x, y;
     double beta = 0.5;
     for (int it = 0; it < 3; ++it) {
         for (int i = 0; i < n; ++i) K[i] = std::exp(lnk[i]);
         if (rachford_rice(n, z, K.data(), beta, x.data(), y.data()) != 0) return false;
+        if (it == 0) {
+            gfeed = zp.lng;
+            for (int i = 0; i < n; ++i) gfeed += z[i] * std::log(z[i]);
+        }
         double sx = 0.0, sy = 0.0;
         for (int i = 0; i < n; ++i) sx += x[i], sy += y[i];
         for (int i = 0; i < n; ++i) x[i] /= sx, y[i] /= sy;
@@ -270,8 +273,10 @@ int flash_tp(const fluid& f, double T, double P, const double* z, flash_result& 
         homogeneous_result(f, z, zp, out);
         return 0;
     }
+    vec wilson{};
+    wilson_k(f, T, P, wilson.data());
     {
-        vec lnk{};
+        vec lnk = wilson;
         double dg;
         if (wilson_start(f, t, P, z, zp, lnk, dg) && flash_split(f, t, P, z, lnk, out) == 0) {
             out.tpd = dg;
@@ -280,7 +285,7 @@ int flash_tp(const fluid& f, double T, double P, const double* z, flash_result& 
         }
     }
     stability_result st;
-    const int se = stability(f, t, P, z, zp, st);
+    const int se = stability(f, t, P, z, zp, st, wilson.data());
     out.tpd = st.tpd;
     if (st.stable) {
         homogeneous_result(f, z, zp, out);
@@ -303,8 +308,7 @@ int flash_tp(const fluid& f, double T, double P, const double* z, flash_result& 
     }
     if (e != 0) {
         // the split fell back onto the feed or did not converge: try Wilson's K-values once
-        wilson_k(f, T, P, lnk.data());
-        e = flash_split(f, t, P, z, lnk, out);
+        e = flash_split(f, t, P, z, wilson, out);
     }
     if (e != 0) {
         homogeneous_result(f, z, zp, out);

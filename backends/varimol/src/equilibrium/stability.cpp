@@ -8,9 +8,10 @@
 namespace varimol {
 
 void wilson_k(const fluid& f, double T, double P, double* lnk) {
+    const double lnp = std::log(P);
     for (int i = 0; i < f.n; ++i) {
         const component& c = f.comp[i];
-        lnk[i] = std::log(c.pc / P) + 5.373 * (1.0 + c.acentric) * (1.0 - c.tc / T);
+        lnk[i] = (c.ln_pc - lnp) + 5.373 * (1.0 + c.acentric) * (1.0 - c.tc / T);
     }
 }
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr double unstable_below = -1e-10;
 
+// Only the first n entries of the arrays are used (and set) for n components.
 struct trial_outcome {
     double tpd;   // -ln(sum W) at the stationary point (0 for the trivial solution)
     bool trivial;
@@ -27,16 +29,22 @@ struct trial_outcome {
     double v;
 };
 
-// One trial from the amounts W (in: starting values as ln W).
-trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, double P,
-                        const double* z, const double* lnz, const double* d, const phase& zphase,
-                        vec lnw) {
+// One trial from the amounts W (in: starting values as ln W, overwritten).
+void run_trial(const fluid& f, const temperature_terms<double>& t, double P, const double* z,
+               const double* lnz, const double* d, const phase& zphase, vec& lnw,
+               trial_outcome& o) {
     const int n = f.n;
-    trial_outcome o{};
+    o.tpd = 0.0;
+    o.trivial = false;
+    o.converged = false;
     phase ph;
-    vec w{}, g{}, gold{}, W{};
+    vec w, g, gold, W;
     double sumw = 0.0;
+    // the phase, W and w describe the current ln W (a trial that stops where it was last
+    // evaluated needs no further evaluation)
+    bool fresh = false;
     auto evaluate = [&](bool, mat* dn) {
+        fresh = true;
         sumw = 0.0;
         for (int i = 0; i < n; ++i) {
             W[i] = std::exp(lnw[i]);
@@ -84,18 +92,16 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             g[i] = d[i] - ph.lnphi[i] - lnw[i];
             gn += g[i] * g[i];
         }
-        // converged, or close enough to a stationary point well above the tangent plane, where
-        // the remaining steps cannot bring it below
-        if (gn < 1e-24 || (gn < 1e-8 && tpd_of_w() > 1e-6) ||
-            (gn < 1e-4 && tpd_of_w() > 1e-2)) {
-            o.converged = true;
-            break;
-        }
-        // a trial composition below the tangent plane already proves instability; it is taken
-        // once it has settled enough to start the phase split
-        if (gn < 1e-4 && tpd_of_w() < -1e-8) {
-            o.converged = true;
-            break;
+        if (gn < 1e-4) {
+            // converged, or close enough to a stationary point well above the tangent plane,
+            // where the remaining steps cannot bring it below; or a trial composition below the
+            // tangent plane, which already proves instability and is taken once it has settled
+            // enough to start the phase split
+            const double tpd = gn < 1e-24 ? 0.0 : tpd_of_w();
+            if (gn < 1e-24 || (gn < 1e-8 && tpd > 1e-6) || tpd > 1e-2 || tpd < -1e-8) {
+                o.converged = true;
+                break;
+            }
         }
         if (trivial_now() || approaching_feed()) {
             o.trivial = true;
@@ -110,13 +116,15 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             const double lam = num / den;
             if (lam > 0.0 && lam < 0.95) {
                 for (int i = 0; i < n; ++i) lnw[i] += g[i] / (1.0 - lam);
-                gold = g;
+                for (int i = 0; i < n; ++i) gold[i] = g[i];
+                fresh = false;
                 continue;
             }
         }
         have_old = true;
         for (int i = 0; i < n; ++i) lnw[i] += g[i];
-        gold = g;
+        for (int i = 0; i < n; ++i) gold[i] = g[i];
+        fresh = false;
         if (gn < 1e-8) break; // close: the second-order steps finish
     }
     if (!o.converged && !o.trivial) {
@@ -129,6 +137,7 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
             lnw = lw;
             const int e = evaluate(false, nullptr);
             lnw = tmp;
+            fresh = false;
             if (e) return false;
             tm = 1.0;
             for (int i = 0; i < n; ++i) {
@@ -204,29 +213,31 @@ trial_outcome run_trial(const fluid& f, const temperature_terms<double>& t, doub
                 break;
             }
             lnw = lw;
+            fresh = false;
         }
     }
-    evaluate(false, nullptr);
-    o.w = w;
-    o.lnphi = ph.lnphi;
+    if (!fresh) evaluate(false, nullptr);
+    for (int i = 0; i < n; ++i) o.w[i] = w[i], o.lnphi[i] = ph.lnphi[i];
     o.v = ph.v;
     o.tpd = o.trivial ? 0.0 : tpd_of_w();
     if (o.trivial) o.converged = true;
-    return o;
 }
 
 } // namespace
 
 int stability(const fluid& f, const temperature_terms<double>& t, double P, const double* z,
-              const phase& zphase, stability_result& out) {
+              const phase& zphase, stability_result& out, const double* wilson) {
     const int n = f.n;
     out = stability_result{};
-    vec d{}, lnk{}, lnz{};
+    vec d, lnz, lnk{};
     for (int i = 0; i < n; ++i) {
         lnz[i] = std::log(z[i]);
         d[i] = lnz[i] + zphase.lnphi[i];
     }
-    wilson_k(f, value(t.T), P, lnk.data());
+    if (wilson)
+        for (int i = 0; i < n; ++i) lnk[i] = wilson[i];
+    else
+        wilson_k(f, value(t.T), P, lnk.data());
     int imax = 0, imin = 0;
     for (int i = 1; i < n; ++i) {
         if (lnk[i] > lnk[imax]) imax = i;
@@ -245,13 +256,13 @@ int stability(const fluid& f, const temperature_terms<double>& t, double P, cons
         }
     }
     bool all_converged = true;
+    trial_outcome o;
     for (int k = 0; k < ntrial; ++k) {
-        const trial_outcome o = run_trial(f, t, P, z, lnz.data(), d.data(), zphase, starts[k]);
+        run_trial(f, t, P, z, lnz.data(), d.data(), zphase, starts[k], o);
         if (!o.converged) all_converged = false;
         if (!o.trivial && o.tpd < out.tpd) {
             out.tpd = o.tpd;
-            out.w = o.w;
-            out.lnphi_w = o.lnphi;
+            for (int i = 0; i < n; ++i) out.w[i] = o.w[i], out.lnphi_w[i] = o.lnphi[i];
             out.lighter = o.v > zphase.v;
         }
         if (out.tpd < -1e-3) break; // clearly unstable: no further trial needed

@@ -22,7 +22,8 @@ struct stability_result {
 // than two decades, near-pure trials of the lightest and the heaviest component. Each trial is
 // iterated by accelerated successive substitution, then by second-order steps in
 // alpha_i = 2 sqrt(W_i). Unstable when a trial reaches tpd < -1e-10. Returns 0 or 446.
+// `wilson`, when given, holds the ln K of wilson_k at (T, P) already formed by the caller.
 int stability(const fluid& f, const temperature_terms<double>& t, double P, const double* z,
-              const phase& zphase, stability_result& out);
+              const phase& zphase, stability_result& out, const double* wilson = nullptr);
 
 } // namespace varimol

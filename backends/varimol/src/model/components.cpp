@@ -65,6 +65,7 @@ int set_fluid(fluid& out, int model_code, const fluid_parameters& fp, const bina
         c.sqrt_ac = std::sqrt(c.ac);
         c.b = f.eos.omega_b * rtc / c.pc;
         c.kappa0 = alpha_kappa0(f.alpha, c.acentric);
+        c.ln_pc = std::log(c.pc);
         if (f.alpha != alpha_kind::prsv) c.kappa1 = 0.0;
         f.given_index[f.n] = i;
         f.z[f.n] = x / sum;

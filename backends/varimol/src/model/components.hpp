@@ -27,6 +27,7 @@ struct component {
     double sqrt_ac;            // sqrt(ac)
     double b;                  // covolume Omega_b R Tc / Pc, m3/mol
     double kappa0;             // constant part of the alpha function's kappa
+    double ln_pc;              // ln(pc / Pa)
 };
 
 struct fluid {

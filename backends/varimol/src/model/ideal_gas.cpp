@@ -5,10 +5,14 @@
 namespace varimol {
 
 ideal_gas_terms ideal_gas(const component& c, double T) {
+    return ideal_gas(c, T, std::log(T / reference_temperature));
+}
+
+ideal_gas_terms ideal_gas(const component& c, double T, double ln_t_ratio) {
     const auto& a = c.cp0;
     constexpr double t0 = reference_temperature;
     // h/R = sum_k a_k (T^(k+1) - T0^(k+1))/(k+1); s/R = a0 ln(T/T0) + sum_k>0 a_k (T^k - T0^k)/k
-    double h = 0.0, s = a[0] * std::log(T / t0), cp = 0.0, dcp = 0.0;
+    double h = 0.0, s = a[0] * ln_t_ratio, cp = 0.0, dcp = 0.0;
     double tk = 1.0, t0k = 1.0; // T^k, T0^k
     for (int k = 0; k < 5; ++k) {
         cp += a[k] * tk;

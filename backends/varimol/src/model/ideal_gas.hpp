@@ -20,5 +20,7 @@ struct ideal_gas_terms {
 
 // The pure component's ideal gas at T (K).
 ideal_gas_terms ideal_gas(const component& c, double T);
+// The same with ln(T/reference_temperature) given, formed once for all the components.
+ideal_gas_terms ideal_gas(const component& c, double T, double ln_t_ratio);
 
 } // namespace varimol

@@ -80,6 +80,27 @@ double lng_at(const cubic_family& e, double A, double B, double Z, const root_lo
     return Z - 1.0 - l.zb - A / (B * (e.delta1 - e.delta2)) * l.ratio;
 }
 
+// The one-fluid rule's attraction D = sum_ij y_i y_j (1 - k_ij) with y_i = x_i sqrt(a_i(T)) and
+// its covolume B = sum_i x_i b_i, for one mole, formed directly where no composition
+// derivatives are needed.
+template <class S>
+S one_fluid_attraction(const fluid& f, const S& T, const double* x, double& B) {
+    std::array<S, mc> y;
+    B = 0.0;
+    for (int i = 0; i < f.n; ++i) {
+        const component& c = f.comp[i];
+        y[i] = (x[i] * c.sqrt_ac) * sqrt_alpha(f.alpha, c.kappa0, c.kappa1, c.tc, T);
+        B += x[i] * c.b;
+    }
+    S D(0.0);
+    for (int i = 0; i < f.n; ++i) {
+        S s(0.0);
+        for (int j = 0; j < f.n; ++j) s += y[j] * f.one_minus_k[i * mc + j];
+        D += y[i] * s;
+    }
+    return D;
+}
+
 template <class S>
 int eval_phase_impl(const fluid& f, const temperature_terms<S>& t, double P, const double* x,
                     root_choice r, phase& out, mat* dn, vec* dp, vec* dt) {
@@ -206,17 +227,31 @@ int eval_phase_t(const fluid& f, const temperature_terms<taylor<1>>& t, double P
 
 void homogeneous(const fluid& f, double T, double v, const double* x, state_props& o) {
     using T3 = taylor<3>;
-    temperature_terms<T3> t;
     const T3 tt = T3::variable(T);
-    at_temperature(f, tt, t);
-    mixture_terms<T3> m;
-    mix(f, t, x, m, nullptr);
-    const volume_terms<T3> w = volume_functions(f.eos, m.B, v);
-    const T3 DT = m.D / tt;
-    const T3 F = -w.g - DT * w.f;
-    const T3 FV = -w.gV - DT * w.fV;
-    const T3 FVV = -w.gVV - DT * w.fVV;
-    const double FVVV = -w.gVVV - value(DT) * w.fVVV;
+    T3 F, FV, FVV;
+    double FVVV;
+    if (!f.wong_sandler) {
+        // the covolume of the one-fluid rule does not depend on temperature: the volume
+        // functions are plain numbers and D/T alone carries the temperature derivatives
+        double B;
+        const T3 DT = one_fluid_attraction(f, tt, x, B) / tt;
+        const volume_terms<double> w = volume_functions(f.eos, B, v);
+        F = -(DT * w.f) - w.g;
+        FV = -(DT * w.fV) - w.gV;
+        FVV = -(DT * w.fVV) - w.gVV;
+        FVVV = -w.gVVV - value(DT) * w.fVVV;
+    } else {
+        temperature_terms<T3> t;
+        at_temperature(f, tt, t);
+        mixture_terms<T3> m;
+        mix(f, t, x, m, nullptr);
+        const T3 DT = m.D / tt;
+        const volume_terms<T3> w = volume_functions(f.eos, m.B, v);
+        F = -w.g - DT * w.f;
+        FV = -w.gV - DT * w.fV;
+        FVV = -w.gVV - DT * w.fVV;
+        FVVV = -w.gVVV - value(DT) * w.fVVV;
+    }
     // P = RT (1/v - F_V); dP/dv = -RT (1/v^2 + F_VV); d2P/dv2 = RT (2/v^3 - F_VVV)
     const T3 p = R * tt * (1.0 / v - FV);
     const T3 pv = R * tt * (-1.0 / (v * v) - FVV);
@@ -228,9 +263,10 @@ void homogeneous(const fluid& f, double T, double v, const double* x, state_prop
     const double cvr = -T * ar.d(2);
     const double dcvr = -ar.d(2) - T * ar.d(3);
     double h0 = 0.0, s0 = 0.0, cp0 = 0.0, dcp0 = 0.0;
+    const double ln_tr = std::log(T / reference_temperature);
     for (int i = 0; i < f.n; ++i) {
         if (x[i] <= 0.0) continue;
-        const ideal_gas_terms ig = ideal_gas(f.comp[i], T);
+        const ideal_gas_terms ig = ideal_gas(f.comp[i], T, ln_tr);
         h0 += x[i] * ig.h;
         s0 += x[i] * (ig.s - R * std::log(x[i]));
         cp0 += x[i] * ig.cp;
@@ -255,19 +291,31 @@ void homogeneous(const fluid& f, double T, double v, const double* x, state_prop
 
 void caloric(const fluid& f, double T, double v, const double* x, state_props& o) {
     using T1 = taylor<1>;
-    temperature_terms<T1> t;
     const T1 tt = T1::variable(T);
-    at_temperature(f, tt, t);
-    mixture_terms<T1> m;
-    mix(f, t, x, m, nullptr);
-    const volume_terms<T1> w = volume_functions(f.eos, m.B, v);
-    const T1 DT = m.D / tt;
-    const T1 ar = R * tt * (-w.g - DT * w.f);
-    const double FV = value(-w.gV - DT * w.fV);
+    T1 ar;
+    double FV;
+    if (!f.wong_sandler) {
+        // as in homogeneous(): plain volume functions, D/T carries the temperature
+        double B;
+        const T1 DT = one_fluid_attraction(f, tt, x, B) / tt;
+        const volume_terms<double> w = volume_functions(f.eos, B, v);
+        ar = R * tt * (-(DT * w.f) - w.g);
+        FV = -w.gV - value(DT) * w.fV;
+    } else {
+        temperature_terms<T1> t;
+        at_temperature(f, tt, t);
+        mixture_terms<T1> m;
+        mix(f, t, x, m, nullptr);
+        const volume_terms<T1> w = volume_functions(f.eos, m.B, v);
+        const T1 DT = m.D / tt;
+        ar = R * tt * (-w.g - DT * w.f);
+        FV = value(-w.gV - DT * w.fV);
+    }
     double h0 = 0.0, s0 = 0.0;
+    const double ln_tr = std::log(T / reference_temperature);
     for (int i = 0; i < f.n; ++i) {
         if (x[i] <= 0.0) continue;
-        const ideal_gas_terms ig = ideal_gas(f.comp[i], T);
+        const ideal_gas_terms ig = ideal_gas(f.comp[i], T, ln_tr);
         h0 += x[i] * ig.h;
         s0 += x[i] * (ig.s - R * std::log(x[i]));
     }
