@@ -456,4 +456,25 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
     return 0;
 }
 
+int saturation_q_from(const fluid& f, bool given_t, double& Tio, double& Pio, double q,
+                      const double* z, const double* lnk0, flash_result& out) {
+    const bool bubble_side = q < 0.5;
+    const int base = given_t ? (bubble_side ? 400 : 410) : (bubble_side ? 420 : 430);
+    double T = Tio, P = Pio;
+    if (!(q >= 0.0 && q <= 1.0) || !(P > 0.0) || !(T > 0.0) || !std::isfinite(P) ||
+        !std::isfinite(T))
+        return base + 1;
+    vec lnk{};
+    for (int i = 0; i < f.n; ++i) {
+        if (!std::isfinite(lnk0[i])) return base + 1;
+        lnk[i] = lnk0[i];
+    }
+    if (const int e = iterate(f, given_t, T, P, q, z, lnk, out, 0)) return base + e;
+    out.nphase = 2;
+    out.beta = q;
+    Tio = T;
+    Pio = P;
+    return 0;
+}
+
 } // namespace varimol
