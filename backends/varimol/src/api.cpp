@@ -296,6 +296,32 @@ bool envelope_start(const fluid& f, const envelope_store& st, bool dew, bool giv
     return false;
 }
 
+// largest |ln K| of an interpolated start below which a bubble or dew point is solved along the
+// traced curve rather than by Newton from the start
+constexpr double near_critical_lnk = 0.05;
+
+// A bubble (dew = false) or dew point at given T or P from the traced curve. Newton from the
+// interpolated start converges in two or three steps, also where Wilson's K-values fall onto
+// the trivial solution. Within a few hundredths of ln K of the critical point the Newton
+// iteration on (ln K, P or T) is close to singular (the trivial solution lies next to it) and
+// its steps overshoot across the critical point: there the point is found along the traced
+// curve, with a ln K specified as the tracer holds it. Returns 0 or 1.
+int quality_end(const fluid& f, const envelope_store& st, bool dew, bool given_t, double& T,
+                double& P, flash_result& fr) {
+    vec lnk{};
+    double t0, p0;
+    if (!envelope_start(f, st, dew, given_t, T, P, lnk, t0, p0)) return 1;
+    double spread = 0.0;
+    for (int i = 0; i < f.n; ++i) spread = std::max(spread, std::abs(lnk[i]));
+    const double q = dew ? 1.0 : 0.0;
+    if (spread > near_critical_lnk) {
+        if (saturation_q_from(f, given_t, t0, p0, q, f.z.data(), lnk.data(), fr) != 0) return 1;
+        T = t0, P = p0;
+        return 0;
+    }
+    return quality_end_from_envelope(f, st, dew, given_t, T, P, fr);
+}
+
 // vapour fraction of the PT flash at (T, P): 0 or 1 for a homogeneous liquid- or vapour-like
 // feed; -1 when the flash fails
 double flash_beta(const fluid& f, double T, double P, flash_result& fr) {
@@ -355,17 +381,9 @@ int mixture_quality_point(const fluid& f, bool given_t, double& T, double& P, do
         if (!given_t && P > lim.s.p_cricondenbar) return beyond;
     }
     const double t_in = T, p_in = P;
-    // a bubble or dew point starts from the traced curve: Newton converges from there in two or
-    // three steps, also close to the critical point where Wilson's K-values fall onto the
-    // trivial solution
     if ((q == 0.0 || q == 1.0) && lim.known) {
-        vec lnk{};
-        double t0, p0;
-        if (envelope_start(f, lim.store, q == 1.0, given_t, T, P, lnk, t0, p0) &&
-            saturation_q_from(f, given_t, t0, p0, q, f.z.data(), lnk.data(), fr) == 0) {
-            T = t0, P = p0;
-            return 0;
-        }
+        if (quality_end(f, lim.store, q == 1.0, given_t, T, P, fr) == 0) return 0;
+        T = t_in, P = p_in;
     }
     if (given_t)
         P = 1.0e5; // starting values of the iteration
@@ -377,6 +395,22 @@ int mixture_quality_point(const fluid& f, bool given_t, double& T, double& P, do
     if (q == 0.0 || q == 1.0) {
         if (quality_end_from_envelope(f, lim.store, q == 1.0, given_t, T, P, fr) == 0) return 0;
     } else {
+        // close to the critical point, where the lines of constant q crowd together: from the
+        // bubble or the dew point of the traced curve (the nearer in q first), along the tie
+        // lines of the given T or P in the vapour fraction
+        for (const bool dew : {q >= 0.5, q < 0.5}) {
+            if (!lim.known) break;
+            double te = t_in, pe = p_in;
+            flash_result end;
+            if (quality_end(f, lim.store, dew, given_t, te, pe, end) != 0) continue;
+            vec lnk{};
+            for (int i = 0; i < f.n; ++i) lnk[i] = std::log(end.y[i] / end.x[i]);
+            if (saturation_q_follow(f, given_t, te, pe, dew ? 1.0 : 0.0, q, f.z.data(),
+                                    lnk.data(), fr) == 0) {
+                T = te, P = pe;
+                return 0;
+            }
+        }
         // between the bubble and the dew point of the given T or P
         double tb = given_t ? T : 0.7 * f.tcrit, pb = given_t ? 1.0e5 : P;
         double td = tb, pd = pb;

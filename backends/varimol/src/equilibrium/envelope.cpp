@@ -527,26 +527,42 @@ int envelope_point(const fluid& f, bool dew, bool given_t, const double* a, cons
     }
     point p, best;
     double sa = a[s], sb = b[s], fa = a[g] - target, fb = b[g] - target;
+    // the curve's points at the ends of the bracket, which narrows towards the given value: the
+    // straight line between them starts each solution (close to the critical point, where the
+    // solution at small ln K is near the trivial one, a start from the far end does not hold)
+    xvec ea{}, eb{};
+    for (int j = 0; j < n + 2; ++j) ea[j] = a[j], eb[j] = b[j];
     double fbest = INFINITY;
     int side = 0;
+    double retry = NAN; // a value to try after a failed solution
+    int failures = 0;
     for (int it = 0; it < 60; ++it) {
         double sm = fb == fa ? 0.5 * (sa + sb) : sb - fb * (sb - sa) / (fb - fa);
         if (!(sm > std::min(sa, sb) && sm < std::max(sa, sb))) sm = 0.5 * (sa + sb);
-        // start: the straight line between the ends
-        const double w = (sm - a[s]) / (b[s] - a[s]);
-        for (int j = 0; j < n + 2; ++j) p.X[j] = a[j] + w * (b[j] - a[j]);
-        if (tr.solve(p, s, sm) < 0) break;
+        if (std::isfinite(retry)) sm = retry, retry = NAN;
+        const double w = (sm - ea[s]) / (eb[s] - ea[s]);
+        for (int j = 0; j < n + 2; ++j) p.X[j] = ea[j] + w * (eb[j] - ea[j]);
+        if (tr.solve(p, s, sm) < 0) {
+            // a start too far from the curve, where the solution lies close to the trivial one
+            // (small ln K by the critical point): the next try lies halfway to the end away
+            // from it, whose solution then brings the start closer
+            if (++failures > 12) break;
+            const bool a_far = s < n ? std::abs(sa) > std::abs(sb)
+                                     : std::abs(sa - sm) > std::abs(sb - sm);
+            retry = 0.5 * (sm + (a_far ? sa : sb));
+            continue;
+        }
         const double fm = p.X[g] - target;
         if (std::abs(fm) < fbest) fbest = std::abs(fm), best = p;
         // close to the critical point the point at a given ln K is determined only to the
         // conditioning of the equations there: the regula falsi stops where rounding sets in
         if (fbest <= 1e-13 || std::abs(sb - sa) <= 1e-13 * std::max(1.0, std::abs(sm))) break;
         if ((fm > 0.0) == (fb > 0.0)) {
-            sb = sm, fb = fm;
+            sb = sm, fb = fm, eb = p.X;
             if (side == 1) fa *= 0.5;
             side = 1;
         } else {
-            sa = sm, fa = fm;
+            sa = sm, fa = fm, ea = p.X;
             if (side == -1) fb *= 0.5;
             side = -1;
         }
