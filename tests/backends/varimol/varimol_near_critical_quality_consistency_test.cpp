@@ -2,6 +2,7 @@
 // temperature of six mixtures: each either converges to coexisting phases whose overall
 // composition lies on the tie line to rounding, or answers the code of a state beyond the
 // envelope. Iteration failures (codes 400-446) are counted and bounded.
+#include "equilibrium/envelope.hpp"
 #include "model/properties.hpp"
 #include "varimol_fluids.hpp"
 
@@ -47,6 +48,20 @@ double split_gibbs(const fluid& f, double T, double P, double q, const double* x
         return s;
     };
     return (1.0 - q) * g(x) + q * g(y) - g(z);
+}
+
+// largest |ln f_i(x) - ln f_i(y)| of a liquid x and a vapour y at (T, P)
+double fugacity_gap(const fluid& f, double T, double P, const double* x, const double* y) {
+    temperature_terms<double> t;
+    at_temperature(f, T, t);
+    phase L, V;
+    if (eval_phase(f, t, P, x, root_choice::liquid, L) ||
+        eval_phase(f, t, P, y, root_choice::vapour, V))
+        return INFINITY;
+    double gap = 0.0;
+    for (int i = 0; i < f.n; ++i)
+        gap = std::max(gap, std::abs(std::log(x[i] / y[i]) + L.lnphi[i] - V.lnphi[i]));
+    return gap;
 }
 
 fluid make(const varimol_test::mixture_spec& m) {
@@ -130,4 +145,48 @@ TEST(VarimolNearCriticalQuality, ConvergeOnTheTieLineOrAnswerACode) {
                 "%d iteration failures; the PT flash of %d interior points finds another split\n",
                 converged, beyond, failures, flash_disagrees);
     EXPECT_LE(failures, 0);
+}
+
+// Where the cricondenbar and cricondentherm lie within the step of the traced curve that passes
+// the critical point (air, a near-azeotropic refrigerant blend), they are still told apart from
+// it, and the dew points above the critical pressure or temperature converge.
+TEST(VarimolNearCriticalQuality, ExtremesBesideTheCriticalPoint) {
+    for (const char* label : {"air", "R32/R125", "CH4/C3H8"}) {
+        const auto& m = std::find_if(mixtures.begin(), mixtures.end(), [&](const named& c) {
+                            return std::string(c.label) == label;
+                        })->m;
+        SCOPED_TRACE(label);
+        ASSERT_EQ(varimol_test::select(1, m), 0);
+        double mm, tc, pc, tmin, tmax;
+        vm3_fluidinfo(mm, tc, pc, tmin, tmax);
+        fluid f = make(m);
+        f.tcrit = tc, f.pcrit = pc;
+        envelope_summary s;
+        ASSERT_EQ(envelope_limits(f, s), 0);
+        ASSERT_GT(s.p_cricondenbar, pc * (1.0 + 1e-9));
+        ASSERT_GT(s.t_cricondentherm, tc * (1.0 + 1e-9));
+        // between the critical pressure (temperature) and the cricondenbar (cricondentherm)
+        // the curve is crossed twice on the side of the extreme: a bubble or a dew point
+        // exists there, and is found
+        for (const double w : {0.1, 0.5, 0.9}) {
+            const double p = pc + w * (s.p_cricondenbar - pc);
+            const double t = tc + w * (s.t_cricondentherm - tc);
+            int found_p = 0, found_t = 0;
+            for (const double q : {0.0, 1.0}) {
+                const state a = tmd(11, 0.0, p, q), b = tmd(12, t, 0.0, q);
+                if (a.ierr == 0) {
+                    ++found_p;
+                    EXPECT_LT(fugacity_gap(f, a.T, p, a.x.data(), a.y.data()), 1e-9) << w;
+                }
+                if (b.ierr == 0) {
+                    ++found_t;
+                    EXPECT_LT(fugacity_gap(f, t, b.p, b.x.data(), b.y.data()), 1e-9) << w;
+                }
+            }
+            EXPECT_GE(found_p, 1) << w;
+            EXPECT_GE(found_t, 1) << w;
+        }
+        EXPECT_EQ(tmd(11, 0.0, s.p_cricondenbar * 1.0001, 1.0).ierr, 3271);
+        EXPECT_EQ(tmd(12, s.t_cricondentherm * 1.0001, 0.0, 1.0).ierr, 3276);
+    }
 }
