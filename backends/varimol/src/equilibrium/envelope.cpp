@@ -217,7 +217,7 @@ namespace {
 // and b of one side (ln T or ln P with a zero derivative along the curve inside the step), with
 // X_s specified: regula falsi (Illinois) on S for the zero of dX_q/dS, each solution started on
 // the straight line between the two points that bracket it. The extreme value is quadratic in
-// the error of S, so S to 1e-9 of the step is ample. The summary's cricondentherm and
+// the error of S, so S to 1e-7 of the step is ample. The summary's cricondentherm and
 // cricondenbar are raised where these exceed them; the points found (at most two) are written
 // to out in the order of S from a to b, and their number returned.
 int locate_extremes(const tracer& tr, const point& a, const point& b, int s,
@@ -237,8 +237,8 @@ int locate_extremes(const tracer& tr, const point& a, const point& b, int s,
         point best = a.X[q] > b.X[q] ? a : b;
         point pm;
         int side = 0;
-        const double tol = 1e-9 * std::abs(sb - sa);
-        for (int it = 0; it < 40 && std::abs(sb - sa) > tol; ++it) {
+        const double tol = 1e-7 * std::abs(sb - sa);
+        for (int it = 0; it < 16 && std::abs(sb - sa) > tol; ++it) {
             double sm = sa - fa * (sb - sa) / (fb - fa);
             if (!(std::min(sa, sb) < sm && sm < std::max(sa, sb))) sm = 0.5 * (sa + sb);
             const double w = (sm - ea[s]) / (eb[s] - ea[s]);
