@@ -381,6 +381,8 @@ int mixture_quality_point(const fluid& f, bool given_t, double& T, double& P, do
         if (!given_t && P > lim.s.p_cricondenbar) return beyond;
     }
     const double t_in = T, p_in = P;
+    // a bubble or dew point from the traced curve; the iteration from Wilson's K-values below
+    // serves a curve that did not close or a point it misses
     if ((q == 0.0 || q == 1.0) && lim.known) {
         if (quality_end(f, lim.store, q == 1.0, given_t, T, P, fr) == 0) return 0;
         T = t_in, P = p_in;
