@@ -247,6 +247,81 @@ int quality_end_from_envelope(const fluid& f, const envelope_store& st, bool dew
     return 1;
 }
 
+// The start of a bubble (q = 0) or dew (q = 1) iteration at given T or P from the traced
+// envelope: ln K and the unknown ln P (or ln T) interpolated in ln T (or ln P) through up to
+// four stored points of that side around the given value (cubic where the neighbours lie on
+// the same side and keep the given variable monotonic, else down to the straight line between
+// the two that bracket it). The critical point ends either side (ln K = 0 there). Bubble points
+// are looked for from the low-pressure end of the curve on, dew points from its other end
+// back: the branch of the usual, upper dew temperature and the lower dew pressure.
+bool envelope_start(const fluid& f, const envelope_store& st, bool dew, bool given_t, double T,
+                    double P, vec& lnk, double& T0, double& P0) {
+    const int n = f.n;
+    const double v = std::log(given_t ? T : P);
+    if (!std::isfinite(v) || st.count < 2) return false;
+    auto given = [&](int k) { return std::log(given_t ? st.pts[k].T : st.pts[k].P); };
+    auto on_side = [&](int k) {
+        return k >= 0 && k < st.count && (st.pts[k].critical || st.pts[k].dew == dew);
+    };
+    for (int m = 0; m + 1 < st.count; ++m) {
+        const int k = dew ? st.count - 2 - m : m;
+        if (!on_side(k) || !on_side(k + 1) || (st.pts[k].critical && st.pts[k + 1].critical))
+            continue;
+        const double va = given(k), vb = given(k + 1);
+        if (!((v - va) * (v - vb) <= 0.0) || va == vb) continue;
+        // the points of the interpolation: k-1 .. k+2 where they belong, monotonic in v
+        int lo = k, hi = k + 1;
+        const double dir = vb > va ? 1.0 : -1.0;
+        if (on_side(k - 1) && !st.pts[k].critical && (va - given(k - 1)) * dir > 0.0) lo = k - 1;
+        if (on_side(k + 2) && !st.pts[k + 1].critical && (given(k + 2) - vb) * dir > 0.0)
+            hi = k + 2;
+        std::array<double, 4> w{};
+        for (int a = lo; a <= hi; ++a) {
+            double l = 1.0;
+            for (int b = lo; b <= hi; ++b)
+                if (b != a) l *= (v - given(b)) / (given(a) - given(b));
+            w[a - lo] = l;
+        }
+        double other = 0.0;
+        for (int i = 0; i < n; ++i) lnk[i] = 0.0;
+        for (int a = lo; a <= hi; ++a) {
+            const stored_point& sp = st.pts[a];
+            other += w[a - lo] * std::log(given_t ? sp.P : sp.T);
+            for (int i = 0; i < n; ++i) lnk[i] += w[a - lo] * sp.lnk[i];
+        }
+        T0 = given_t ? T : std::exp(other);
+        P0 = given_t ? std::exp(other) : P;
+        return std::isfinite(T0) && std::isfinite(P0);
+    }
+    return false;
+}
+
+// largest |ln K| of an interpolated start below which a bubble or dew point is solved along the
+// traced curve rather than by Newton from the start
+constexpr double near_critical_lnk = 0.05;
+
+// A bubble (dew = false) or dew point at given T or P from the traced curve. Newton from the
+// interpolated start converges in two or three steps, also where Wilson's K-values fall onto
+// the trivial solution. Within a few hundredths of ln K of the critical point the Newton
+// iteration on (ln K, P or T) is close to singular (the trivial solution lies next to it) and
+// its steps overshoot across the critical point: there the point is found along the traced
+// curve, with a ln K specified as the tracer holds it. Returns 0 or 1.
+int quality_end(const fluid& f, const envelope_store& st, bool dew, bool given_t, double& T,
+                double& P, flash_result& fr) {
+    vec lnk{};
+    double t0, p0;
+    if (!envelope_start(f, st, dew, given_t, T, P, lnk, t0, p0)) return 1;
+    double spread = 0.0;
+    for (int i = 0; i < f.n; ++i) spread = std::max(spread, std::abs(lnk[i]));
+    const double q = dew ? 1.0 : 0.0;
+    if (spread > near_critical_lnk) {
+        if (saturation_q_from(f, given_t, t0, p0, q, f.z.data(), lnk.data(), fr) != 0) return 1;
+        T = t0, P = p0;
+        return 0;
+    }
+    return quality_end_from_envelope(f, st, dew, given_t, T, P, fr);
+}
+
 // vapour fraction of the PT flash at (T, P): 0 or 1 for a homogeneous liquid- or vapour-like
 // feed; -1 when the flash fails
 double flash_beta(const fluid& f, double T, double P, flash_result& fr) {
@@ -306,6 +381,12 @@ int mixture_quality_point(const fluid& f, bool given_t, double& T, double& P, do
         if (!given_t && P > lim.s.p_cricondenbar) return beyond;
     }
     const double t_in = T, p_in = P;
+    // a bubble or dew point from the traced curve; the iteration from Wilson's K-values below
+    // serves a curve that did not close or a point it misses
+    if ((q == 0.0 || q == 1.0) && lim.known) {
+        if (quality_end(f, lim.store, q == 1.0, given_t, T, P, fr) == 0) return 0;
+        T = t_in, P = p_in;
+    }
     if (given_t)
         P = 1.0e5; // starting values of the iteration
     else
@@ -316,6 +397,22 @@ int mixture_quality_point(const fluid& f, bool given_t, double& T, double& P, do
     if (q == 0.0 || q == 1.0) {
         if (quality_end_from_envelope(f, lim.store, q == 1.0, given_t, T, P, fr) == 0) return 0;
     } else {
+        // close to the critical point, where the lines of constant q crowd together: from the
+        // bubble or the dew point of the traced curve (the nearer in q first), along the tie
+        // lines of the given T or P in the vapour fraction
+        for (const bool dew : {q >= 0.5, q < 0.5}) {
+            if (!lim.known) break;
+            double te = t_in, pe = p_in;
+            flash_result end;
+            if (quality_end(f, lim.store, dew, given_t, te, pe, end) != 0) continue;
+            vec lnk{};
+            for (int i = 0; i < f.n; ++i) lnk[i] = std::log(end.y[i] / end.x[i]);
+            if (saturation_q_follow(f, given_t, te, pe, dew ? 1.0 : 0.0, q, f.z.data(),
+                                    lnk.data(), fr) == 0) {
+                T = te, P = pe;
+                return 0;
+            }
+        }
         // between the bubble and the dew point of the given T or P
         double tb = given_t ? T : 0.7 * f.tcrit, pb = given_t ? 1.0e5 : P;
         double td = tb, pd = pb;
@@ -328,6 +425,17 @@ int mixture_quality_point(const fluid& f, bool given_t, double& T, double& P, do
         if (have_ends) {
             const double a = given_t ? std::log(pb) : tb, b = given_t ? std::log(pd) : td;
             if (quality_inside(f, given_t, a, b, q, T, P, fr) == 0) {
+                // the PT flash's vapour fraction matches q only to the rounding of its
+                // iteration: Newton on the tie line of q itself, from the flash's K-values,
+                // puts the overall composition on it to rounding
+                vec lnk{};
+                for (int i = 0; i < f.n; ++i) lnk[i] = std::log(fr.y[i] / fr.x[i]);
+                double tp = T, pp = P;
+                flash_result polished;
+                if (saturation_q_from(f, given_t, tp, pp, q, f.z.data(), lnk.data(), polished) ==
+                    0) {
+                    T = tp, P = pp, fr = polished;
+                }
                 fr.beta = q;
                 return 0;
             }

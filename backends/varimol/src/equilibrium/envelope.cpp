@@ -213,6 +213,63 @@ public:
 } // namespace
 
 namespace {
+// The highest temperature and the highest pressure of the curve between two solved points a
+// and b of one side (ln T or ln P with a zero derivative along the curve inside the step), with
+// X_s specified: regula falsi (Illinois) on S for the zero of dX_q/dS, each solution started on
+// the straight line between the two points that bracket it. The extreme value is quadratic in
+// the error of S, so S to 1e-7 of the step is ample. The summary's cricondentherm and
+// cricondenbar are raised where these exceed them; the points found (at most two) are written
+// to out in the order of S from a to b, and their number returned.
+int locate_extremes(const tracer& tr, const point& a, const point& b, int s,
+                    envelope_summary& sum, std::array<point, 2>& out) {
+    const int n = tr.n;
+    xvec da, db;
+    if (!tr.sensitivity(a, s, da) || !tr.sensitivity(b, s, db)) return 0;
+    int found = 0;
+    std::array<double, 2> where{};
+    for (int q = n; q <= n + 1; ++q) {
+        // a maximum of X_q along the direction from a to b: dX_q/dS changes sign from the
+        // direction of travel to against it
+        const double dir = b.X[s] > a.X[s] ? 1.0 : -1.0;
+        if (!(da[q] * dir > 0.0 && db[q] * dir <= 0.0)) continue;
+        double sa = a.X[s], sb = b.X[s], fa = da[q], fb = db[q];
+        xvec ea = a.X, eb = b.X;
+        point best = a.X[q] > b.X[q] ? a : b;
+        point pm;
+        int side = 0;
+        const double tol = 1e-7 * std::abs(sb - sa);
+        for (int it = 0; it < 16 && std::abs(sb - sa) > tol; ++it) {
+            double sm = sa - fa * (sb - sa) / (fb - fa);
+            if (!(std::min(sa, sb) < sm && sm < std::max(sa, sb))) sm = 0.5 * (sa + sb);
+            const double w = (sm - ea[s]) / (eb[s] - ea[s]);
+            for (int j = 0; j < n + 2; ++j) pm.X[j] = ea[j] + w * (eb[j] - ea[j]);
+            xvec dm;
+            if (tr.solve(pm, s, sm) < 0 || !tr.sensitivity(pm, s, dm)) break;
+            if (pm.X[q] > best.X[q]) best = pm;
+            if ((dm[q] > 0.0) == (fa > 0.0)) {
+                sa = sm, fa = dm[q], ea = pm.X;
+                if (side == -1) fb *= 0.5;
+                side = -1;
+            } else {
+                sb = sm, fb = dm[q], eb = pm.X;
+                if (side == 1) fa *= 0.5;
+                side = 1;
+            }
+        }
+        const double value = std::exp(best.X[q]), other = std::exp(best.X[q == n ? n + 1 : n]);
+        if (q == n && value > sum.t_cricondentherm)
+            sum.t_cricondentherm = value, sum.p_cricondentherm = other;
+        if (q == n + 1 && value > sum.p_cricondenbar)
+            sum.p_cricondenbar = value, sum.t_cricondenbar = other;
+        // an extreme at an end of the step is that point itself
+        if (best.X[s] == a.X[s] || best.X[s] == b.X[s]) continue;
+        out[found] = best;
+        where[found++] = std::abs(best.X[s] - a.X[s]);
+    }
+    if (found == 2 && where[1] < where[0]) std::swap(out[0], out[1]);
+    return found;
+}
+
 int trace_curve(const fluid& f, double p_start, envelope_sink* sink, envelope_summary& s,
                 bool& reversed) {
     s = envelope_summary{};
@@ -263,6 +320,7 @@ int trace_curve(const fluid& f, double p_start, envelope_sink* sink, envelope_su
     bool have_prev = false;
     int switches = 0;   // three-phase points passed
     constexpr int max_switches = 4;
+    std::array<point, 2> extremes; // the highest T and P found inside a step, in order
     for (int step = 0; step < 2000; ++step) {
         // the new specified variable: the unknown that changes most
         int k = 0;
@@ -433,6 +491,28 @@ int trace_curve(const fluid& f, double p_start, envelope_sink* sink, envelope_su
             crossed = true;
             s.t_crit = c.T;
             s.p_crit = c.P;
+            // The highest temperature and pressure of the curve lie close to the critical
+            // point, often inside the step that passes it: they are looked for between the
+            // current point and the critical one on this side, and between the critical point
+            // and the next one on the other, ln K_im specified (it runs to zero at the
+            // critical point, where the equations become singular: the search ends just short
+            // of it)
+            point crit{};
+            for (int i = 0; i < n; ++i) crit.X[i] = 0.0;
+            crit.X[n] = std::log(c.T), crit.X[n + 1] = std::log(c.P);
+            auto near_critical_end = [&](const point& from, point& end) {
+                constexpr double short_of = 0.02;
+                for (int j = 0; j < n + 2; ++j)
+                    end.X[j] = crit.X[j] + short_of * (from.X[j] - crit.X[j]);
+                return tr.solve(end, im, short_of * from.X[im]) >= 0;
+            };
+            point end{};
+            int found = near_critical_end(cur, end) ? locate_extremes(tr, cur, end, im, s, extremes)
+                                                    : 0;
+            for (int k = 0; k < found; ++k)
+                if (!emit(std::exp(extremes[k].X[n]), std::exp(extremes[k].X[n + 1]),
+                          extremes[k].x, extremes[k].y))
+                    return 452;
             vec zz{};
             for (int i = 0; i < n; ++i) zz[i] = z[i];
             if (!emit(c.T, c.P, zz, zz)) return 452;
@@ -442,49 +522,26 @@ int trace_curve(const fluid& f, double p_start, envelope_sink* sink, envelope_su
             if (tr.solve(nxt, fixed, nxt.X[fixed]) < 0) return 450;
             if (!tr.sensitivity(nxt, fixed, nsens)) return 450;
             if (fixed < n) ds = -ds;
-        }
-
-        // cricondentherm and cricondenbar: d ln T/dS or d ln P/dS changes sign along the path
-        for (int q = n; q <= n + 1 && !crossed; ++q) {
-            const double ga = sens[q] * ds, gb = nsens[q] * ds;
-            if (!(ga > 0.0 && gb <= 0.0)) continue;
-            // regula falsi (Illinois) on S for the zero of the derivative between the two
-            // points; the extreme value is quadratic in the error of S, so S to 1e-7 suffices
-            double sa = cur.X[fixed], sb = nxt.X[fixed], fa = sens[q], fb = nsens[q];
-            point pm = nxt;
-            double best = std::exp(nxt.X[q]), other = std::exp(nxt.X[q == n ? n + 1 : n]);
-            int side = 0;
-            for (int it = 0; it < 12 && std::abs(sb - sa) > 1e-7 * (1.0 + std::abs(sa)); ++it) {
-                const double sm = sa - fa * (sb - sa) / (fb - fa);
-                if (!(std::min(sa, sb) < sm && sm < std::max(sa, sb))) break;
-                for (int j = 0; j < n + 2; ++j) pm.X[j] = cur.X[j] + sens[j] * (sm - cur.X[fixed]);
-                if (tr.solve(pm, fixed, sm) < 0) break;
-                xvec dm;
-                if (!tr.sensitivity(pm, fixed, dm)) break;
-                if (std::exp(pm.X[q]) > best) {
-                    best = std::exp(pm.X[q]);
-                    other = std::exp(pm.X[q == n ? n + 1 : n]);
-                }
-                const double step = std::min(std::abs(sm - sa), std::abs(sm - sb));
-                if ((dm[q] > 0.0) == (fa > 0.0)) {
-                    sa = sm, fa = dm[q];
-                    if (side == -1) fb *= 0.5;
-                    side = -1;
-                } else {
-                    sb = sm, fb = dm[q];
-                    if (side == 1) fa *= 0.5;
-                    side = 1;
-                }
-                if (step < 1e-7 * (1.0 + std::abs(sm))) break;
-            }
-            if (q == n && best > s.t_cricondentherm) s.t_cricondentherm = best, s.p_cricondentherm = other;
-            if (q == n + 1 && best > s.p_cricondenbar) s.p_cricondenbar = best, s.t_cricondenbar = other;
+            found = near_critical_end(nxt, end) ? locate_extremes(tr, end, nxt, im, s, extremes)
+                                                : 0;
+            for (int k = 0; k < found; ++k)
+                if (!emit(std::exp(extremes[k].X[n]), std::exp(extremes[k].X[n + 1]),
+                          extremes[k].x, extremes[k].y))
+                    return 452;
         }
 
         // past p_start on the way down: this step is redone onto p_start
         if (!final_point && step > 0 && nxt.X[n + 1] < lnp0 && nsens[n + 1] * ds < 0.0) {
             final_point = true;
             continue;
+        }
+        // cricondentherm and cricondenbar of a step that did not pass the critical point
+        if (!crossed) {
+            const int found = locate_extremes(tr, cur, nxt, fixed, s, extremes);
+            for (int k = 0; k < found; ++k)
+                if (!emit(std::exp(extremes[k].X[n]), std::exp(extremes[k].X[n + 1]),
+                          extremes[k].x, extremes[k].y))
+                    return 452;
         }
         prev = cur.X;
         have_prev = !crossed;
@@ -527,26 +584,42 @@ int envelope_point(const fluid& f, bool dew, bool given_t, const double* a, cons
     }
     point p, best;
     double sa = a[s], sb = b[s], fa = a[g] - target, fb = b[g] - target;
+    // the curve's points at the ends of the bracket, which narrows towards the given value: the
+    // straight line between them starts each solution (close to the critical point, where the
+    // solution at small ln K is near the trivial one, a start from the far end does not hold)
+    xvec ea{}, eb{};
+    for (int j = 0; j < n + 2; ++j) ea[j] = a[j], eb[j] = b[j];
     double fbest = INFINITY;
     int side = 0;
+    double retry = NAN; // a value to try after a failed solution
+    int failures = 0;
     for (int it = 0; it < 60; ++it) {
         double sm = fb == fa ? 0.5 * (sa + sb) : sb - fb * (sb - sa) / (fb - fa);
         if (!(sm > std::min(sa, sb) && sm < std::max(sa, sb))) sm = 0.5 * (sa + sb);
-        // start: the straight line between the ends
-        const double w = (sm - a[s]) / (b[s] - a[s]);
-        for (int j = 0; j < n + 2; ++j) p.X[j] = a[j] + w * (b[j] - a[j]);
-        if (tr.solve(p, s, sm) < 0) break;
+        if (std::isfinite(retry)) sm = retry, retry = NAN;
+        const double w = (sm - ea[s]) / (eb[s] - ea[s]);
+        for (int j = 0; j < n + 2; ++j) p.X[j] = ea[j] + w * (eb[j] - ea[j]);
+        if (tr.solve(p, s, sm) < 0) {
+            // a start too far from the curve, where the solution lies close to the trivial one
+            // (small ln K by the critical point): the next try lies halfway to the end away
+            // from it, whose solution then brings the start closer
+            if (++failures > 12) break;
+            const bool a_far = s < n ? std::abs(sa) > std::abs(sb)
+                                     : std::abs(sa - sm) > std::abs(sb - sm);
+            retry = 0.5 * (sm + (a_far ? sa : sb));
+            continue;
+        }
         const double fm = p.X[g] - target;
         if (std::abs(fm) < fbest) fbest = std::abs(fm), best = p;
         // close to the critical point the point at a given ln K is determined only to the
         // conditioning of the equations there: the regula falsi stops where rounding sets in
         if (fbest <= 1e-13 || std::abs(sb - sa) <= 1e-13 * std::max(1.0, std::abs(sm))) break;
         if ((fm > 0.0) == (fb > 0.0)) {
-            sb = sm, fb = fm;
+            sb = sm, fb = fm, eb = p.X;
             if (side == 1) fa *= 0.5;
             side = 1;
         } else {
-            sa = sm, fa = fm;
+            sa = sm, fa = fm, ea = p.X;
             if (side == -1) fb *= 0.5;
             side = -1;
         }

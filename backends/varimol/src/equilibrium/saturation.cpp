@@ -147,8 +147,14 @@ namespace {
 // `substitutions` steps of successive substitution, then Newton on (ln K, ln P or T), from the
 // given K-values; 0, 1 (no convergence) or 2 (trivial solution).
 int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const double* z,
-            vec& lnk, flash_result& out, int substitutions) {
+            vec& lnk, flash_result& out, int substitutions, bool feed_stable = false) {
     const int n = f.n;
+    // the roots of the two phases: the incipient one on the root of its kind; the feed (at a
+    // bubble or dew point) on the root of its kind, or, started from the traced curve close to
+    // the critical point where the kinds can swap, on the root of lower Gibbs energy as the
+    // curve was traced
+    const root_choice root_l = feed_stable && q == 0.0 ? root_choice::stable : root_choice::liquid;
+    const root_choice root_v = feed_stable && q == 1.0 ? root_choice::stable : root_choice::vapour;
     const int base = 0;
     vec K{}, x{}, y{};
     auto rr = [&](const vec& lk, double& dfd) {
@@ -196,13 +202,13 @@ int iterate(const fluid& f, bool given_t, double& T, double& P, double q, const 
             mat* pl = with_dn ? &dl : nullptr;
             mat* pv = with_dn ? &dv : nullptr;
             if (given_t)
-                return eval_phase(f, tfix, P, xn.data(), root_choice::liquid, L, pl,
+                return eval_phase(f, tfix, P, xn.data(), root_l, L, pl,
                                   with_dn ? &dpl : nullptr) ||
-                       eval_phase(f, tfix, P, yn.data(), root_choice::vapour, V, pv,
+                       eval_phase(f, tfix, P, yn.data(), root_v, V, pv,
                                   with_dn ? &dpv : nullptr);
-            return eval_phase_t(f, tt, P, xn.data(), root_choice::liquid, L, pl, nullptr,
+            return eval_phase_t(f, tt, P, xn.data(), root_l, L, pl, nullptr,
                                 with_dt ? &dtl : nullptr) ||
-                   eval_phase_t(f, tt, P, yn.data(), root_choice::vapour, V, pv, nullptr,
+                   eval_phase_t(f, tt, P, yn.data(), root_v, V, pv, nullptr,
                                 with_dt ? &dtv : nullptr);
         };
         if (closing ? evaluate(false, false) : evaluate(newton, true)) return base + 1;
@@ -449,6 +455,53 @@ int saturation_q(const fluid& f, bool given_t, double& Tio, double& Pio, double 
         }
     }
     if (e != 0) return base + e;
+    out.nphase = 2;
+    out.beta = q;
+    Tio = T;
+    Pio = P;
+    return 0;
+}
+
+int saturation_q_from(const fluid& f, bool given_t, double& Tio, double& Pio, double q,
+                      const double* z, const double* lnk0, flash_result& out) {
+    const bool bubble_side = q < 0.5;
+    const int base = given_t ? (bubble_side ? 400 : 410) : (bubble_side ? 420 : 430);
+    double T = Tio, P = Pio;
+    if (!(q >= 0.0 && q <= 1.0) || !(P > 0.0) || !(T > 0.0) || !std::isfinite(P) ||
+        !std::isfinite(T))
+        return base + 1;
+    vec lnk{};
+    for (int i = 0; i < f.n; ++i) {
+        if (!std::isfinite(lnk0[i])) return base + 1;
+        lnk[i] = lnk0[i];
+    }
+    if (const int e = iterate(f, given_t, T, P, q, z, lnk, out, 0, true)) return base + e;
+    // a Newton step across the critical point lands on the other side's curve, whose phases are
+    // the exchanged ones: the K-values keep the sign of the start or the point is another one
+    double same = 0.0;
+    for (int i = 0; i < f.n; ++i) same += lnk[i] * lnk0[i];
+    if (!(same > 0.0)) return base + 2;
+    out.nphase = 2;
+    out.beta = q;
+    Tio = T;
+    Pio = P;
+    return 0;
+}
+
+int saturation_q_follow(const fluid& f, bool given_t, double& Tio, double& Pio, double qf,
+                        double q, const double* z, const double* lnk0, flash_result& out) {
+    const bool bubble_side = q < 0.5;
+    const int base = given_t ? (bubble_side ? 400 : 410) : (bubble_side ? 420 : 430);
+    double T = Tio, P = Pio;
+    if (!(q >= 0.0 && q <= 1.0) || !(qf >= 0.0 && qf <= 1.0) || !(P > 0.0) || !(T > 0.0) ||
+        !std::isfinite(P) || !std::isfinite(T))
+        return base + 1;
+    vec lnk{};
+    for (int i = 0; i < f.n; ++i) {
+        if (!std::isfinite(lnk0[i])) return base + 1;
+        lnk[i] = lnk0[i];
+    }
+    if (const int e = follow_q(f, given_t, T, P, qf, q, z, lnk, out)) return base + e;
     out.nphase = 2;
     out.beta = q;
     Tio = T;

@@ -25,4 +25,16 @@ int pure_saturation_temperature(const fluid& f, double P, double& T, phase& liq,
 int saturation_q(const fluid& f, bool given_t, double& T, double& P, double q, const double* z,
                  flash_result& out);
 
+// The same point by Newton on (ln K, ln P or T) straight from the given K-values (lnk, n values)
+// and the T and P passed in, as when they come from a traced curve close to the point. Returns 0
+// or the codes of saturation_q; the start is left unchanged on failure.
+int saturation_q_from(const fluid& f, bool given_t, double& T, double& P, double q,
+                      const double* z, const double* lnk, flash_result& out);
+
+// The point of vapour fraction q from a converged point of vapour fraction qf at the same T (or
+// P), its ln K given: continuation in the vapour fraction along the tie lines of that T or P,
+// each point by Newton from the previous ones. Returns 0 or the codes of saturation_q.
+int saturation_q_follow(const fluid& f, bool given_t, double& T, double& P, double qf, double q,
+                        const double* z, const double* lnk, flash_result& out);
+
 } // namespace varimol
