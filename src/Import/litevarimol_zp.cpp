@@ -23,6 +23,14 @@ using cubic_adapter::max_listed;
 using cubic_adapter::warning_code;
 
 cubic_adapter::selection state;
+// the pure fluids of the selection's one name as getfluid resolves them (n = -1: not a mixture
+// this model can resolve), kept until the next selection
+struct resolved_mixture {
+    bool valid = false;
+    int n = -1;
+    zp_adapter::component_names names;
+    zp_adapter::composition conc{};
+} resolved;
 cubic_adapter::state_memory memory;
 
 using cubic_adapter::fluid_directory;
@@ -69,14 +77,17 @@ void narrow(const varimol_load::fluid_data& fluid, litevarimol::fluid_parameters
 
 // dim of the composition outputs: the number of components of the selection, or of the named
 // fluid when one name was given
-int composition_dim() {
+int composition_dim(zp_adapter::composition& overall) {
     int dim = std::min(state.ncmp, max_components);
+    overall = state.cnc;
     if (state.ncmp == 1) {
         int n = -1;
         zp_adapter::component_names names;
         zp_adapter::composition conc;
         litevarimol_getfluid(n, names, conc);
         dim = std::clamp(n, 1, max_components);
+        // one name that stands for a mixture: its overall composition is that of its pure fluids
+        if (n > 1) overall = conc;
     }
     return dim;
 }
@@ -94,8 +105,9 @@ void phase_composition(bool liquid, std::string_view inputspec, double value1, d
     errormsg = no_errors;
     phase_state st{};
     evaluate(inputspec, value1, value2, st, errormsg);
-    dim = composition_dim();
-    cubic_adapter::phase_composition(liquid, dim, st.q, st.x, st.y, state.cnc, output);
+    zp_adapter::composition overall{};
+    dim = composition_dim(overall);
+    cubic_adapter::phase_composition(liquid, dim, st.q, st.x, st.y, overall, output);
 }
 
 // The dispatch row takes the composition operations without their dim.
@@ -230,6 +242,7 @@ void litevarimol_setfluid(int ncomp, std::span<const std::string> comp,
     // fluid stays selected.
     if (ncomp > max_components) return too_many("a selection of ", ncomp, errormsg);
     memory.valid = false;
+    resolved.valid = false;
     const int n = std::clamp(ncomp, 0, std::min<int>(max_components, comp.size()));
     state.ncmp = ncomp;
     state.fluidname = n > 0 ? std::string(trim(comp[0])) : std::string();
@@ -272,10 +285,21 @@ void litevarimol_getfluid(int& ncomp, zp_adapter::component_names& comp,
     comp[0] = state.fluidname;
     conc = state.cnc;
     if (!resolve) return;
-    const int n =
-        cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname, &litevarimol_getcompset,
-                                       model_prefix, state.ncmp == 1, comp, conc);
-    if (n >= 0) ncomp = n;
+
+    // A predefined mixture into its pure fluids: each component is the first loadable pure fluid
+    // with the same identifying number. Resolving reads the fluid database, which costs far more
+    // than a state: it is done once per selection.
+    if (!resolved.valid) {
+        resolved.names = comp;
+        resolved.conc = conc;
+        resolved.n = cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname,
+                                                    &litevarimol_getcompset, model_prefix,
+                                                    state.ncmp == 1, resolved.names, resolved.conc);
+        resolved.valid = true;
+    }
+    comp = resolved.names;
+    conc = resolved.conc;
+    if (resolved.n >= 0) ncomp = resolved.n;
 }
 
 double litevarimol_getinfo(std::string_view property, std::string& errormsg) {

@@ -49,6 +49,8 @@ count() { grep -l -E "$1" "$work"/logs/session.* 2>/dev/null | wc -l; }
 calls=$(sum calls)
 inputs=$(sum inputs)
 good=$(sum good_calls)
+mixtures=$(sum mixtures)
+mixture_states=$(sum mixture_states)
 slow_hangs=$(sum hangs)
 wrong=$(count 'ZENTROPIA-FUZZ WRONG ANSWER')
 bad_texts=$(count 'ZENTROPIA-FUZZ BAD TEXT')
@@ -66,6 +68,7 @@ echo "fuzz campaign: ${seconds} s, ${session} session(s), corpus $(ls "$work/cor
 echo "  inputs run:        $inputs"
 echo "  calls:             $calls"
 echo "  known good calls:  $good answered rightly"
+echo "  mixtures:          $mixtures cubic-model selections accepted, $mixture_states of their states answered"
 echo "  crashes:           $crashes"
 echo "  sanitizer reports: $sanitizer"
 echo "  hangs:             $((confirmed + timeouts)) (calls above 50 ms of processor time that do so again when run alone: $confirmed of $slow_hangs seen; inputs above 10 s: $timeouts; slowest call $slowest)"
