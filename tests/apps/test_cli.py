@@ -68,7 +68,7 @@ def test_props_of_a_one_name_blend_lists_its_pure_fluids():
     # adding up to 1, the more volatile R32 richer in the vapour; the envelope a column for each
     blend = ("--model", "Varimol", "--fluid", "R410A")
     table = props_table(run("props", "Tq", 250, 0.5, *blend, check=OK).stdout)
-    assert table["x1"].split()[3] == "R32" and table["x2"].split()[3] == "R125"
+    assert table["x1"].split()[4] == "R32" and table["x2"].split()[4] == "R125"
     x = [float(table[k].split()[-1]) for k in ("x1", "x2")]
     y = [float(table[k].split()[-1]) for k in ("y1", "y2")]
     assert sum(x) == pytest.approx(1.0, abs=1e-12) and sum(y) == pytest.approx(1.0, abs=1e-12)
