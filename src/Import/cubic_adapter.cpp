@@ -161,6 +161,7 @@ double select_output(const phase_state& st, std::string_view inputspec, std::str
     return not_set;
 }
 
+namespace {
 bool recalls(const state_memory& memory, const request& req) {
     if (!memory.valid) return false;
     const request& last = memory.last.req;
@@ -173,9 +174,21 @@ bool recalls(const state_memory& memory, const request& req) {
            same(last.in.q, req.in.q);
 }
 
+} // namespace
+
+const evaluated& state_for(state_memory& memory, const request& req, compute_fn compute) {
+    evaluated& e = memory.last;
+    if (recalls(memory, req)) return e;
+    memory.valid = false;
+    e.req = req;
+    e.ierr = compute(req, e.st);
+    memory.valid = true;
+    return e;
+}
+
 void deliver(const evaluated& e, unsigned wanted, int columns, zp_adapter::state_values& out,
              zp_adapter::composition& x, zp_adapter::composition& y, std::string& errormsg,
-             void (*put_code)(int ierr, std::string& errormsg)) {
+             put_code_fn put_code) {
     const phase_state& st = e.st;
     out.p = st.p, out.t = st.t, out.v = st.v, out.d = st.d, out.h = st.h, out.s = st.s;
     out.u = st.u, out.q = st.q, out.cv = st.cv, out.dpdt = st.dpdt, out.dpdv = st.dpdv;
@@ -186,6 +199,19 @@ void deliver(const evaluated& e, unsigned wanted, int columns, zp_adapter::state
         std::copy_n(st.y.begin(), columns, y.begin());
     }
     if (e.ierr != 0 && e.ierr != warning_code) put_code(e.ierr, errormsg);
+}
+
+void evaluate_part(state_memory& memory, compute_fn compute, put_code_fn put_code,
+                   std::string_view model_prefix, int columns, std::string_view inputspec,
+                   double value1, double value2, unsigned wanted, zp_adapter::state_values& out,
+                   zp_adapter::composition& x, zp_adapter::composition& y, std::string& errormsg) {
+    errormsg = no_errors;
+    request req;
+    if (!read_request(inputspec, value1, value2, model_prefix, req, errormsg)) {
+        out.p = out.t = out.v = out.u = out.h = out.s = out.q = out.eta = out.lambda = not_set;
+        return;
+    }
+    deliver(state_for(memory, req, compute), wanted, columns, out, x, y, errormsg, put_code);
 }
 
 void phase_composition(bool liquid, int dim, double q, const zp_adapter::composition& x,

@@ -86,15 +86,29 @@ struct state_memory {
     bool valid = false;
     evaluated last;
 };
-// true when the memory holds the state of exactly this request (every given value to the bit)
-bool recalls(const state_memory& memory, const request& req);
+// An adapter's back-end call: the state of a request in internal units, the back-end's code
+// returned.
+using compute_fn = int (*)(const request& req, phase_state& st);
+using put_code_fn = void (*)(int ierr, std::string& errormsg);
+
+// The state of a request: the remembered one when exactly this request (every given value to the
+// bit) follows, else computed and remembered.
+const evaluated& state_for(state_memory& memory, const request& req, compute_fn compute);
 
 // The part `wanted` (zp_adapter::output flags) of an evaluated state: every value of the state;
 // the phase compositions x and y (the first `columns` entries) only when the quality is wanted.
 // The back-end's failure code becomes the adapter's text by put_code.
 void deliver(const evaluated& e, unsigned wanted, int columns, zp_adapter::state_values& out,
              zp_adapter::composition& x, zp_adapter::composition& y, std::string& errormsg,
-             void (*put_code)(int ierr, std::string& errormsg));
+             put_code_fn put_code);
+
+// The adapters' `evaluate` operation: the request read from inputspec and the two values, its
+// state (remembered or computed), and the part `wanted` of it delivered as `deliver` does; an
+// unknown inputspec leaves every value at -8888.8 with the adapter's text.
+void evaluate_part(state_memory& memory, compute_fn compute, put_code_fn put_code,
+                   std::string_view model_prefix, int columns, std::string_view inputspec,
+                   double value1, double value2, unsigned wanted, zp_adapter::state_values& out,
+                   zp_adapter::composition& x, zp_adapter::composition& y, std::string& errormsg);
 
 // The property `outputspec` of a state ("P", "T", "v", "d", "h", "s", "u", "q", "cv", "dP_dT",
 // "dP_dv", "d2P_dT2", "d2P_dv2", "d2P_dTdv", "dCv_dT"); another name writes

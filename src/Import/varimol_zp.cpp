@@ -133,28 +133,12 @@ int compute(const cubic_adapter::request& req, phase_state& st) {
     return ierr;
 }
 
-// The state of a request: the one remembered when the same request follows, else computed.
-const cubic_adapter::evaluated& state_for(const cubic_adapter::request& req) {
-    cubic_adapter::evaluated& e = memory.last;
-    if (cubic_adapter::recalls(memory, req)) return e;
-    memory.valid = false;
-    e.req = req;
-    e.ierr = compute(req, e.st);
-    memory.valid = true;
-    return e;
-}
-
 // A part of a state: the phase compositions are delivered only with the quality.
 void evaluate_part(std::string_view inputspec, double value1, double value2, unsigned wanted,
                    zp_adapter::state_values& out, zp_adapter::composition& x,
                    zp_adapter::composition& y, std::string& errormsg) {
-    errormsg = no_errors;
-    cubic_adapter::request req;
-    if (!cubic_adapter::read_request(inputspec, value1, value2, model_prefix, req, errormsg)) {
-        out.p = out.t = out.v = out.u = out.h = out.s = out.q = out.eta = out.lambda = not_set;
-        return;
-    }
-    cubic_adapter::deliver(state_for(req), wanted, max_components, out, x, y, errormsg, put_code);
+    cubic_adapter::evaluate_part(memory, &compute, &put_code, model_prefix, max_components,
+                                 inputspec, value1, value2, wanted, out, x, y, errormsg);
 }
 
 } // namespace
@@ -313,7 +297,7 @@ void varimol_allprops(std::string_view inputspec, double value1, double value2, 
     cubic_adapter::request req;
     if (!cubic_adapter::read_request(inputspec, value1, value2, model_prefix, req, errormsg))
         return;
-    const cubic_adapter::evaluated& e = state_for(req);
+    const cubic_adapter::evaluated& e = cubic_adapter::state_for(memory, req, &compute);
     const phase_state& st = e.st;
     p = st.p, t = st.t, v = st.v, d = st.d, u = st.u, h = st.h, s = st.s, q = st.q;
     cv = st.cv, dpdt = st.dpdt, dpdv = st.dpdv, d2pdt2 = st.d2pdt2, d2pdv2 = st.d2pdv2;
