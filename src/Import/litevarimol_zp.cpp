@@ -77,17 +77,14 @@ void narrow(const varimol_load::fluid_data& fluid, litevarimol::fluid_parameters
 
 // dim of the composition outputs: the number of components of the selection, or of the named
 // fluid when one name was given
-int composition_dim(zp_adapter::composition& overall) {
+int composition_dim() {
     int dim = std::min(state.ncmp, max_components);
-    overall = state.cnc;
     if (state.ncmp == 1) {
         int n = -1;
         zp_adapter::component_names names;
         zp_adapter::composition conc;
         litevarimol_getfluid(n, names, conc);
         dim = std::clamp(n, 1, max_components);
-        // one name that stands for a mixture: its overall composition is that of its pure fluids
-        if (n > 1) overall = conc;
     }
     return dim;
 }
@@ -105,9 +102,8 @@ void phase_composition(bool liquid, std::string_view inputspec, double value1, d
     errormsg = no_errors;
     phase_state st{};
     evaluate(inputspec, value1, value2, st, errormsg);
-    zp_adapter::composition overall{};
-    dim = composition_dim(overall);
-    cubic_adapter::phase_composition(liquid, dim, st.q, st.x, st.y, overall, output);
+    dim = composition_dim();
+    cubic_adapter::phase_composition(liquid, dim, st.q, st.x, st.y, state.cnc, output);
 }
 
 // The dispatch row takes the composition operations without their dim.

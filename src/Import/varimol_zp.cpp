@@ -41,17 +41,14 @@ void put_code(int ierr, std::string& errormsg) {
 
 // dim of the composition outputs: the number of components of the selection, or of the named
 // fluid when one name was given
-int composition_dim(zp_adapter::composition& overall) {
+int composition_dim() {
     int dim = std::min(state.ncmp, max_components);
-    overall = state.cnc;
     if (state.ncmp == 1) {
         int n = -1;
         zp_adapter::component_names names;
         zp_adapter::composition conc;
         varimol_getfluid(n, names, conc);
         dim = std::clamp(n, 1, max_components);
-        // one name that stands for a mixture: its overall composition is that of its pure fluids
-        if (n > 1) overall = conc;
     }
     return dim;
 }
@@ -70,13 +67,12 @@ void phase_composition(phase_output kind, std::string_view inputspec, double val
     errormsg = no_errors;
     phase_state st{};
     evaluate(inputspec, value1, value2, st, errormsg);
-    zp_adapter::composition overall{};
-    dim = composition_dim(overall);
+    dim = composition_dim();
     if (kind == phase_output::fugacity) {
         std::copy_n(st.lnphi.begin(), dim, output.begin());
         return;
     }
-    cubic_adapter::phase_composition(kind == phase_output::liquid, dim, st.q, st.x, st.y, overall,
+    cubic_adapter::phase_composition(kind == phase_output::liquid, dim, st.q, st.x, st.y, state.cnc,
                                      output);
 }
 
