@@ -63,9 +63,10 @@ int run_props(const command_line& cl) {
     select(cl.fluid);
     double t_crit, p_crit;
     zp_props::critical_point(t_crit, p_crit);
+    const auto components = zp_props::components_of_selection();
     zp_props::state state;
     std::string errormsg;
-    zp_props::state_of(inputspec, v1, v2, t_crit, p_crit, state, errormsg);
+    zp_props::state_of(inputspec, v1, v2, t_crit, p_crit, components, state, errormsg);
     check(errormsg);
     std::printf("%s, %s units %s, state %s = %s, %s\n\n", fluid_name(cl.fluid).c_str(),
                 cl.fluid.unitset.c_str(), cl.fluid.basis.c_str(), inputspec.c_str(),
@@ -82,8 +83,12 @@ int run_props(const command_line& cl) {
             names += (names.empty() ? "" : ", ") + std::string(row.name);
         }
     }
-    for (std::size_t i = 0; i < cl.fluid.components.size(); ++i) {
-        const std::string n = std::to_string(i + 1), &name = cl.fluid.components[i];
+    // a mixture selected by one name lists the pure fluids it is made of
+    const bool resolved = components.one_name_mixture();
+    const auto count = resolved ? static_cast<std::size_t>(components.n) : cl.fluid.components.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string n = std::to_string(i + 1),
+                          &name = resolved ? components.names[i] : cl.fluid.components[i];
         print_row(std::string("x").append(n), std::string("liquid fraction of ").append(name),
                   state.x[i], "");
         print_row(std::string("y").append(n), std::string("vapour fraction of ").append(name),
@@ -172,7 +177,8 @@ int run_envelope(const command_line& cl) {
     std::string errormsg;
     zentropia_base::zp_saturationline(npnts, t, p, x, y, errormsg);
     check(errormsg);
-    const auto ncmp = cl.fluid.components.size();
+    // a mixture selected by one name has a column per pure fluid it is made of
+    const auto ncmp = static_cast<std::size_t>(zp_props::components_of_selection().n);
     std::printf("T [K],P [Pa]");
     for (std::size_t i = 1; i <= ncmp; ++i) std::printf(",x%zu", i);
     for (std::size_t i = 1; i <= ncmp; ++i) std::printf(",y%zu", i);

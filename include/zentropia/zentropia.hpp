@@ -347,10 +347,13 @@ public:
 
     // every output of allprops; a property the full state lacks comes from its own entry point
     // (IF97's full state has no pressure derivatives), else NaN; sigma the surface tension; the
-    // phase. For a pure fluid x[0] and y[0] are 1.0 where the phase exists, NaN where it does not.
+    // phase. x and y hold one entry per component (ncomp of them): for a blend selected by one
+    // name ("R410A"), one per pure fluid it is made of, in the order the model resolves it; for a
+    // pure fluid x[0] and y[0] are 1.0 where the phase exists, NaN where it does not.
     struct properties : state {
         double sigma;
         zentropia::phase phase;
+        int ncomp;
     };
     properties props(std::string_view inputspec, double input1, double input2) {
         select();
@@ -374,7 +377,26 @@ public:
         allinfo(m_mol, t_crit, p_crit, t_min, t_max, errormsg);
         if (!detail::succeeded(errormsg)) t_crit = p_crit = not_computed;
         r.phase = phase_of(r.q, r.t, r.p, t_crit, p_crit);
-        if (components_.size() == 1) {
+        r.ncomp = static_cast<int>(components_.size());
+        std::array<double, max_components> overall{};
+        if (components_.size() == 1 && (r.ncomp = blend_components(overall)) > 1 &&
+            !(r.q >= 0.0 && r.q <= 1.0)) {
+            // a one-name blend outside the two-phase region: both phases at its overall
+            // composition, as for the same blend selected by its pure fluids
+            r.x = r.y = overall;
+        } else if (r.ncomp > 1 && components_.size() == 1) {
+            // The full state of a one-name blend carries the single entry of the caller's one
+            // component; the composition entry points answer for each of its pure fluids.
+            const auto composition = [&](auto entry, std::array<double, max_components>& out) {
+                detail::message m;
+                entry(detail::c_text(inputspec).c_str(), input1, input2, out.data(),
+                      max_components, m.text, sizeof m.text);
+                if (std::string_view(m.text) != "No errors") out.fill(not_computed);
+                for (double& v : out) v = detail::or_nan(v);
+            };
+            composition(&zentropia_liquidcmp, r.x);
+            composition(&zentropia_vaporcmp, r.y);
+        } else if (components_.size() == 1) {
             const double nan = std::numeric_limits<double>::quiet_NaN();
             r.x.fill(0.0), r.y.fill(0.0);
             r.x[0] = has_liquid(r.phase) ? 1.0 : nan;
@@ -387,6 +409,15 @@ public:
     const std::vector<std::string>& components() const { return components_; }
 
 private:
+    // the number of pure fluids of the selected one-name fluid as the model resolves it (getfluid
+    // asked with ncomp = -1), and their mole fractions; 1 for a pure fluid or a model that
+    // resolves nothing
+    static int blend_components(std::array<double, max_components>& conc) {
+        char model[64] = "";
+        int n = -1;
+        zentropia_getfluid(model, sizeof model, &n, nullptr, 0, 0, conc.data(), max_components);
+        return n > 1 && n <= max_components ? n : 1;
+    }
     using entry = double (*)(const char*, double, double, char*, int);
     // The entry point that derives a property the model's full state may lack (IF97 has no
     // pressure derivatives there), by keyword in any case; null for the others.

@@ -89,9 +89,10 @@ py::object allprops_array(const std::string& inputspec, const real_array& input1
     std::string errormsg;
     double t_crit, p_crit;
     zp_props::critical_point(t_crit, p_crit);
+    const auto components = zp_props::components_of_selection();
     zp_props::state state;
     for (py::ssize_t i = 0; i < n; ++i) {
-        zp_props::state_of(inputspec, a[i], b[i], t_crit, p_crit, state, errormsg);
+        zp_props::state_of(inputspec, a[i], b[i], t_crit, p_crit, components, state, errormsg);
         std::copy(state.values.begin(), state.values.end(), values.mutable_data(i, 0));
         std::copy(state.x.begin(), state.x.end(), x.mutable_data(i, 0));
         std::copy(state.y.begin(), state.y.end(), y.mutable_data(i, 0));
@@ -117,6 +118,13 @@ void bind_arrays(py::module_& m) {
     for (std::size_t i = 0; i < zp_props::phase_names.size(); ++i)
         phases[i] = std::string(zp_props::phase_names[i]);
     m.attr("_phase_names") = phases;
+    // the names of the components the phase compositions of the selection list
+    m.def("_components", [] {
+        const auto c = zp_props::components_of_selection();
+        py::list names;
+        for (int i = 0; i < c.n; ++i) names.append(c.names[static_cast<std::size_t>(i)]);
+        return names;
+    });
     m.def("_unitset_name", &unit_spelling::unitset, py::arg("text"));
     m.def("_basis_name", &unit_spelling::basis, py::arg("text"));
     m.def("_unit_text", &unit_spelling::unit, py::arg("text"));

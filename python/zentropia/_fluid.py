@@ -187,15 +187,16 @@ class Fluid:
         (for numbers) or array (of the inputs' broadcast shape): p, t, v, d, h, s, u, q, cv, cp, c,
         alpha, beta, chi, fi, ksi, psi, zeta, theta, kappa, gamma, eta, lambda, sigma; "phase"
         ("liquid", "vapour", "two-phase", "supercritical"; "" for a failed state); and the liquid
-        and vapour compositions x and y (a last axis of one entry per component; for a pure fluid
-        1.0 where the phase exists, NaN where it does not). Each value is the one calc gives.
+        and vapour compositions x and y (a last axis of one entry per component, for a blend
+        selected by one name ("R410A") one per pure fluid it is made of; for a pure fluid 1.0
+        where the phase exists, NaN where it does not). Each value is the one calc gives.
         errors as for calc."""
         _check_inputspec(inputspec)
         self._select()
         shape, a, b = self._states(input1, input2)
         values, x, y, phase, failed, first, message = _core._allprops_array(inputspec, a, b)
         columns = [values[:, i] for i in range(values.shape[1])]
-        ncmp = len(self.components)
+        ncmp = len(_core._components())  # a blend selected by one name: its pure fluids
         x, y = x[:, :ncmp], y[:, :ncmp]
         self._settle(shape, failed, first, message, errors, columns + [x, y])
         result = {name: (col.reshape(shape) if shape else float(col[0]))
@@ -215,7 +216,7 @@ class Fluid:
         self._select()
         _, t, p, x, y, errormsg = _core.zp_saturationline(int(points))
         _check(errormsg)
-        ncmp = len(self.components)
+        ncmp = len(_core._components())
         return {"t": np.array(t), "p": np.array(p),
                 "x": np.array(x, dtype=float).reshape(len(t), -1)[:, :ncmp],
                 "y": np.array(y, dtype=float).reshape(len(t), -1)[:, :ncmp]}

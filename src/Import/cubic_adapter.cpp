@@ -276,19 +276,28 @@ int resolve_mixture(std::string_view fluidpath, std::string_view fluidname, flui
         int nlisted = 0;
         std::vector<std::string> listed;
         list(nlisted, listed, errormsg);
-        for (int i = 0; i < mixture.n_comps && i < max_components; ++i) {
-            const double id = mixture.fluidparameters[varimol::parameter_index(varimol::row_id, i)];
-            for (const auto& name : listed) {
-                varimol_load::fluid_data pure;
-                varimol_load::load_fluid(fluidpath, name, model_prefix, pure, errormsg);
-                if (errormsg != no_errors || pure.n_comps != 1 ||
-                    pure.fluidparameters[varimol::parameter_index(varimol::row_id, 0)] != id)
+        // One pass over the listed fluids, each loaded once (loading is what costs): a component
+        // takes the first pure fluid whose identifying number is its own; the pass ends when
+        // every component has one.
+        const int n = std::min(mixture.n_comps, max_components);
+        std::array<bool, max_components> found{};
+        int missing = n;
+        for (const auto& name : listed) {
+            if (missing == 0) break;
+            varimol_load::fluid_data pure;
+            varimol_load::load_fluid(fluidpath, name, model_prefix, pure, errormsg);
+            if (errormsg != no_errors || pure.n_comps != 1) continue;
+            const double id = pure.fluidparameters[varimol::parameter_index(varimol::row_id, 0)];
+            for (int i = 0; i < n; ++i) {
+                if (found[static_cast<std::size_t>(i)] ||
+                    mixture.fluidparameters[varimol::parameter_index(varimol::row_id, i)] != id)
                     continue;
+                found[static_cast<std::size_t>(i)] = true;
+                --missing;
                 comp[i] = name;
                 if (take_fractions)
                     conc[i] = mixture.fluidparameters[varimol::parameter_index(
                         varimol::row_mole_fraction, i)];
-                break;
             }
         }
     }

@@ -23,6 +23,14 @@ using cubic_adapter::max_listed;
 using cubic_adapter::warning_code;
 
 cubic_adapter::selection state;
+// the pure fluids of the selection's one name as getfluid resolves them (n = -1: not a mixture
+// this model can resolve), kept until the next selection
+struct resolved_mixture {
+    bool valid = false;
+    int n = -1;
+    zp_adapter::component_names names;
+    zp_adapter::composition conc{};
+} resolved;
 cubic_adapter::state_memory memory;
 
 using cubic_adapter::fluid_directory;
@@ -214,6 +222,7 @@ void litevarimol_setfluid(int ncomp, std::span<const std::string> comp,
     // fluid stays selected.
     if (ncomp > max_components) return too_many("a selection of ", ncomp, errormsg);
     memory.valid = false;
+    resolved.valid = false;
     const int n = std::clamp(ncomp, 0, std::min<int>(max_components, comp.size()));
     state.ncmp = ncomp;
     state.fluidname = n > 0 ? std::string(trim(comp[0])) : std::string();
@@ -256,10 +265,21 @@ void litevarimol_getfluid(int& ncomp, zp_adapter::component_names& comp,
     comp[0] = state.fluidname;
     conc = state.cnc;
     if (!resolve) return;
-    const int n =
-        cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname, &litevarimol_getcompset,
-                                       model_prefix, state.ncmp == 1, comp, conc);
-    if (n >= 0) ncomp = n;
+
+    // A predefined mixture into its pure fluids: each component is the first loadable pure fluid
+    // with the same identifying number. Resolving reads the fluid database, which costs far more
+    // than a state: it is done once per selection.
+    if (!resolved.valid) {
+        resolved.names = comp;
+        resolved.conc = conc;
+        resolved.n = cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname,
+                                                    &litevarimol_getcompset, model_prefix,
+                                                    state.ncmp == 1, resolved.names, resolved.conc);
+        resolved.valid = true;
+    }
+    comp = resolved.names;
+    conc = resolved.conc;
+    if (resolved.n >= 0) ncomp = resolved.n;
 }
 
 double litevarimol_getinfo(std::string_view property, std::string& errormsg) {

@@ -12,6 +12,7 @@
 #include "main/zentropia_main.hpp"
 #include "zentropia/zentropia.hpp"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -110,10 +111,40 @@ inline void critical_point(double& t_crit, double& p_crit) {
     if (zp_common::is_ok(errormsg)) t_crit = tc, p_crit = pc;
 }
 
+// The components the phase compositions of a state list, with their names: the caller's, or, for
+// one name that stands for a mixture (a predefined blend, a user's fluid file), the pure fluids the
+// back-end resolves it into (getfluid asked with ncomp = -1).
+struct fluid_components {
+    int n = 1;
+    zentropia_base::component_names names;
+    zp_common::composition overall{}; // mole fractions of a one-name mixture's pure fluids
+    bool one_name_mixture() const { return n > 1 && zentropia_base::selection().usr_ncmp == 1; }
+};
+
+inline fluid_components components_of_selection() {
+    const auto& sel = zentropia_base::selection();
+    fluid_components c;
+    c.n = std::clamp(sel.usr_ncmp, 1, zp_common::max_components);
+    c.names = sel.usr_cmp;
+    if (sel.usr_ncmp != 1 || !zentropia_base::selected_mixture()) return c;
+    std::string model;
+    int n = -1;
+    zentropia_base::component_names names;
+    zp_common::composition conc{};
+    zentropia_base::getfluid(model, n, names, conc);
+    if (n > 1 && n <= zp_common::max_components) c.n = n, c.names = names, c.overall = conc;
+    return c;
+}
+
 // Every property of properties at a state: one allprops evaluation, completed by one_answer.
 // reasons[i] is empty for a computed property. For a fluid of one component, x and y are 1.0 where
 // the phase exists and -8888.8 where it does not (the phase of phase_of); mixtures keep the
-// model's phase compositions. errormsg reports a state that failed as a whole.
+// model's phase compositions. The full state of a mixture selected by one name carries one
+// composition entry (the caller gave one component), so its phase compositions are completed as
+// those of the same mixture selected by its pure fluids: in the two-phase region and on its
+// bounds (0 <= q <= 1) from the liquid and vapour composition entry points, which answer for
+// every pure fluid, elsewhere the overall composition in both. errormsg reports a state that
+// failed as a whole.
 struct state {
     std::array<double, n_properties> values;
     std::array<std::string, n_properties> reasons;
@@ -122,7 +153,8 @@ struct state {
 };
 
 inline void state_of(std::string_view inputspec, double input1, double input2, double t_crit,
-                     double p_crit, state& s, std::string& errormsg) {
+                     double p_crit, const fluid_components& components, state& s,
+                     std::string& errormsg) {
     auto& r = s.values;
     r.fill(zp_common::not_set);
     zm::allprops(inputspec, input1, input2, r[0], r[1], r[2], r[3], r[4], r[5], r[6], r[7], s.x,
@@ -134,10 +166,21 @@ inline void state_of(std::string_view inputspec, double input1, double input2, d
         r[i] = one_answer(static_cast<int>(i), inputspec, input1, input2, r[i], s.reasons[i]);
     }
     s.label = phase_of(r[7], r[1], r[0], t_crit, p_crit);
-    if (zentropia_base::selection().usr_ncmp == 1) {
+    if (components.n == 1) {
         s.x.fill(0.0), s.y.fill(0.0);
         s.x[0] = has_liquid(s.label) ? 1.0 : zp_common::not_set;
         s.y[0] = has_vapour(s.label) ? 1.0 : zp_common::not_set;
+    } else if (components.one_name_mixture() && r[7] >= 0.0 && r[7] <= 1.0) {
+        // the state itself succeeded: a composition the entry point cannot give stays unset
+        const auto phase_composition = [&](auto entry, zp_common::composition& out) {
+            std::string e;
+            entry(inputspec, input1, input2, out, e);
+            if (!zp_common::is_ok(e)) out.fill(zp_common::not_set);
+        };
+        phase_composition(&zm::liquidcmp, s.x);
+        phase_composition(&zm::vaporcmp, s.y);
+    } else if (components.one_name_mixture()) {
+        s.x = s.y = components.overall;
     }
 }
 

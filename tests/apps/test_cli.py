@@ -63,6 +63,20 @@ def test_props_fills_the_derivatives_from_their_entry_points():
     assert float(table["gamma"][-1]) == pytest.approx((cp / cv + 1) / 2, rel=1e-2)  # no unit
 
 
+def test_props_of_a_one_name_blend_lists_its_pure_fluids():
+    # R410A at 250 K, half vapour: a row per pure fluid with its name, each phase's fractions
+    # adding up to 1, the more volatile R32 richer in the vapour; the envelope a column for each
+    blend = ("--model", "Varimol", "--fluid", "R410A")
+    table = props_table(run("props", "Tq", 250, 0.5, *blend, check=OK).stdout)
+    assert table["x1"].split()[4] == "R32" and table["x2"].split()[4] == "R125"
+    x = [float(table[k].split()[-1]) for k in ("x1", "x2")]
+    y = [float(table[k].split()[-1]) for k in ("y1", "y2")]
+    assert sum(x) == pytest.approx(1.0, abs=1e-12) and sum(y) == pytest.approx(1.0, abs=1e-12)
+    assert y[0] > x[0]
+    assert rows(run("envelope", *blend, check=OK).stdout)[0] == \
+        ["T [K]", "P [Pa]", "x1", "x2", "y1", "y2"]
+
+
 def test_info_fluids_and_units():
     info = run("info", "--unit", "P=MPa", check=OK).stdout
     assert "647.096" in info and "22.064" in info and "MPa" in info

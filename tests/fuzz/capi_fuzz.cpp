@@ -534,11 +534,9 @@ void known_good_call() {
 
 // ---- Selections ------------------------------------------------------------------------------
 
-// A fluid selection for setfluid: a model, up to a few components and their concentrations.
-// IF97 is the one back-end built today; the other model names are refused with their texts.
-// When the mixture back-end and its adapters land, select "Varimol" and "liteVarimol" here with
-// the fluids of their data files, mixtures of random composition, so that random states reach
-// the mixture code too.
+// A fluid selection for setfluid: a model, up to a few components and their concentrations, all
+// hostile. Selections of the cubic models that succeed, with database fluids and compositions that
+// add up, come from random_mixture further on.
 struct selection {
     ctext model;
     int ncmp = 1;
@@ -571,6 +569,201 @@ void call_setfluid(reader& r) {
     });
     e.check("setfluid", "errormsg");
     s.conc.check("setfluid", "in_cnc");
+}
+
+// ---- Mixtures of the fluid database ------------------------------------------------------------
+
+// Names the cubic models load: pure fluids by their short and long names, predefined blends, and
+// the example fluid file; each with a typical state (K, Pa) near which its interesting states lie.
+struct database_fluid {
+    std::string_view name;
+    double t, p;
+};
+constexpr database_fluid database_fluids[] = {
+    {"CH4", 150.0, 1e6},       {"C2H6", 250.0, 1e6},        {"C3H8", 300.0, 1e6},
+    {"nC4", 330.0, 5e5},       {"iC4", 320.0, 5e5},         {"nC5", 380.0, 2e5},
+    {"nC6", 400.0, 2e5},       {"nC7", 420.0, 1e5},         {"nC10", 480.0, 1e5},
+    {"nC20", 600.0, 1e4},      {"N2", 90.0, 5e5},           {"O2", 100.0, 5e5},
+    {"Ar", 100.0, 5e5},        {"CO2", 260.0, 3e6},         {"H2S", 300.0, 2e6},
+    {"H2O", 400.0, 1e5},       {"NH3", 300.0, 1e6},         {"H2", 25.0, 2e5},
+    {"He", 5.0, 1e5},          {"R32", 280.0, 1e6},         {"R125", 280.0, 1e6},
+    {"R134a", 290.0, 6e5},     {"R143a", 280.0, 1e6},       {"R1234yf", 290.0, 6e5},
+    {"R152a", 290.0, 5e5},     {"R22", 280.0, 6e5},         {"R23", 250.0, 2e6},
+    {"MeOH", 400.0, 1e5},      {"EtOH", 400.0, 1e5},        {"acetone", 380.0, 2e5},
+    {"C6H6", 400.0, 2e5},      {"toluene", 420.0, 1e5},     {"cC6", 400.0, 2e5},
+    {"SF6", 300.0, 2e6},       {"methane", 150.0, 1e6},     {"carbon dioxide", 260.0, 3e6},
+    {"nitrogen", 90.0, 5e5},   {"R410A", 270.0, 8e5},       {"R404A", 260.0, 5e5},
+    {"R407C", 270.0, 5e5},     {"R507A", 260.0, 5e5},       {"R513A", 280.0, 4e5},
+    {"R454B", 270.0, 8e5},     {"air", 80.0, 2e5},          {"NG-GulfCoast", 200.0, 3e6},
+    {"CO2-N2", 250.0, 3e6},    {"Xe", 250.0, 3e6},          {"D2O", 400.0, 1e5},
+};
+
+// A selection of a cubic model: a model, 1 to 25 database fluids (blends among them, repeated
+// names, now and then a hostile text), concentrations that are valid or not (unnormalised, zero,
+// at the threshold below which a component counts as absent, negative, not finite, fewer than the
+// components), and component counts that disagree with the names given.
+struct mixture_selection {
+    std::string model;
+    std::vector<ctext> names;
+    std::vector<const char*> name_ptrs;
+    std::vector<double> conc;
+    int ncmp = 1;
+    int conc_len = 0;
+    double t = 300.0, p = 1e5; // a typical state of the first component
+};
+
+mixture_selection random_mixture(reader& r) {
+    mixture_selection m;
+    const unsigned model = r.byte();
+    m.model = model < 115   ? "Varimol"
+              : model < 230 ? "liteVarimol"
+                            : std::string(token(r, kind::model));
+    const unsigned size = r.byte();
+    int n = size < 60    ? 1
+            : size < 140 ? 2
+            : size < 200 ? 3 + static_cast<int>(r.byte() % 4)
+            : size < 245 ? 7 + static_cast<int>(r.byte() % 14) // up to 20: liteVarimol refuses > 10
+                         : 21 + static_cast<int>(r.byte() % 5); // too many for either
+    for (int i = 0; i < n; ++i) {
+        if (r.byte() < 8) {
+            m.names.push_back(text(r, kind::component));
+            continue;
+        }
+        const auto& f = database_fluids[r.byte() % std::size(database_fluids)];
+        if (i == 0) m.t = f.t, m.p = f.p;
+        m.names.push_back(ctext{std::string(f.name), false});
+    }
+    for (const auto& t : m.names) m.name_ptrs.push_back(t.c());
+    // concentrations: positive weights, then spoiled in one of several ways
+    double sum = 0.0;
+    for (int i = 0; i < n; ++i) {
+        m.conc.push_back(1.0 + r.byte());
+        sum += m.conc.back();
+    }
+    const unsigned how = r.byte();
+    if (how < 150) { // mole fractions that add up to 1
+        for (double& c : m.conc) c /= sum;
+    } else if (how < 170) { // a sum off by a little or a lot
+        for (double& c : m.conc) c /= sum * (how & 1 ? 1.0 + 1e-3 : 3.0);
+    } else if (how < 200) { // one component absent or at the threshold of absence
+        for (double& c : m.conc) c /= sum;
+        m.conc[r.byte() % m.conc.size()] = r.byte() & 1 ? 0.0 : 1e-12;
+    } else if (how < 230) { // one hostile value
+        for (double& c : m.conc) c /= sum;
+        m.conc[r.byte() % m.conc.size()] = real(r);
+    } else { // fewer concentrations than components
+        for (double& c : m.conc) c /= sum;
+        m.conc.resize(r.byte() % (m.conc.size() + 1));
+    }
+    m.conc_len = static_cast<int>(m.conc.size());
+    m.ncmp = r.byte() < 230 ? n : integer(r);
+    return m;
+}
+
+void call_setfluid_mixture(reader& r) {
+    mixture_selection m = random_mixture(r);
+    // exactly conc_len values: AddressSanitizer sees a read past them. The errormsg buffer is a
+    // caller's ordinary one (the hostile ones are call_setfluid's), so that a selection that
+    // succeeds is seen to.
+    char e[256 + guard];
+    std::memset(e, guard_byte, sizeof e);
+    std::strcpy(e, "No errors");
+    timed("setfluid (mixture)", [&] {
+        zentropia_setfluid(m.model.c_str(), m.ncmp,
+                           m.name_ptrs.empty() ? nullptr : m.name_ptrs.data(),
+                           static_cast<int>(m.name_ptrs.size()), m.conc.data(), m.conc_len, e, 256);
+    });
+    if (std::memchr(e, '\0', 256) == nullptr || e[0] == '\0' ||
+        std::any_of(e + 256, e + sizeof e, [](char c) { return c != guard_byte; }))
+        fault("BAD TEXT", "setfluid (mixture)", "errormsg empty, unterminated or overrun");
+    if (is_success(e)) ++stats.mixtures;
+}
+
+// Input pairs of the cubic models, with and without phase markers.
+constexpr std::string_view mixture_inputspecs[] = {
+    "PT", "Ph", "Ps", "Pv", "Pd", "Pu", "Pq", "Tq", "Th", "Ts", "Tv", "Td", "Tu", "hs", "vu",
+    "du", "uv", "ud", "hP", "TP", "qT", "qP", "sh", "vT", "dT", "PT liq", "PT vap", "Ph 1ph",
+    "Pq_vap", "Tq_liq", "Td 2ph", "vu 1ph"};
+
+// A state near the selected fluid: a reference state at a pressure and temperature round the
+// fluid's typical ones (in SI), whose properties then give the inputs of every other pair, a little
+// perturbed, so that the pair's solver starts from a state that exists (or just misses one).
+void call_mixture_states(reader& r) {
+    char e[256];
+    std::strcpy(e, "No errors");
+    const auto& f = database_fluids[r.byte() % std::size(database_fluids)];
+    const double t = f.t * (0.5 + r.byte() / 128.0), p = f.p * std::pow(10.0, (r.byte() - 128) / 64.0);
+    double v[8]{}, x[20]{}, y[20]{}, rest[20]{};
+    timed("mixture states: allprops PT", [&] {
+        zentropia_allprops("PT", p, t, &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6], &v[7], x,
+                           20, y, 20, &rest[0], &rest[1], &rest[2], &rest[3], &rest[4], &rest[5],
+                           &rest[6], &rest[7], &rest[8], &rest[9], &rest[10], &rest[11], &rest[12],
+                           &rest[13], &rest[14], e, sizeof e);
+    });
+    if (e[0] == '\0') fault("BAD TEXT", "allprops", "errormsg left empty");
+    // the values by the letter the inputspecs name them: P T v d h s u q
+    const std::string_view letters = "PTvdhsuq";
+    const int calls = 1 + r.byte() % 6;
+    for (int k = 0; k < calls; ++k) {
+        const std::string_view spec = mixture_inputspecs[r.byte() % std::size(mixture_inputspecs)];
+        const auto value = [&](char letter) {
+            const auto at = letters.find(letter);
+            double w = at == std::string_view::npos ? 0.0 : v[at];
+            if (letter == 'q') w = r.byte() < 200 ? r.byte() / 250.0 : real(r);
+            const unsigned jitter = r.byte();
+            if (jitter >= 128) w *= 1.0 + (static_cast<int>(jitter) - 192) / 640.0;
+            if (jitter == 255) w = real(r);
+            return w;
+        };
+        const double in1 = value(spec[0]), in2 = value(spec[1]);
+        const ctext inputspec{std::string(spec), false};
+        text_buffer err(r, 256, true);
+        reals ox(r, 20, false), oy(r, 20, false);
+        const unsigned which = r.byte() % 6;
+        const char* name = which == 0   ? "allprops"
+                           : which == 1 ? "calcprop"
+                           : which == 2 ? "allpropssat"
+                           : which == 3 ? "liquidcmp"
+                           : which == 4 ? "vaporcmp"
+                                        : "fugacoef";
+        double o[32];
+        timed(name, [&] {
+            const char* sp = inputspec.c();
+            switch (which) {
+            case 0:
+                zentropia_allprops(sp, in1, in2, &o[0], &o[1], &o[2], &o[3], &o[4], &o[5], &o[6],
+                                   &o[7], ox.p(), ox.len(), oy.p(), oy.len(), &o[8], &o[9], &o[10],
+                                   &o[11], &o[12], &o[13], &o[14], &o[15], &o[16], &o[17], &o[18],
+                                   &o[19], &o[20], &o[21], &o[22], err.p(), err.len());
+                break;
+            case 1:
+                (void)zentropia_calcprop(token(r, kind::keyword).data(), sp, in1, in2, err.p(),
+                                         err.len());
+                break;
+            case 2:
+                zentropia_allpropssat(sp, in1, in2, &o[0], &o[1], &o[2], &o[3], &o[4], &o[5],
+                                      &o[6], &o[7], ox.p(), ox.len(), oy.p(), oy.len(), &o[8],
+                                      &o[9], &o[10], &o[11], &o[12], &o[13], &o[14], &o[15],
+                                      &o[16], &o[17], &o[18], &o[19], &o[20], &o[21], &o[22],
+                                      &o[23], &o[24], &o[25], &o[26], &o[27], &o[28], &o[29],
+                                      &o[30], &o[31], &o[0], err.p(), err.len());
+                break;
+            case 3:
+                zentropia_liquidcmp(sp, in1, in2, ox.p(), ox.len(), err.p(), err.len());
+                break;
+            case 4:
+                zentropia_vaporcmp(sp, in1, in2, ox.p(), ox.len(), err.p(), err.len());
+                break;
+            default:
+                zentropia_fugacoef(sp, in1, in2, ox.p(), ox.len(), err.p(), err.len());
+            }
+        });
+        err.check(name, "errormsg");
+        check_non_finite_text(name, err);
+        if (which < 3) check_inputspec_answer(name, inputspec, err);
+        if (err.len() >= 16 && is_success(err.text()) && !err.entered_success()) ++stats.mixture_states;
+        ox.check(name, "x"), oy.check(name, "y");
+    }
 }
 
 // ---- The procedures --------------------------------------------------------------------------
@@ -1191,6 +1384,8 @@ std::vector<op> make_procedures() {
              });
              string.check("strtoint", "string"), msg.check("strtoint", "msg");
          }});
+    // mixtures of the cubic models: a selection, then states round it
+    add({call_setfluid_mixture, call_mixture_states, call_mixture_states});
     return ops;
 }
 
@@ -1244,8 +1439,9 @@ void write_counts() {
         const statistics& s = counts();
         std::fprintf(f,
                      "inputs %" PRIu64 "\ncalls %" PRIu64 "\ngood_calls %" PRIu64 "\nhangs %" PRIu64
-                     "\nslowest_ms %.3f %s\n",
-                     s.inputs, s.calls, s.good_calls, s.hangs, s.slowest_ms,
+                     "\nmixtures %" PRIu64 "\nmixture_states %" PRIu64 "\nslowest_ms %.3f %s\n",
+                     s.inputs, s.calls, s.good_calls, s.hangs, s.mixtures, s.mixture_states,
+                     s.slowest_ms,
                      s.slowest[0] ? s.slowest : "-");
         std::fclose(f);
     }

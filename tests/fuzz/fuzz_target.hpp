@@ -16,6 +16,8 @@ struct statistics {
     std::uint64_t calls = 0;      // calls of exported procedures, the known good ones included
     std::uint64_t good_calls = 0; // known good calls answered rightly
     std::uint64_t hangs = 0;      // calls slower than hang_limit_ms
+    std::uint64_t mixtures = 0;   // selections of a cubic model's mixture that were accepted
+    std::uint64_t mixture_states = 0; // states of such a selection answered with success
     double slowest_ms = 0.0;
     char slowest[64] = {}; // the procedure of the slowest call
 };

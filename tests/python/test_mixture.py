@@ -112,3 +112,26 @@ def test_isoline_inserts_the_bubble_and_dew_points_and_solve_inverts_h():
     assert errormsg == "No errors"
     assert t == pytest.approx(0.5 * (bubble + dew), rel=1e-8)
     assert gas.calc("T", "Ph", 2e6, h_mid) == pytest.approx(t, rel=1e-8)
+
+
+def _mole_fractions(model, names, mass_fractions):
+    """Mole fractions from mass fractions and the pure fluids' molar masses."""
+    moles = [w / Fluid(model, name).info()["m_mol"] for name, w in zip(names, mass_fractions)]
+    return [n / sum(moles) for n in moles]
+
+
+@pytest.mark.parametrize("model", ["Varimol", "liteVarimol"])
+@pytest.mark.parametrize("state", [("Tq", 250.0, 0.5), ("Pq", 1e6, 0.0), ("Pq", 1e6, 1.0),
+                                   ("PT", 1e5, 300.0), ("PT", 3e6, 250.0)])
+def test_one_name_blend_reports_the_compositions_of_its_pure_fluids(model, state):
+    # R410A is R32/R125 at 50/50 mass %: selected by its one name or by its pure fluids at the
+    # same mole fractions, props gives the same phase compositions, one entry per pure fluid
+    blend = Fluid(model, "R410A")
+    names = Fluid(model, ["R32", "R125"], _mole_fractions(model, ["R32", "R125"], [0.5, 0.5]))
+    a, b = blend.props(*state), names.props(*state)
+    assert a["phase"] == b["phase"]
+    for key in ("x", "y"):
+        assert a[key].shape == (2,) and a[key].sum() == pytest.approx(1.0, abs=1e-12)
+        np.testing.assert_allclose(a[key], b[key], rtol=0, atol=1e-9)
+    if state[0] == "Tq":  # the tie line passes through the overall composition
+        assert a["x"][0] < names.composition[0] < a["y"][0]
