@@ -74,8 +74,9 @@ double cpu_ms() {
 // The selection is a cubic model's fluid (its calls get cubic_hang_limit_ms).
 bool cubic_selected = false;
 
-// true for a model name that may select a cubic model's fluid
-bool names_cubic_model(std::string_view model) {
+// true for a model name that may select a cubic model's fluid (a caller may pass none)
+bool names_cubic_model(const char* model) {
+    if (model == nullptr) return false;
     std::string lower(model);
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
