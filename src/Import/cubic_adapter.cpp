@@ -176,6 +176,14 @@ bool recalls(const state_memory& memory, const request& req) {
 
 } // namespace
 
+void complete_state(double mmol, state_vars& in, double q, phase_state& st) {
+    outputunitsconv(mmol, in.t, in.p, in.v, in.u, in.h, in.s, st.cv, st.dpdv, st.d2pdv2, st.d2pdtdv,
+                    st.dcvdt);
+    st.p = in.p, st.t = in.t, st.v = in.v, st.u = in.u, st.h = in.h, st.s = in.s, st.q = q;
+    st.d = 1.0 / st.v;
+    st.eta = st.lambda = not_set;
+}
+
 const evaluated& state_for(state_memory& memory, const request& req, compute_fn compute) {
     evaluated& e = memory.last;
     if (recalls(memory, req)) return e;

@@ -86,6 +86,10 @@ struct state_memory {
     bool valid = false;
     evaluated last;
 };
+// A state as the back-end answered it (in, q and the derivatives of st in its molar SI units)
+// completed in internal units; the transport properties are not the back-end's (-8888.8).
+void complete_state(double mmol, state_vars& in, double q, phase_state& st);
+
 // An adapter's back-end call: the state of a request in internal units, the back-end's code
 // returned.
 using compute_fn = int (*)(const request& req, phase_state& st);

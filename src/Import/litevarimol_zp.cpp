@@ -152,11 +152,7 @@ int compute(const cubic_adapter::request& req, phase_state& st) {
         std::copy(xl.begin(), xl.end(), st.x.begin());
         std::copy(yl.begin(), yl.end(), st.y.begin());
     }
-    cubic_adapter::outputunitsconv(mmol, in.t, in.p, in.v, in.u, in.h, in.s, st.cv, st.dpdv,
-                                   st.d2pdv2, st.d2pdtdv, st.dcvdt);
-    st.p = in.p, st.t = in.t, st.v = in.v, st.u = in.u, st.h = in.h, st.s = in.s, st.q = qq;
-    st.d = 1.0 / st.v;
-    st.eta = st.lambda = not_set;
+    cubic_adapter::complete_state(mmol, in, qq, st);
     return ierr;
 }
 

@@ -121,11 +121,7 @@ int compute(const cubic_adapter::request& req, phase_state& st) {
                              st.dpdv, st.d2pdt2, st.d2pdv2, st.d2pdtdv, st.dcvdt, st.x, st.y,
                              st.lnphi, ierr);
     }
-    varimol_outputunitsconv(mmol, in.t, in.p, in.v, in.u, in.h, in.s, st.cv, st.dpdv, st.d2pdv2,
-                            st.d2pdtdv, st.dcvdt);
-    st.p = in.p, st.t = in.t, st.v = in.v, st.u = in.u, st.h = in.h, st.s = in.s, st.q = qq;
-    st.d = 1.0 / st.v;
-    st.eta = st.lambda = not_set;
+    cubic_adapter::complete_state(mmol, in, qq, st);
     return ierr;
 }
 
