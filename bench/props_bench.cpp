@@ -124,10 +124,11 @@ double second_input(const state_point& s, pair by) {
 }
 
 void calcprop_of(benchmark::State& state, std::string_view key, pair by) {
-    const std::string_view spec = by == pair::PT ? "PT" : "Ph";
+    const std::string_view pair_text = by == pair::PT ? "PT" : "Ph";
     over_states(state, [&](const state_point& s) {
         static std::string errormsg;
-        benchmark::DoNotOptimize(zm::calcprop(key, spec, s.p_pa, second_input(s, by), errormsg));
+        benchmark::DoNotOptimize(
+            zm::calcprop(key, pair_text, s.p_pa, second_input(s, by), errormsg));
     });
 }
 

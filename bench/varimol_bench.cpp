@@ -21,13 +21,13 @@ struct request {
 };
 
 struct fluid_case {
-    varimol_test::mixture_spec spec;
+    varimol_test::mixture_recipe recipe;
     double tlo, thi; // K, temperatures scanned for the bubble and dew lines
 };
 
 const fluid_case binary{{{"CH4", "C2H6"}, {0.6, 0.4}}, 150.0, 260.0};
-const fluid_case gas5{{{"CH4", "C2H6", "C3H8", "N2", "CO2"}, {0.85, 0.06, 0.03, 0.04, 0.02}},
-                      150.0, 215.0};
+const fluid_case gas5{
+    {{"CH4", "C2H6", "C3H8", "N2", "CO2"}, {0.85, 0.06, 0.03, 0.04, 0.02}}, 150.0, 215.0};
 
 int call(request r, double& T, double& p) {
     double v, u, h, s, q = r.q, cv, a, b, c, d, e, g;
@@ -41,7 +41,7 @@ int call(request r, double& T, double& p) {
 
 // the four request sets of a fluid: 0 two-phase flash, 1 one-phase PT, 2 bubble p, 3 dew T
 std::vector<request> make_set(const fluid_case& fc, int kind) {
-    varimol_test::select(model_prsv_vdw, fc.spec);
+    varimol_test::select(model_prsv_vdw, fc.recipe);
     std::mt19937_64 rng(12345 + kind);
     std::uniform_real_distribution<double> u(0.0, 1.0);
     std::vector<request> set;
@@ -50,13 +50,21 @@ std::vector<request> make_set(const fluid_case& fc, int kind) {
         double t, pb, pd;
         if (call({12, T, 0.0, 0.0}, t, pb) || call({12, T, 0.0, 1.0}, t, pd)) continue;
         switch (kind) {
-        case 0: set.push_back({1, T, pd + (0.02 + 0.96 * u(rng)) * (pb - pd), 0.0}); break;
-        case 1:
-            if (u(rng) < 0.5) set.push_back({1, T, pd * (0.1 + 0.8 * u(rng)), 0.0});
-            else set.push_back({1, T, pb * (1.1 + u(rng)), 0.0});
+        case 0:
+            set.push_back({1, T, pd + (0.02 + 0.96 * u(rng)) * (pb - pd), 0.0});
             break;
-        case 2: set.push_back({12, T, 0.0, 0.0}); break;
-        case 3: set.push_back({11, 0.0, pd, 1.0}); break;
+        case 1:
+            if (u(rng) < 0.5)
+                set.push_back({1, T, pd * (0.1 + 0.8 * u(rng)), 0.0});
+            else
+                set.push_back({1, T, pb * (1.1 + u(rng)), 0.0});
+            break;
+        case 2:
+            set.push_back({12, T, 0.0, 0.0});
+            break;
+        case 3:
+            set.push_back({11, 0.0, pd, 1.0});
+            break;
         }
     }
     return set;
@@ -115,21 +123,49 @@ void run(benchmark::State& state, const fluid_case& fc, int kind) {
     state.counters["failed"] = static_cast<double>(failed);
 }
 
-void BM_flash_two_phase_binary(benchmark::State& s) { run(s, binary, 0); }
-void BM_flash_two_phase_gas5(benchmark::State& s) { run(s, gas5, 0); }
-void BM_one_phase_pt_binary(benchmark::State& s) { run(s, binary, 1); }
-void BM_one_phase_pt_gas5(benchmark::State& s) { run(s, gas5, 1); }
-void BM_bubble_pressure_binary(benchmark::State& s) { run(s, binary, 2); }
-void BM_bubble_pressure_gas5(benchmark::State& s) { run(s, gas5, 2); }
-void BM_dew_temperature_binary(benchmark::State& s) { run(s, binary, 3); }
-void BM_dew_temperature_gas5(benchmark::State& s) { run(s, gas5, 3); }
+void BM_flash_two_phase_binary(benchmark::State& s) {
+    run(s, binary, 0);
+}
+void BM_flash_two_phase_gas5(benchmark::State& s) {
+    run(s, gas5, 0);
+}
+void BM_one_phase_pt_binary(benchmark::State& s) {
+    run(s, binary, 1);
+}
+void BM_one_phase_pt_gas5(benchmark::State& s) {
+    run(s, gas5, 1);
+}
+void BM_bubble_pressure_binary(benchmark::State& s) {
+    run(s, binary, 2);
+}
+void BM_bubble_pressure_gas5(benchmark::State& s) {
+    run(s, gas5, 2);
+}
+void BM_dew_temperature_binary(benchmark::State& s) {
+    run(s, binary, 3);
+}
+void BM_dew_temperature_gas5(benchmark::State& s) {
+    run(s, gas5, 3);
+}
 
-void BM_ph_two_phase_binary(benchmark::State& s) { run_pairs(s, binary, 0, 9); }
-void BM_ph_two_phase_gas5(benchmark::State& s) { run_pairs(s, gas5, 0, 9); }
-void BM_ph_one_phase_binary(benchmark::State& s) { run_pairs(s, binary, 1, 9); }
-void BM_vu_two_phase_binary(benchmark::State& s) { run_pairs(s, binary, 0, 5); }
-void BM_vu_one_phase_binary(benchmark::State& s) { run_pairs(s, binary, 1, 5); }
-void BM_vu_homogeneous_1ph_binary(benchmark::State& s) { run_pairs(s, binary, 1, 5, true); }
+void BM_ph_two_phase_binary(benchmark::State& s) {
+    run_pairs(s, binary, 0, 9);
+}
+void BM_ph_two_phase_gas5(benchmark::State& s) {
+    run_pairs(s, gas5, 0, 9);
+}
+void BM_ph_one_phase_binary(benchmark::State& s) {
+    run_pairs(s, binary, 1, 9);
+}
+void BM_vu_two_phase_binary(benchmark::State& s) {
+    run_pairs(s, binary, 0, 5);
+}
+void BM_vu_one_phase_binary(benchmark::State& s) {
+    run_pairs(s, binary, 1, 5);
+}
+void BM_vu_homogeneous_1ph_binary(benchmark::State& s) {
+    run_pairs(s, binary, 1, 5, true);
+}
 
 } // namespace
 

@@ -67,8 +67,8 @@ std::string_view chars(std::string_view text, std::size_t from, std::size_t n) {
 
 bool read_request(std::string_view inputspec, double value1, double value2,
                   std::string_view model_prefix, request& req, std::string& errormsg) {
-    const auto spec = trim(inputspec);
-    const auto pair = spec.substr(0, 2);
+    const auto given = trim(inputspec);
+    const auto pair = given.substr(0, 2);
     const auto row = std::find_if(modes.begin(), modes.end(),
                                   [pair](const mode_row& r) { return r.pair == pair; });
     if (row == modes.end()) {
@@ -79,11 +79,11 @@ bool read_request(std::string_view inputspec, double value1, double value2,
         return false;
     }
     req.mode = row->mode;
-    if (req.mode == 1 && spec.size() >= 6) {
-        if (chars(spec, 4, 3) == "vap") req.mode = -2;
-        if (chars(spec, 4, 3) == "liq") req.mode = -1;
+    if (req.mode == 1 && given.size() >= 6) {
+        if (chars(given, 4, 3) == "vap") req.mode = -2;
+        if (chars(given, 4, 3) == "liq") req.mode = -1;
     }
-    req.single_phase = chars(spec, 3, 4) == "_1ph";
+    req.single_phase = chars(given, 3, 4) == "_1ph";
     req.in = state_vars{};
     variable(req.in, row->first) = row->inverse1 ? 1.0 / value1 : value1;
     variable(req.in, row->second) = row->inverse2 ? 1.0 / value2 : value2;
@@ -335,6 +335,27 @@ void keep_components(const varimol_load::fluid_data& fluid, selection& state) {
 
 std::string fluid_directory() {
     return filelocation::fluidpath(filelocation::library_module);
+}
+
+void getfluid(const selection& state, resolved_mixture& resolved, fluid_list list,
+              std::string_view model_prefix, int& ncomp, zp_adapter::component_names& comp,
+              zp_adapter::composition& conc) {
+    const bool resolve = ncomp == -1;
+    ncomp = state.ncmp;
+    comp.fill("?");
+    comp[0] = state.fluidname;
+    conc = state.cnc;
+    if (!resolve) return;
+    if (!resolved.valid) {
+        resolved.names = comp;
+        resolved.conc = conc;
+        resolved.n = resolve_mixture(fluid_directory(), state.fluidname, list, model_prefix,
+                                     state.ncmp == 1, resolved.names, resolved.conc);
+        resolved.valid = true;
+    }
+    comp = resolved.names;
+    conc = resolved.conc;
+    if (resolved.n >= 0) ncomp = resolved.n;
 }
 
 } // namespace cubic_adapter

@@ -54,8 +54,8 @@ struct request {
 
 // Reads the input specification: the pair of its first two characters (a density given is set as
 // the specific volume 1/value), the phase suffix "vap"/"liq" of a "PT" pair and the single-phase
-// suffix "_1ph". An unknown pair writes "<prefix>calculation of properties as function of <spec>
-// not available." and returns false.
+// suffix "_1ph". An unknown pair writes "<prefix>calculation of properties as function of
+// <inputspec> not available." and returns false.
 bool read_request(std::string_view inputspec, double value1, double value2,
                   std::string_view model_prefix, request& req, std::string& errormsg);
 
@@ -149,6 +149,24 @@ using fluid_list = void (*)(int& ncomps, std::vector<std::string>& compset, std:
 int resolve_mixture(std::string_view fluidpath, std::string_view fluidname, fluid_list list,
                     std::string_view model_prefix, bool take_fractions,
                     zp_adapter::component_names& comp, zp_adapter::composition& conc);
+
+// The pure fluids of the selection's one name as getfluid resolves them (n = -1: not a mixture
+// the model can resolve), kept until the next selection.
+struct resolved_mixture {
+    bool valid = false;
+    int n = -1;
+    zp_adapter::component_names names;
+    zp_adapter::composition conc{};
+};
+
+// The adapters' getfluid: the stored selection (its first name, "?" for the others, its
+// concentrations); with ncomp = -1 on entry a predefined mixture resolved into its pure fluids,
+// each the first fluid of `list` with the same identifying number. Resolving reads the fluid
+// database, which costs far more than a state: it is done once per selection and kept in
+// `resolved`.
+void getfluid(const selection& state, resolved_mixture& resolved, fluid_list list,
+              std::string_view model_prefix, int& ncomp, zp_adapter::component_names& comp,
+              zp_adapter::composition& conc);
 
 // The fluids loadable by name: the database's list of `library`, then the fluid files "*.vmx" of
 // the fluids directory, at most `max_listed` in all.

@@ -23,14 +23,8 @@ using cubic_adapter::max_listed;
 using cubic_adapter::warning_code;
 
 cubic_adapter::selection state;
-// the pure fluids of the selection's one name as getfluid resolves them (n = -1: not a mixture
-// this model can resolve), kept until the next selection
-struct resolved_mixture {
-    bool valid = false;
-    int n = -1;
-    zp_adapter::component_names names;
-    zp_adapter::composition conc{};
-} resolved;
+// the pure fluids of the selection's one name, once getfluid has resolved them
+cubic_adapter::resolved_mixture resolved;
 cubic_adapter::state_memory memory;
 
 using cubic_adapter::fluid_directory;
@@ -255,27 +249,8 @@ void litevarimol_setfluid(int ncomp, std::span<const std::string> comp,
 
 void litevarimol_getfluid(int& ncomp, zp_adapter::component_names& comp,
                           zp_adapter::composition& conc) {
-    const bool resolve = ncomp == -1;
-    ncomp = state.ncmp;
-    comp.fill("?");
-    comp[0] = state.fluidname;
-    conc = state.cnc;
-    if (!resolve) return;
-
-    // A predefined mixture into its pure fluids: each component is the first loadable pure fluid
-    // with the same identifying number. Resolving reads the fluid database, which costs far more
-    // than a state: it is done once per selection.
-    if (!resolved.valid) {
-        resolved.names = comp;
-        resolved.conc = conc;
-        resolved.n = cubic_adapter::resolve_mixture(fluid_directory(), state.fluidname,
-                                                    &litevarimol_getcompset, model_prefix,
-                                                    state.ncmp == 1, resolved.names, resolved.conc);
-        resolved.valid = true;
-    }
-    comp = resolved.names;
-    conc = resolved.conc;
-    if (resolved.n >= 0) ncomp = resolved.n;
+    cubic_adapter::getfluid(state, resolved, &litevarimol_getcompset, model_prefix, ncomp, comp,
+                            conc);
 }
 
 double litevarimol_getinfo(std::string_view property, std::string& errormsg) {

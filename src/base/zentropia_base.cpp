@@ -108,11 +108,11 @@ inline bool finite_inputs(double input1, double input2, std::string& errormsg) {
 // characters and the marker only, so anything else behind them would be ignored silently: such a
 // text is refused.
 [[gnu::noinline]] bool well_formed_padded(std::string_view inputspec) {
-    const auto spec = trim(inputspec);
-    if (spec.size() == 2) [[likely]]
+    const auto given = trim(inputspec);
+    if (given.size() == 2) [[likely]]
         return true;
-    if (spec.size() != 6) return false;
-    const auto marker = spec.substr(3);
+    if (given.size() != 6) return false;
+    const auto marker = given.substr(3);
     return marker == "liq" || marker == "vap" || marker.substr(1) == "ph";
 }
 
@@ -126,10 +126,10 @@ inline bool well_formed(std::string_view inputspec) {
 [[gnu::cold, gnu::noinline]] void report_inputspec(std::string_view inputspec,
                                                    std::string& errormsg) {
     constexpr std::size_t shown = 32;
-    const auto spec = trim(inputspec);
+    const auto given = trim(inputspec);
     errormsg.assign("Error in Zentropia: input specification \"")
-        .append(spec.substr(0, shown))
-        .append(spec.size() > shown ? "...\"" : "\"")
+        .append(given.substr(0, shown))
+        .append(given.size() > shown ? "...\"" : "\"")
         .append(" not understood: two property symbols are expected, optionally followed by a "
                 "phase marker as in \"PT liq\"");
 }

@@ -35,8 +35,8 @@ void select(const char* model, double methane) {
 }
 
 // A property in internal units (bar, °C) by (P, T), with its message.
-double ask(std::string_view key, std::string_view spec, double p, double t, std::string& e) {
-    return zb::calculate(spec, p, t, key, e);
+double ask(std::string_view key, std::string_view inputspec, double p, double t, std::string& e) {
+    return zb::calculate(inputspec, p, t, key, e);
 }
 
 // Another state in between: the memory then holds that one.

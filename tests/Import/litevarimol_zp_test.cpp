@@ -30,9 +30,9 @@ struct full_state {
     composition x{}, y{};
     std::string e;
 };
-full_state state(const char* spec, double v1, double v2) {
+full_state state(const char* inputspec, double v1, double v2) {
     full_state st{};
-    zb::allthermophys(spec, v1, v2, st.p, st.t, st.v, st.d, st.h, st.s, st.u, st.q, st.x, st.y,
+    zb::allthermophys(inputspec, v1, v2, st.p, st.t, st.v, st.d, st.h, st.s, st.u, st.q, st.x, st.y,
                       st.cv, st.dpdt, st.dpdv, st.d2pdt2, st.d2pdv2, st.d2pdtdv, st.dcvdt, st.eta,
                       st.lambda, st.sigma, st.e);
     return st;
@@ -55,24 +55,24 @@ TEST(LiteVarimolAdapter, SameStatesAsVarimolForAMixture) {
     const std::vector<std::string> names{"methane", "ethane"};
     const std::vector<double> conc{0.9, 0.1};
     // the state of both models at one input pair; returns liteVarimol's
-    const auto both = [&](const char* spec, double v1, double v2) {
+    const auto both = [&](const char* inputspec, double v1, double v2) {
         EXPECT_EQ(select("Varimol", names, conc), "No errors");
-        const auto full = state(spec, v1, v2);
+        const auto full = state(inputspec, v1, v2);
         EXPECT_EQ(select("liteVarimol", names, conc), "No errors");
-        const auto lite = state(spec, v1, v2);
-        expect_same(lite, full, std::string(spec) + " " + std::to_string(v1));
+        const auto lite = state(inputspec, v1, v2);
+        expect_same(lite, full, std::string(inputspec) + " " + std::to_string(v1));
         return lite;
     };
     struct {
-        const char* spec;
+        const char* inputspec;
         double v1, v2;
     } cases[] = {{"PT", 50.0, 0.0}, {"PT", 20.0, -90.0}, {"Pq", 20.0, 0.5},
                  {"Pq", 30.0, 0.0}, {"Tq", -100.0, 1.0}, {"PT_liq", 20.0, -120.0}};
     for (const auto& c : cases) {
-        const auto lite = both(c.spec, c.v1, c.v2);
+        const auto lite = both(c.inputspec, c.v1, c.v2);
         // pressure and enthalpy of the state found give it back, in both models
         const auto back = both("Ph", lite.p, lite.h);
-        EXPECT_NEAR(back.t, lite.t, 1e-6) << c.spec;
+        EXPECT_NEAR(back.t, lite.t, 1e-6) << c.inputspec;
     }
 }
 

@@ -30,9 +30,9 @@ struct full_state {
     composition x{}, y{}, lnphi{};
     std::string e;
 };
-full_state evaluate(std::string_view spec, double v1, double v2) {
+full_state evaluate(std::string_view inputspec, double v1, double v2) {
     full_state st{};
-    varimol_allprops(spec, v1, v2, st.p, st.t, st.v, st.d, st.h, st.s, st.u, st.q, st.x, st.y,
+    varimol_allprops(inputspec, v1, v2, st.p, st.t, st.v, st.d, st.h, st.s, st.u, st.q, st.x, st.y,
                      st.lnphi, st.cv, st.dpdt, st.dpdv, st.d2pdt2, st.d2pdv2, st.d2pdtdv, st.dcvdt,
                      st.eta, st.lambda, st.e);
     return st;
@@ -84,14 +84,14 @@ TEST(VarimolAdapter, UnitConversionsAgainstTheBackEnd) {
         EXPECT_EQ(st.eta, zp_common::not_set);
         EXPECT_EQ(st.lambda, zp_common::not_set);
         // every other pair of the same state returns it (those the back-end serves)
-        for (const auto& [spec, a, b] : {std::tuple{"Pd", st.p, st.d},
-                                         {"Td", st.t, st.d},
-                                         {"Tv", st.t, st.v},
-                                         {"Pv", st.p, st.v}}) {
-            const auto again = evaluate(spec, a, b);
+        for (const auto& [inputspec, a, b] : {std::tuple{"Pd", st.p, st.d},
+                                              {"Td", st.t, st.d},
+                                              {"Tv", st.t, st.v},
+                                              {"Pv", st.p, st.v}}) {
+            const auto again = evaluate(inputspec, a, b);
             if (again.e != "No errors") continue; // pairs of the second part of the back-end
-            EXPECT_NEAR(again.t, st.t, 1e-7) << spec;
-            EXPECT_NEAR(again.h, st.h, 1e-7) << spec;
+            EXPECT_NEAR(again.t, st.t, 1e-7) << inputspec;
+            EXPECT_NEAR(again.h, st.h, 1e-7) << inputspec;
         }
     }
 }
@@ -122,10 +122,10 @@ TEST(VarimolAdapter, ModesAndSuffixes) {
     const auto warm = evaluate("PT_liq", 1.0, 100.0);
     EXPECT_EQ(warm.e, "No errors");
     // pairs the table does not know, written as given
-    for (const char* spec : {"pt", "TP", "xy", ""}) {
-        const auto st = evaluate(spec, 1.0, 20.0);
+    for (const char* inputspec : {"pt", "TP", "xy", ""}) {
+        const auto st = evaluate(inputspec, 1.0, 20.0);
         EXPECT_EQ(st.e, std::string("Error in Varimol: calculation of properties as function of ") +
-                            spec + " not available.");
+                            inputspec + " not available.");
         EXPECT_EQ(st.h, zp_common::not_set);
     }
     std::string e;

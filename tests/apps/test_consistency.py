@@ -24,18 +24,18 @@ ENTRY = {"p": "pressure", "t": "temperature", "v": "specvolume", "d": "density",
 PROPERTIES = list(zentropia._core._allprops_columns)
 
 
-def caller_inputs(spec, a, b):
+def caller_inputs(inputspec, a, b):
     """The inputs of a state given in internal units, in the units selected now."""
     def convert(symbol, value):
         if symbol == "q":
             return value
         (factor, offset) = zentropia.getunitconvfact(symbol)
         return (value - offset) / factor
-    return convert(spec[0], a), convert(spec[1], b)
+    return convert(inputspec[0], a), convert(inputspec[1], b)
 
 
-def entry_value(name, spec, a, b):
-    value, errormsg = getattr(zentropia, ENTRY.get(name, name))(spec, a, b)
+def entry_value(name, inputspec, a, b):
+    value, errormsg = getattr(zentropia, ENTRY.get(name, name))(inputspec, a, b)
     return math.nan if errormsg != "No errors" or abs(value + 8888.8) < 0.1 else value
 
 
@@ -57,24 +57,24 @@ def test_every_interface_gives_one_answer(units, basis):
     water = zentropia.Fluid("IF97", "water", units=units, basis=basis)
     options = ["--units", units, "--basis", basis]
     water.info()  # selects the fluid and its units
-    states = [(spec, *caller_inputs(spec, a, b)) for spec, a, b in STATES]
+    states = [(inputspec, *caller_inputs(inputspec, a, b)) for inputspec, a, b in STATES]
     absent, present = set(), set()
-    for spec, a, b in states:
-        props = water.props(spec, a, b)
-        out = run("props", spec, repr(a), repr(b), *options, check=0).stdout
+    for inputspec, a, b in states:
+        props = water.props(inputspec, a, b)
+        out = run("props", inputspec, repr(a), repr(b), *options, check=0).stdout
         lines = out.splitlines()[2:]
         # columns: keyword, meaning, value (characters 44 to 66), unit
         table = {line.split()[0]: line[44:66].strip() for line in lines[:lines.index("")]}
-        batch = run("batch", "--inputspec", spec, "--props", ",".join(PROPERTIES), *options,
+        batch = run("batch", "--inputspec", inputspec, "--props", ",".join(PROPERTIES), *options,
                     stdin=f"{a!r},{b!r}\n").stdout
         batch_row = list(csv.reader(io.StringIO(batch)))[1]
-        water.calc("h", spec, a, b)  # the tool ran in another process; reselect ours
+        water.calc("h", inputspec, a, b)  # the tool ran in another process; reselect ours
         for k, name in enumerate(PROPERTIES):
-            calc = run("calc", name, spec, repr(a), repr(b), *options)
-            values = [props[name], water.calc(name, spec, a, b), entry_value(name, spec, a, b),
+            calc = run("calc", name, inputspec, repr(a), repr(b), *options)
+            values = [props[name], water.calc(name, inputspec, a, b), entry_value(name, inputspec, a, b),
                       tool_number(calc.stdout.strip()) if calc.returncode == 0 else math.nan,
                       tool_number(table[name]), tool_number(batch_row[2 + k])]
-            assert agree(values), (units, basis, spec, a, b, name, values)
+            assert agree(values), (units, basis, inputspec, a, b, name, values)
             if calc.returncode != 0:
                 assert "is not computed for this state" in calc.stderr
             (absent if math.isnan(values[0]) else present).add(name)
@@ -83,7 +83,7 @@ def test_every_interface_gives_one_answer(units, basis):
     assert {"alpha", "beta", "gamma", "sigma"} <= present
 
 
-@pytest.mark.parametrize("spec, a, b, phase, x, y", [
+@pytest.mark.parametrize("inputspec, a, b, phase, x, y", [
     ("PT", 1e5, 300.0, "liquid", 1.0, None),
     ("PT", 1e5, 500.0, "vapour", None, 1.0),
     ("PT", 3e7, 700.0, "supercritical", 1.0, 1.0),
@@ -91,10 +91,10 @@ def test_every_interface_gives_one_answer(units, basis):
     ("PT", 1e7, 700.0, "vapour", None, 1.0),
     ("Pq", 1e5, 0.5, "two-phase", 1.0, 1.0),
 ])
-def test_phase_label_and_pure_fluid_compositions(spec, a, b, phase, x, y):
-    props = zentropia.Fluid("IF97", "water").props(spec, a, b)
+def test_phase_label_and_pure_fluid_compositions(inputspec, a, b, phase, x, y):
+    props = zentropia.Fluid("IF97", "water").props(inputspec, a, b)
     assert props["phase"] == phase
     for got, expected in ((props["x"][0], x), (props["y"][0], y)):
         assert (np.isnan(got) if expected is None else got == expected)
-    table = run("props", spec, a, b, check=0).stdout
+    table = run("props", inputspec, a, b, check=0).stdout
     assert table.splitlines()[2][44:66].strip() == phase

@@ -424,15 +424,16 @@ TEST_F(Setfluid, NonFiniteStatesAreRefused) {
 TEST_F(Setfluid, InputSpecificationsWithJunkAreRefused) {
     ASSERT_EQ(select("RefProp", {"water"}, {1.0}), "No errors");
     std::string e;
-    for (const std::string_view spec : {"PT", "PT    ", "PT liq", "Pq_vap", "PTxvap", "PT 1ph"}) {
-        EXPECT_EQ(zb::calculate(spec, 1.0, 20.0, "h", e), 21.0) << spec;
-        EXPECT_EQ(e, "No errors") << spec;
+    for (const std::string_view inputspec :
+         {"PT", "PT    ", "PT liq", "Pq_vap", "PTxvap", "PT 1ph"}) {
+        EXPECT_EQ(zb::calculate(inputspec, 1.0, 20.0, "h", e), 21.0) << inputspec;
+        EXPECT_EQ(e, "No errors") << inputspec;
     }
     const std::string long_junk = "PT" + std::string(100000, 'x');
-    for (const std::string_view spec :
+    for (const std::string_view inputspec :
          {std::string_view("PTjunk"), std::string_view("PTliq"), std::string_view("PT liquid"),
           std::string_view("PT liqx"), std::string_view("P"), std::string_view(long_junk)}) {
-        EXPECT_EQ(zb::calculate(spec, 1.0, 20.0, "h", e), -8888.8) << spec;
+        EXPECT_EQ(zb::calculate(inputspec, 1.0, 20.0, "h", e), -8888.8) << inputspec;
         EXPECT_TRUE(e.starts_with("Error in Zentropia: input specification \"")) << e;
         EXPECT_LT(e.size(), 200u);
     }

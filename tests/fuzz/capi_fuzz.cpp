@@ -485,11 +485,11 @@ bool is_success(std::string_view e) {
 
 // Two property letters, optionally followed by a phase marker at characters 4 to 6 ("PT liq",
 // "Pq_vap", "PT 1ph"); anything else must be refused, whatever the back-end reads of it.
-bool well_formed_inputspec(std::string_view spec) {
-    while (!spec.empty() && spec.back() == ' ') spec.remove_suffix(1);
-    if (spec.size() == 2) return true;
-    if (spec.size() != 6) return false; // the third character is free
-    const auto marker = spec.substr(3);
+bool well_formed_inputspec(std::string_view read) {
+    while (!read.empty() && read.back() == ' ') read.remove_suffix(1);
+    if (read.size() == 2) return true;
+    if (read.size() != 6) return false; // the third character is free
+    const auto marker = read.substr(3);
     return marker == "liq" || marker == "vap" || marker.substr(1) == "ph";
 }
 
@@ -497,10 +497,10 @@ bool well_formed_inputspec(std::string_view spec) {
 void check_inputspec_answer(const char* procedure, const ctext& inputspec,
                             const text_buffer& errormsg) {
     if (inputspec.null || errormsg.len() < 10 || !is_success(errormsg.text())) return;
-    const std::string_view spec = inputspec.c(); // what the library reads: up to the first NUL
-    if (!well_formed_inputspec(spec))
+    const std::string_view read = inputspec.c(); // what the library reads: up to the first NUL
+    if (!well_formed_inputspec(read))
         fault("WRONG ANSWER", procedure,
-              "input specification \"" + std::string(spec.substr(0, 40)) +
+              "input specification \"" + std::string(read.substr(0, 40)) +
                   "\" answered with success");
 }
 
@@ -727,7 +727,8 @@ void call_mixture_states(reader& r) {
     const std::string_view letters = "PTvdhsuq";
     const int calls = 1 + r.byte() % 6;
     for (int k = 0; k < calls; ++k) {
-        const std::string_view spec = mixture_inputspecs[r.byte() % std::size(mixture_inputspecs)];
+        const std::string_view pair_text =
+            mixture_inputspecs[r.byte() % std::size(mixture_inputspecs)];
         const auto value = [&](char letter) {
             const auto at = letters.find(letter);
             double w = at == std::string_view::npos ? 0.0 : v[at];
@@ -737,8 +738,8 @@ void call_mixture_states(reader& r) {
             if (jitter == 255) w = real(r);
             return w;
         };
-        const double in1 = value(spec[0]), in2 = value(spec[1]);
-        const ctext inputspec{std::string(spec), false};
+        const double in1 = value(pair_text[0]), in2 = value(pair_text[1]);
+        const ctext inputspec{std::string(pair_text), false};
         text_buffer err(r, 256, true);
         reals ox(r, 20, false), oy(r, 20, false);
         const unsigned which = r.byte() % 6;
@@ -1090,13 +1091,13 @@ std::vector<op> make_procedures() {
              });
          },
          [](reader& r) {
-             const ctext a = text(r, kind::table), spec = text(r, kind::inputspec),
+             const ctext a = text(r, kind::table), symbols = text(r, kind::inputspec),
                          b = text(r, kind::table), c = text(r, kind::table),
                          d = text(r, kind::table);
              const double v1 = real(r), v2 = real(r), v3 = real(r), v4 = real(r), v5 = real(r);
              with_errormsg(r, "settable_new", [&](char* e, int n) {
-                 zentropia_settable_new(a.c(), spec.c(), v1, v2, v3, v4, v5, b.c(), c.c(), d.c(), e,
-                                        n);
+                 zentropia_settable_new(a.c(), symbols.c(), v1, v2, v3, v4, v5, b.c(), c.c(), d.c(),
+                                        e, n);
              });
          },
          [](reader& r) {
@@ -1158,17 +1159,17 @@ std::vector<op> make_procedures() {
          },
          [](reader& r) {
              scalars o(r);
-             const ctext spec = text(r, kind::symbols);
+             const ctext symbols = text(r, kind::symbols);
              const double v = real(r);
-             timed("outputconversion", [&] { zentropia_outputconversion(spec.c(), v, o.d()); });
+             timed("outputconversion", [&] { zentropia_outputconversion(symbols.c(), v, o.d()); });
          },
          [](reader& r) {
              scalars o(r);
-             const ctext spec = text(r, kind::inputspec), out = text(r, kind::symbols);
+             const ctext symbols = text(r, kind::inputspec), out = text(r, kind::symbols);
              reals cnc(r, 20, true);
              const double v = real(r);
              timed("outputconversion_cnc", [&] {
-                 zentropia_outputconversion_cnc(spec.c(), cnc.p(), cnc.len(), out.c(), v, o.d());
+                 zentropia_outputconversion_cnc(symbols.c(), cnc.p(), cnc.len(), out.c(), v, o.d());
              });
          },
          [](reader& r) {
@@ -1292,11 +1293,11 @@ std::vector<op> make_procedures() {
              });
          },
          [](reader& r) {
-             const ctext f = text(r, kind::keyword), spec = text(r, kind::inputspec);
+             const ctext f = text(r, kind::keyword), symbols = text(r, kind::inputspec);
              const double fv = real(r), fixed = real(r), lo = real(r), hi = real(r);
              const int targt = r.byte() < 200 ? 1 + r.byte() % 2 : integer(r);
              with_errormsg(r, "solve", [&](char* e, int n) {
-                 (void)zentropia_solve(f.c(), fv, spec.c(), targt, fixed, lo, hi, e, n);
+                 (void)zentropia_solve(f.c(), fv, symbols.c(), targt, fixed, lo, hi, e, n);
              });
          },
          [](reader& r) {

@@ -80,14 +80,14 @@ const std::array<si_state, 9> single_phase{{{"liquid", 1e6, 300.0},
 const std::array<std::pair<double, double>, 3> two_phase{{{1e6, 0.3}, {2.2e7, 0.5}, {5e3, 0.9}}};
 
 struct input {
-    std::string spec;
+    std::string inputspec;
     double in1, in2;
 };
 
 // The input pairs of one state, in the caller's units, its other properties found the long way.
-std::vector<input> inputs_of(std::string_view spec, double in1, double in2) {
-    std::vector<input> out{{std::string(spec), in1, in2}};
-    const whole_state w = the_long_way(spec, in1, in2);
+std::vector<input> inputs_of(std::string_view inputspec, double in1, double in2) {
+    std::vector<input> out{{std::string(inputspec), in1, in2}};
+    const whole_state w = the_long_way(inputspec, in1, in2);
     if (w.errormsg != "No errors") return out;
     const auto& o = w.value;
     out.push_back({"Ph", o[0], o[4]});
@@ -95,7 +95,7 @@ std::vector<input> inputs_of(std::string_view spec, double in1, double in2) {
     out.push_back({"vu", o[2], o[6]});
     out.push_back({"Td", o[1], o[3]});
     out.push_back({"hs", o[4], o[5]});
-    if (spec == "PT") out.push_back({"PT liq", in1, in2});
+    if (inputspec == "PT") out.push_back({"PT liq", in1, in2});
     return out;
 }
 
@@ -107,15 +107,15 @@ void forget_if97() {
 
 void compare_every_keyword(const unit_set& set, const input& in, const std::string& where,
                            forgetting forget = &forget_if97) {
-    const whole_state expected = the_long_way(in.spec, in.in1, in.in2);
+    const whole_state expected = the_long_way(in.inputspec, in.in1, in.in2);
     for (std::size_t k = 0; k < short_forms.size(); ++k) {
         for (const std::string_view keyword :
              {short_forms[k], k < long_forms.size() ? long_forms[k] : short_forms[k]}) {
             forget(); // every keyword from a back-end that remembers nothing of this state
             std::string errormsg;
-            const double value = zm::calcprop(keyword, in.spec, in.in1, in.in2, errormsg);
-            const std::string at = where + " " + in.spec + " " + std::string(keyword) + " in " +
-                                   set.name + " " + set.basis;
+            const double value = zm::calcprop(keyword, in.inputspec, in.in1, in.in2, errormsg);
+            const std::string at = where + " " + in.inputspec + " " + std::string(keyword) +
+                                   " in " + set.name + " " + set.basis;
             EXPECT_EQ(errormsg, expected.errormsg) << at;
             if (expected.errormsg == "No errors") {
                 EXPECT_TRUE(same_bits(value, expected.value[k]))
@@ -125,10 +125,10 @@ void compare_every_keyword(const unit_set& set, const input& in, const std::stri
     }
     // An unknown keyword is reported for a state that stands, the state's failure otherwise.
     std::string errormsg;
-    zm::calcprop("enthalpie", in.spec, in.in1, in.in2, errormsg);
+    zm::calcprop("enthalpie", in.inputspec, in.in1, in.in2, errormsg);
     EXPECT_EQ(errormsg, expected.errormsg == "No errors" ? "Unknown property specified..."
                                                          : expected.errormsg)
-        << where << " " << in.spec;
+        << where << " " << in.inputspec;
 }
 
 void compare_over_the_grid() {

@@ -136,17 +136,17 @@ struct probe {
     double scale;
     // P v and P v / T of the state: the scales of energies and entropies in the caller's basis
     double pv, pv_t;
-    double value(std::string_view key, std::string_view spec, double a, double b) const {
-        return f.calc(key, spec, a, b);
+    double value(std::string_view key, std::string_view inputspec, double a, double b) const {
+        return f.calc(key, inputspec, a, b);
     }
     // (d key / d first input) at fixed second input, and the other way round
-    double d1(std::string_view key, std::string_view spec, double a, double b) const {
-        const double h = scale * step(spec[0], a, pv, pv_t);
-        return (value(key, spec, a + h, b) - value(key, spec, a - h, b)) / (2 * h);
+    double d1(std::string_view key, std::string_view inputspec, double a, double b) const {
+        const double h = scale * step(inputspec[0], a, pv, pv_t);
+        return (value(key, inputspec, a + h, b) - value(key, inputspec, a - h, b)) / (2 * h);
     }
-    double d2(std::string_view key, std::string_view spec, double a, double b) const {
-        const double h = scale * step(spec[1], b, pv, pv_t);
-        return (value(key, spec, a, b + h) - value(key, spec, a, b - h)) / (2 * h);
+    double d2(std::string_view key, std::string_view inputspec, double a, double b) const {
+        const double h = scale * step(inputspec[1], b, pv, pv_t);
+        return (value(key, inputspec, a, b + h) - value(key, inputspec, a, b - h)) / (2 * h);
     }
     // Steps that keep the state in its phase and its differences well above the round-off of
     // the inversions: volume and density small (a liquid's pressure moves 1e-6 / kappa_T),

@@ -54,8 +54,9 @@ TEST(NoAllocation, HotPaths) {
              [&] {
                  // each keyword asks the back-end its own list
                  for (const char* key : {"h", "s", "cp", "c", "eta", "alpha", "sigma", "dpdt"})
-                     for (const auto& [spec, second] : {std::pair{"PT", t}, std::pair{"Ph", h}})
-                         o[0] = zm::calcprop(key, spec, p, second, errormsg);
+                     for (const auto& [inputspec, second] :
+                          {std::pair{"PT", t}, std::pair{"Ph", h}})
+                         o[0] = zm::calcprop(key, inputspec, p, second, errormsg);
              }},
             {"allprops",
              [&] {

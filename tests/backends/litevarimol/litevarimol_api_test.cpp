@@ -17,8 +17,8 @@ const std::vector<std::string> names = {"CH4", "C2H6", "C3H8", "nC4", "iC4",
                                         "nC5", "nC6",  "N2",   "CO2", "H2S"};
 const double shares[] = {0.60, 0.10, 0.07, 0.04, 0.03, 0.03, 0.02, 0.05, 0.04, 0.02};
 
-varimol_test::mixture_spec first(int n) {
-    varimol_test::mixture_spec m;
+varimol_test::mixture_recipe first(int n) {
+    varimol_test::mixture_recipe m;
     double sum = 0.0;
     for (int i = 0; i < n; ++i) sum += shares[i];
     for (int i = 0; i < n; ++i) {
@@ -29,7 +29,7 @@ varimol_test::mixture_spec first(int n) {
 }
 
 // configures both libraries with the same mixture; returns the lite code
-int configure_both(const varimol_test::mixture_spec& m) {
+int configure_both(const varimol_test::mixture_recipe& m) {
     varimol::fluid_parameters fp;
     varimol::binary_parameters bp;
     varimol_test::make_parameters(m, fp, bp);
@@ -70,8 +70,8 @@ out lite(int mode, double T, double p, double v, double u, double h, double s, d
     out o{{T, p, v, u, h, s, q}, {}, {}, -1};
     litevarimol::composition x, y;
     double* a = o.v;
-    litevarimol::litevarimolprops(mode, a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8],
-                                  a[9], a[10], a[11], a[12], a[13], x, y, o.ierr);
+    litevarimol::litevarimolprops(mode, a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8], a[9],
+                                  a[10], a[11], a[12], a[13], x, y, o.ierr);
     std::copy(x.begin(), x.end(), o.x.begin());
     std::copy(y.begin(), y.end(), o.y.begin());
     return o;
@@ -100,11 +100,10 @@ TEST(LiteVarimol, SameStatesAsVarimolForUpToTenComponents) {
             const out ref = full(1, T, p, 0, 0, 0, 0, 0);
             ASSERT_EQ(ref.ierr, 0) << n << " components at " << T << " K";
             const double* r = ref.v;
-            const int modes[][8] = {{1, 1, 1, 0, 0, 0, 0, 0}, {2, 1, 0, 1, 0, 0, 0, 0},
-                                    {3, 1, 0, 0, 0, 0, 1, 0}, {4, 0, 1, 1, 0, 0, 0, 0},
-                                    {5, 0, 0, 1, 1, 0, 0, 0}, {9, 0, 1, 0, 0, 1, 0, 0},
-                                    {10, 0, 1, 0, 0, 0, 1, 0}, {13, 0, 0, 0, 0, 1, 1, 0},
-                                    {12, 1, 0, 0, 0, 0, 0, 1}};
+            const int modes[][8] = {
+                {1, 1, 1, 0, 0, 0, 0, 0},  {2, 1, 0, 1, 0, 0, 0, 0},  {3, 1, 0, 0, 0, 0, 1, 0},
+                {4, 0, 1, 1, 0, 0, 0, 0},  {5, 0, 0, 1, 1, 0, 0, 0},  {9, 0, 1, 0, 0, 1, 0, 0},
+                {10, 0, 1, 0, 0, 0, 1, 0}, {13, 0, 0, 0, 0, 1, 1, 0}, {12, 1, 0, 0, 0, 0, 0, 1}};
             for (const auto& m : modes) {
                 auto pick = [&](int k) { return m[k + 1] ? r[k] : 0.0; };
                 const double q = m[0] == 12 ? 0.5 : 0.0;
@@ -123,7 +122,7 @@ TEST(LiteVarimol, SameStatesAsVarimolForUpToTenComponents) {
 TEST(LiteVarimol, KeepsItsOwnFluidAndAnswersItsOwnCodes) {
     // eleven components are refused, the fluid configured before stays
     ASSERT_EQ(configure_both(first(3)), 0);
-    varimol_test::mixture_spec eleven = first(10);
+    varimol_test::mixture_recipe eleven = first(10);
     eleven.names.push_back("nC7");
     for (double& x : eleven.x) x *= 0.99;
     eleven.x.push_back(0.01);
@@ -141,10 +140,14 @@ TEST(LiteVarimol, KeepsItsOwnFluidAndAnswersItsOwnCodes) {
     ASSERT_EQ(b.ierr, 0);
     EXPECT_GT(std::abs(a.v[2] / b.v[2] - 1.0), 1e-3);
     // codes of the reduced table
-    struct row { int mode; double T, p, v, q; int code; } rows[] = {
-        {1, 5000.0, 1e6, 0, 0, 158}, {1, 10.0, 1e6, 0, 0, 159},   {1, 200.0, 2e8, 0, 0, 166},
-        {1, 200.0, -1.0, 0, 0, 155}, {2, 200.0, 0, 1e6, 0, 167},  {12, 200.0, 0, 0, 1.5, 200},
-        {11, 0, 1e6, 0, -1.0, 120}, {15, 0, 0, 1e-3, 2.0, 201},   {4, 0, 1e6, 1e3, 0, 171},
+    struct row {
+        int mode;
+        double T, p, v, q;
+        int code;
+    } rows[] = {
+        {1, 5000.0, 1e6, 0, 0, 158}, {1, 10.0, 1e6, 0, 0, 159},  {1, 200.0, 2e8, 0, 0, 166},
+        {1, 200.0, -1.0, 0, 0, 155}, {2, 200.0, 0, 1e6, 0, 167}, {12, 200.0, 0, 0, 1.5, 200},
+        {11, 0, 1e6, 0, -1.0, 120},  {15, 0, 0, 1e-3, 2.0, 201}, {4, 0, 1e6, 1e3, 0, 171},
     };
     for (const row& r : rows)
         EXPECT_EQ(lite(r.mode, r.T, r.p, r.v, 0, 0, 0, r.q).ierr, r.code) << "mode " << r.mode;

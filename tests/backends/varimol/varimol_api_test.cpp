@@ -22,19 +22,29 @@ void* operator new(std::size_t size) {
     if (void* p = std::malloc(size ? size : 1)) return p;
     throw std::bad_alloc();
 }
-void* operator new[](std::size_t size) { return operator new(size); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void operator delete(void* p) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p, std::size_t) noexcept {
+    std::free(p);
+}
 
 using namespace varimol;
 
 namespace {
 
 struct state {
-    double T = 0, p = 0, v = 0, u = 0, h = 0, s = 0, q = 0, cv = 0, dpdt = 0, dpdv = 0,
-           d2pdt2 = 0, d2pdv2 = 0, d2pdtdv = 0, dcvdt = 0;
+    double T = 0, p = 0, v = 0, u = 0, h = 0, s = 0, q = 0, cv = 0, dpdt = 0, dpdv = 0, d2pdt2 = 0,
+           d2pdv2 = 0, d2pdtdv = 0, dcvdt = 0;
     composition x{}, y{}, lnphi{};
     int ierr = -1;
 };
@@ -45,8 +55,8 @@ state tmd(int mode, double T, double p, double q = 0.0, double v = 0.0) {
     st.p = p;
     st.q = q;
     st.v = v;
-    vm3_tmdprop(mode, st.T, st.p, st.v, st.u, st.h, st.s, st.q, st.cv, st.dpdt, st.dpdv,
-                st.d2pdt2, st.d2pdv2, st.d2pdtdv, st.dcvdt, st.x, st.y, st.lnphi, st.ierr);
+    vm3_tmdprop(mode, st.T, st.p, st.v, st.u, st.h, st.s, st.q, st.cv, st.dpdt, st.dpdv, st.d2pdt2,
+                st.d2pdv2, st.d2pdtdv, st.dcvdt, st.x, st.y, st.lnphi, st.ierr);
     return st;
 }
 
@@ -59,8 +69,8 @@ state one_phase(int mode, double T, double p, double v = 0.0, double u = 0.0, do
     st.u = u;
     st.h = h;
     st.s = s;
-    vm3_tmdprop_1ph(mode, st.T, st.p, st.v, st.u, st.h, st.s, st.cv, st.dpdt, st.dpdv,
-                    st.d2pdt2, st.d2pdv2, st.d2pdtdv, st.dcvdt, st.ierr);
+    vm3_tmdprop_1ph(mode, st.T, st.p, st.v, st.u, st.h, st.s, st.cv, st.dpdt, st.dpdv, st.d2pdt2,
+                    st.d2pdv2, st.d2pdtdv, st.dcvdt, st.ierr);
     return st;
 }
 
@@ -85,12 +95,19 @@ TEST(VarimolApi, BadInputAnswersACodeAndTheNextCallWorks) {
     EXPECT_EQ(ierr, 101);
     vm3_setfluid(1, fp, bp, 21, ierr);
     EXPECT_EQ(ierr, 101);
-    struct { int mode; double T, p, q; int code; } cases[] = {
-        {1, not_a_number, 1e6, 0, 3181},  {1, inf, 1e6, 0, 3180},   {1, 10.0, 1e6, 0, 3181},
-        {1, 5000.0, 1e6, 0, 3180}, {1, 200.0, not_a_number, 0, 3186}, {1, 200.0, -1.0, 0, 3186},
-        {1, 200.0, 2e8, 0, 3185}, {-1, 200.0, inf, 0, 3185}, {12, 200.0, 0, 1.5, 3275},
-        {12, 200.0, 0, not_a_number, 3275}, {11, 0, 1e6, -0.1, 3270}, {11, 0, -5.0, 0.5, 3272},
-        {12, 5000.0, 0, 0.5, 3180}, {14, 200.0, 1e6, 0, 110}, {99, 200.0, 1e6, 0, 110},
+    struct {
+        int mode;
+        double T, p, q;
+        int code;
+    } cases[] = {
+        {1, not_a_number, 1e6, 0, 3181},   {1, inf, 1e6, 0, 3180},
+        {1, 10.0, 1e6, 0, 3181},           {1, 5000.0, 1e6, 0, 3180},
+        {1, 200.0, not_a_number, 0, 3186}, {1, 200.0, -1.0, 0, 3186},
+        {1, 200.0, 2e8, 0, 3185},          {-1, 200.0, inf, 0, 3185},
+        {12, 200.0, 0, 1.5, 3275},         {12, 200.0, 0, not_a_number, 3275},
+        {11, 0, 1e6, -0.1, 3270},          {11, 0, -5.0, 0.5, 3272},
+        {12, 5000.0, 0, 0.5, 3180},        {14, 200.0, 1e6, 0, 110},
+        {99, 200.0, 1e6, 0, 110},
     };
     for (const auto& c : cases) {
         const state st = tmd(c.mode, c.T, c.p, c.q);
@@ -166,7 +183,10 @@ TEST(VarimolApi, OnePhaseModesReturnTheStateTheyCameFrom) {
     for (const auto& pt : states) {
         const state a = one_phase(1, pt[0], pt[1]);
         ASSERT_EQ(a.ierr, 0);
-        struct { int mode; state r; } cases[] = {
+        struct {
+            int mode;
+            state r;
+        } cases[] = {
             {3, one_phase(3, a.T, 0.0, 0.0, 0.0, 0.0, a.s)},
             {5, one_phase(5, 0.0, 0.0, a.v, a.u)},
             {6, one_phase(6, 0.0, 0.0, a.v, 0.0, a.h)},
@@ -203,7 +223,7 @@ TEST(VarimolApi, SaturationForAKappa1AndWongSandlerCompositions) {
 
     // the compositions of the binary satisfy equal fugacity under PRSV with Wong-Sandler mixing
     // and the given NRTL parameters
-    const varimol_test::mixture_spec bin{{"CH4", "C2H6"}, {0.5, 0.5}};
+    const varimol_test::mixture_recipe bin{{"CH4", "C2H6"}, {0.5, 0.5}};
     ASSERT_EQ(varimol_test::select(1, bin), 0);
     std::array<double, 2> x{}, y{};
     vm3_xy_a_alfa(0.1, 0.2, 0.3, 2e6, 200.0, x, y, ierr);
@@ -229,8 +249,8 @@ TEST(VarimolApi, SaturationForAKappa1AndWongSandlerCompositions) {
 }
 
 TEST(VarimolApi, NoHeapAllocationOnTheEvaluationPaths) {
-    ASSERT_EQ(varimol_test::select(1, {{"CH4", "C2H6", "C3H8", "nC4", "N2"},
-                                       {0.8, 0.1, 0.05, 0.03, 0.02}}),
+    ASSERT_EQ(varimol_test::select(
+                  1, {{"CH4", "C2H6", "C3H8", "nC4", "N2"}, {0.8, 0.1, 0.05, 0.03, 0.02}}),
               0);
     allocations = 0;
     counting = true;

@@ -44,7 +44,7 @@ void expect_same(const state& a, const state& b, int n) {
 
 TEST(VarimolDomeEdges, PairsReturnStatesBesideTheBubbleAndDewLines) {
     const struct {
-        varimol_test::mixture_spec spec;
+        varimol_test::mixture_recipe recipe;
         double tlo, thi; // K, within the two-phase range of the mixture
     } mixtures[] = {
         {{{"CH4", "C2H6"}, {0.6, 0.4}}, 160.0, 240.0},
@@ -53,8 +53,8 @@ TEST(VarimolDomeEdges, PairsReturnStatesBesideTheBubbleAndDewLines) {
     };
     int checked = 0;
     for (const auto& m : mixtures) {
-        ASSERT_EQ(varimol_test::select(model_prsv_vdw, m.spec), 0);
-        const int n = static_cast<int>(m.spec.names.size());
+        ASSERT_EQ(varimol_test::select(model_prsv_vdw, m.recipe), 0);
+        const int n = static_cast<int>(m.recipe.names.size());
         for (int k = 0; k < 3; ++k) {
             const double T = m.tlo + k * (m.thi - m.tlo) / 2.0;
             for (double q : {1e-7, 1e-4, 0.5, 1.0 - 1e-4, 1.0 - 1e-7}) {
@@ -73,8 +73,8 @@ TEST(VarimolDomeEdges, PairsReturnStatesBesideTheBubbleAndDewLines) {
                 for (const state* s : {&ref, &out})
                     for (int mode : {9, 10, 5}) {
                         SCOPED_TRACE(::testing::Message()
-                                     << m.spec.names.size() << " components, T " << T << " q " << q
-                                     << " mode " << mode << (s == &out ? " outside" : ""));
+                                     << m.recipe.names.size() << " components, T " << T << " q "
+                                     << q << " mode " << mode << (s == &out ? " outside" : ""));
                         state in; // the pair alone, nothing else given
                         if (mode == 5)
                             in.v = s->v, in.u = s->u;

@@ -16,9 +16,11 @@ using namespace varimol;
 
 namespace {
 
-double rel(double a, double b) { return std::abs(a / b - 1.0); }
+double rel(double a, double b) {
+    return std::abs(a / b - 1.0);
+}
 
-void critical_of(const varimol_test::mixture_spec& m, int model, double& tc, double& pc) {
+void critical_of(const varimol_test::mixture_recipe& m, int model, double& tc, double& pc) {
     ASSERT_EQ(varimol_test::select(model, m), 0);
     double mm, tmin, tmax;
     vm3_fluidinfo(mm, tc, pc, tmin, tmax);
@@ -48,10 +50,11 @@ bool same(const composition& a, const std::vector<double>& z) {
 
 TEST(VarimolCritical, AgreesWithTheIndependentSolution) {
     const std::map<std::string, int> models{{"PRSV", 1}, {"PR", 2}, {"SRK", 3}};
-    const auto rows = varimol_test::read_csv(std::string(ZP_DATA_DIR) + "/varimol/critical_points.csv");
+    const auto rows =
+        varimol_test::read_csv(std::string(ZP_DATA_DIR) + "/varimol/critical_points.csv");
     ASSERT_GE(rows.size(), 10u);
     for (const auto& r : rows) {
-        varimol_test::mixture_spec m;
+        varimol_test::mixture_recipe m;
         for (int i = 1; i <= std::stoi(r.at("nc")); ++i) {
             m.names.push_back(r.at("fluid" + std::to_string(i)));
             m.x.push_back(varimol_test::num(r, "z" + std::to_string(i)));
@@ -65,9 +68,9 @@ TEST(VarimolCritical, AgreesWithTheIndependentSolution) {
 }
 
 TEST(VarimolCritical, BinaryTendsToThePureFluid) {
-    for (const auto& [pure, other, x] : {std::tuple{"CH4", "C2H6", 1.0 - 1e-7},
-                                         std::tuple{"C2H6", "CH4", 1.0 - 1e-7},
-                                         std::tuple{"N2", "O2", 1.0 - 1e-6}}) {
+    for (const auto& [pure, other, x] :
+         {std::tuple{"CH4", "C2H6", 1.0 - 1e-7}, std::tuple{"C2H6", "CH4", 1.0 - 1e-7},
+          std::tuple{"N2", "O2", 1.0 - 1e-6}}) {
         double tc, pc, tc0, pc0;
         critical_of({{pure, other}, {x, 1.0 - x}}, 1, tc, pc);
         critical_of({{pure}, {1.0}}, 1, tc0, pc0);
@@ -80,7 +83,7 @@ TEST(VarimolCritical, BinaryTendsToThePureFluid) {
 
 TEST(VarimolEnvelope, ClosesAndEveryPointIsABubbleOrDewPoint) {
     struct item {
-        varimol_test::mixture_spec m;
+        varimol_test::mixture_recipe m;
         // compared with the back-end's bubble and dew points at the traced pressures (not for
         // the trace of n-decane, whose dew temperatures at given pressure do not converge)
         bool compare;
@@ -133,9 +136,11 @@ TEST(VarimolEnvelope, ClosesAndEveryPointIsABubbleOrDewPoint) {
                 at_temperature(f, t.T[k], tt);
                 phase L, V;
                 ASSERT_EQ(eval_phase(f, tt, t.p[k], t.x[k].data(),
-                                     dew_side ? root_choice::liquid : root_choice::stable, L), 0);
+                                     dew_side ? root_choice::liquid : root_choice::stable, L),
+                          0);
                 ASSERT_EQ(eval_phase(f, tt, t.p[k], t.y[k].data(),
-                                     dew_side ? root_choice::stable : root_choice::vapour, V), 0);
+                                     dew_side ? root_choice::stable : root_choice::vapour, V),
+                          0);
                 for (std::size_t i = 0; i < c.m.x.size(); ++i) {
                     lnf = std::max(lnf, std::abs(std::log(t.x[k][i]) + L.lnphi[i] -
                                                  std::log(t.y[k][i]) - V.lnphi[i]));
@@ -162,9 +167,9 @@ TEST(VarimolEnvelope, ClosesAndEveryPointIsABubbleOrDewPoint) {
 }
 
 TEST(VarimolEnvelope, CricondenbarAndCricondenthermBoundTheCurve) {
-    for (const auto& m : {varimol_test::mixture_spec{{"CH4", "C2H6"}, {0.85, 0.15}},
-                          varimol_test::mixture_spec{{"CH4", "C2H6", "C3H8", "N2", "CO2"},
-                                                     {0.85, 0.06, 0.03, 0.04, 0.02}}}) {
+    for (const auto& m : {varimol_test::mixture_recipe{{"CH4", "C2H6"}, {0.85, 0.15}},
+                          varimol_test::mixture_recipe{{"CH4", "C2H6", "C3H8", "N2", "CO2"},
+                                                       {0.85, 0.06, 0.03, 0.04, 0.02}}}) {
         double tc, pc;
         critical_of(m, 1, tc, pc);
         const traced t = trace();
@@ -211,8 +216,8 @@ TEST(VarimolEnvelope, RoomAndFluidErrors) {
 TEST(VarimolEnvelope, LocatesTheCriticalPointItPasses) {
     // the model alone, with only the pseudo-critical estimate of Kay's rule in the fluid: the
     // critical point between the two points where ln K change sign is solved from there
-    for (const auto& m : {varimol_test::mixture_spec{{"CH4", "C2H6"}, {0.5, 0.5}},
-                          varimol_test::mixture_spec{{"CH4", "C3H8"}, {0.6, 0.4}}}) {
+    for (const auto& m : {varimol_test::mixture_recipe{{"CH4", "C2H6"}, {0.5, 0.5}},
+                          varimol_test::mixture_recipe{{"CH4", "C3H8"}, {0.6, 0.4}}}) {
         double tc, pc;
         critical_of(m, 1, tc, pc);
         fluid f;

@@ -64,8 +64,7 @@ void check_split(const fluid& f, double T, double P, double beta, const flash_re
                  std::mt19937_64& rng) {
     for (int i = 0; i < f.n; ++i) {
         EXPECT_NEAR((1 - beta) * r.x[i] + beta * r.y[i], f.z[i], 1e-12) << "mass balance " << i;
-        EXPECT_NEAR(std::log(r.y[i]) + r.vap.lnphi[i], std::log(r.x[i]) + r.liq.lnphi[i],
-                    1e-10)
+        EXPECT_NEAR(std::log(r.y[i]) + r.vap.lnphi[i], std::log(r.x[i]) + r.liq.lnphi[i], 1e-10)
             << "fugacity " << i;
     }
     EXPECT_GE(lowest_tpd(f, T, P, r.x, r.liq.lnphi, rng), -1e-10);
@@ -135,8 +134,10 @@ TEST(VarimolEquilibrium, RachfordRiceIsExactAtBothEnds) {
         double b = -1.0, x[3], y[3];
         ASSERT_EQ(rachford_rice(3, z, K, b, x, y), 0) << beta;
         // the smaller phase amount to the rounding of z, not of the sum
-        if (beta < 0.5) EXPECT_NEAR(b, beta, 4e-16) << beta;
-        else EXPECT_NEAR(1.0 - b, 1.0 - beta, 4e-16) << beta;
+        if (beta < 0.5)
+            EXPECT_NEAR(b, beta, 4e-16) << beta;
+        else
+            EXPECT_NEAR(1.0 - b, 1.0 - beta, 4e-16) << beta;
         double sy = 0.0;
         sx = 0.0;
         for (int i = 0; i < 3; ++i) sx += x[i], sy += y[i];
@@ -154,7 +155,7 @@ TEST(VarimolEquilibrium, BubblePointsUpToTheCriticalPoint) {
     // Within a few kelvin of the mixture's critical point Wilson's K-values lead the bubble-point
     // iteration onto the trivial solution; the answer must still be the bubble point: a PT flash
     // 0.1 % below it splits the feed with a small vapour fraction, 0.1 % above it finds one phase.
-    const varimol_test::mixture_spec mixtures[] = {
+    const varimol_test::mixture_recipe mixtures[] = {
         {{"CH4", "C2H6"}, {0.6, 0.4}},
         {{"CH4", "C2H6", "C3H8", "N2", "CO2"}, {0.85, 0.06, 0.03, 0.04, 0.02}}};
     for (const auto& m : mixtures) {

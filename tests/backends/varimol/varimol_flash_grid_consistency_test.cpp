@@ -19,7 +19,7 @@ namespace {
 
 struct mixture_case {
     const char* name;
-    varimol_test::mixture_spec spec;
+    varimol_test::mixture_recipe recipe;
     double tlo; // K, lower end of the scanned temperatures
 };
 
@@ -45,8 +45,10 @@ double lowest_tpd(const fluid& f, const temperature_terms<double>& t, double P, 
     for (int k = 0; k < trials; ++k) {
         double s = 0.0;
         for (int i = 0; i < n; ++i) {
-            if (k < n) w[i] = i == k ? 1.0 : 1e-6; // near-pure trials first
-            else w[i] = std::pow(u(rng), 3.0) + 1e-9;
+            if (k < n)
+                w[i] = i == k ? 1.0 : 1e-6; // near-pure trials first
+            else
+                w[i] = std::pow(u(rng), 3.0) + 1e-9;
             s += w[i];
         }
         for (int i = 0; i < n; ++i) w[i] /= s;
@@ -75,11 +77,13 @@ TEST(VarimolFlashGrid, TenThousandStatesConvergeOrAnswerACode) {
     for (const mixture_case& mcase : cases) {
         fluid_parameters fp;
         binary_parameters bp;
-        varimol_test::make_parameters(mcase.spec, fp, bp);
+        varimol_test::make_parameters(mcase.recipe, fp, bp);
         fluid f;
-        ASSERT_EQ(set_fluid(f, model_prsv_vdw, fp, bp, static_cast<int>(mcase.spec.x.size())), 0);
+        ASSERT_EQ(set_fluid(f, model_prsv_vdw, fp, bp, static_cast<int>(mcase.recipe.x.size())), 0);
         // bubble and dew pressures along the temperature scale, up to where they stop
-        struct sat_point { double T, pb, pd; };
+        struct sat_point {
+            double T, pb, pd;
+        };
         std::vector<sat_point> line;
         for (double T = mcase.tlo;; T += 2.0) {
             double Tb = T, pb = 1e5, Td = T, pd = 1e5;
@@ -114,7 +118,8 @@ TEST(VarimolFlashGrid, TenThousandStatesConvergeOrAnswerACode) {
             const int e = flash_tp(f, T, P, f.z.data(), r);
             if (e != 0) {
                 if (std::getenv("VARIMOL_GRID_VERBOSE"))
-                    std::printf("  code %d zone %d: %s T %.17g P %.17g\n", e, zone, mcase.name, T, P);
+                    std::printf("  code %d zone %d: %s T %.17g P %.17g\n", e, zone, mcase.name, T,
+                                P);
                 ++coded;
                 ++local_coded;
                 if (!documented(e)) ++wrong;
@@ -127,8 +132,7 @@ TEST(VarimolFlashGrid, TenThousandStatesConvergeOrAnswerACode) {
                 ++two_phase;
                 double mb = 0.0, fug = 0.0;
                 for (int i = 0; i < f.n; ++i) {
-                    mb = std::max(mb, std::abs((1 - r.beta) * r.x[i] + r.beta * r.y[i] -
-                                               f.z[i]));
+                    mb = std::max(mb, std::abs((1 - r.beta) * r.x[i] + r.beta * r.y[i] - f.z[i]));
                     fug = std::max(fug, std::abs(std::log(r.y[i]) + r.vap.lnphi[i] -
                                                  std::log(r.x[i]) - r.liq.lnphi[i]));
                 }

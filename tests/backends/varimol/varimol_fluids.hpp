@@ -20,9 +20,12 @@ inline std::vector<std::string> split_csv(const std::string& line) {
     std::string cur;
     bool quoted = false;
     for (char c : line) {
-        if (c == '"') quoted = !quoted;
-        else if (c == ',' && !quoted) out.push_back(cur), cur.clear();
-        else cur += c;
+        if (c == '"')
+            quoted = !quoted;
+        else if (c == ',' && !quoted)
+            out.push_back(cur), cur.clear();
+        else
+            cur += c;
     }
     out.push_back(cur);
     return out;
@@ -51,13 +54,13 @@ inline double num(const row& r, const std::string& key) {
     return std::stod(it->second);
 }
 
-struct mixture_spec {
+struct mixture_recipe {
     std::vector<std::string> names;
     std::vector<double> x;
 };
 
 // Fills the arrays for the named components and mole fractions, with the data's kappa1 and kij.
-inline void make_parameters(const mixture_spec& m, varimol::fluid_parameters& fp,
+inline void make_parameters(const mixture_recipe& m, varimol::fluid_parameters& fp,
                             varimol::binary_parameters& bp) {
     static const auto comps = read_csv(std::string(ZP_DATA_DIR) + "/fluids/components.csv");
     static const auto kappa = read_csv(std::string(ZP_DATA_DIR) + "/fluids/prsv_kappa1.csv");
@@ -100,7 +103,7 @@ inline void make_parameters(const mixture_spec& m, varimol::fluid_parameters& fp
 }
 
 // Configures the back-end; returns its code.
-inline int select(int model, const mixture_spec& m) {
+inline int select(int model, const mixture_recipe& m) {
     varimol::fluid_parameters fp;
     varimol::binary_parameters bp;
     make_parameters(m, fp, bp);

@@ -46,7 +46,7 @@ double fugacity_gap(const fluid& f, double T, double P, const double* x, const d
     return gap;
 }
 
-fluid make(const varimol_test::mixture_spec& m) {
+fluid make(const varimol_test::mixture_recipe& m) {
     fluid_parameters fp;
     binary_parameters bp;
     varimol_test::make_parameters(m, fp, bp);
@@ -57,7 +57,7 @@ fluid make(const varimol_test::mixture_spec& m) {
 
 struct named {
     const char* label;
-    varimol_test::mixture_spec m;
+    varimol_test::mixture_recipe m;
 };
 
 const std::vector<named> mixtures{

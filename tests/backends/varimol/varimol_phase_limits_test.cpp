@@ -17,7 +17,7 @@ using namespace varimol;
 
 namespace {
 
-fluid make(int model, const varimol_test::mixture_spec& m) {
+fluid make(int model, const varimol_test::mixture_recipe& m) {
     fluid_parameters fp;
     binary_parameters bp;
     varimol_test::make_parameters(m, fp, bp);
@@ -99,9 +99,9 @@ TEST(VarimolPhaseLimits, PureSaturationIsExactUpToTheCriticalPoint) {
 }
 
 TEST(VarimolPhaseLimits, QualityPointsBeyondTheEnvelopeAnswerTheirCodes) {
-    for (const auto& m : {varimol_test::mixture_spec{{"CH4", "C2H6"}, {0.85, 0.15}},
-                          varimol_test::mixture_spec{{"CH4", "C2H6", "C3H8", "N2", "CO2"},
-                                                     {0.85, 0.06, 0.03, 0.04, 0.02}}}) {
+    for (const auto& m : {varimol_test::mixture_recipe{{"CH4", "C2H6"}, {0.85, 0.15}},
+                          varimol_test::mixture_recipe{{"CH4", "C2H6", "C3H8", "N2", "CO2"},
+                                                       {0.85, 0.06, 0.03, 0.04, 0.02}}}) {
         SCOPED_TRACE(m.names.size());
         ASSERT_EQ(varimol_test::select(1, m), 0);
         double mm, tc, pc, tmin, tmax;
@@ -129,8 +129,7 @@ TEST(VarimolPhaseLimits, QualityPointsBeyondTheEnvelopeAnswerTheirCodes) {
             if (pt.ierr == 0 && pt.q >= 0.0 && pt.q <= 1.0) qmin = std::min(qmin, pt.q);
         }
         ASSERT_LT(qmin, 1.0);
-        for (double q : {0.0, 0.5 * qmin})
-            EXPECT_EQ(tmd(11, 0.0, pm, q).ierr, 3271) << q;
+        for (double q : {0.0, 0.5 * qmin}) EXPECT_EQ(tmd(11, 0.0, pm, q).ierr, 3271) << q;
         EXPECT_EQ(tmd(12, 0.5 * (tc + s.t_cricondentherm), 0.0, 0.0).ierr, 3276);
         EXPECT_EQ(tmd(12, 0.5 * (tc + s.t_cricondentherm), 0.0, 1.0).ierr, 0);
         EXPECT_EQ(tmd(11, 0.0, 0.5 * pc, 0.5).ierr, 0); // usable after the codes
@@ -138,9 +137,10 @@ TEST(VarimolPhaseLimits, QualityPointsBeyondTheEnvelopeAnswerTheirCodes) {
 }
 
 TEST(VarimolPhaseLimits, QualityPointsCloseBelowTheCriticalPointConverge) {
-    for (const auto& m : {varimol_test::mixture_spec{{"CH4", "C2H6"}, {0.85, 0.15}},
-                          varimol_test::mixture_spec{{"N2", "O2", "Ar"}, {0.7812, 0.2096, 0.0092}},
-                          varimol_test::mixture_spec{{"CH4", "C3H8"}, {0.5, 0.5}}}) {
+    for (const auto& m :
+         {varimol_test::mixture_recipe{{"CH4", "C2H6"}, {0.85, 0.15}},
+          varimol_test::mixture_recipe{{"N2", "O2", "Ar"}, {0.7812, 0.2096, 0.0092}},
+          varimol_test::mixture_recipe{{"CH4", "C3H8"}, {0.5, 0.5}}}) {
         ASSERT_EQ(varimol_test::select(1, m), 0);
         const fluid f = make(1, m);
         double mm, tc, pc, tmin, tmax;
@@ -159,8 +159,7 @@ TEST(VarimolPhaseLimits, QualityPointsCloseBelowTheCriticalPointConverge) {
                               1e-9);
                     double gap = 0.0;
                     for (int i = 0; i < int(m.names.size()); ++i)
-                        gap = std::max(gap, std::abs((1.0 - q) * st.x[i] + q * st.y[i] -
-                                                     m.x[i]));
+                        gap = std::max(gap, std::abs((1.0 - q) * st.x[i] + q * st.y[i] - m.x[i]));
                     EXPECT_LT(gap, 1e-9);
                     if (q == 0.0 || q == 1.0) continue;
                     const state pt = tmd(1, st.T, st.p, 0.0);
@@ -172,15 +171,13 @@ TEST(VarimolPhaseLimits, QualityPointsCloseBelowTheCriticalPointConverge) {
 
 TEST(VarimolPhaseLimits, EnvelopesWithHeavyComponentsBoundTheSinglePhaseRegion) {
     struct item {
-        varimol_test::mixture_spec m;
+        varimol_test::mixture_recipe m;
         int ierr;        // 450: a liquid-liquid boundary that rises to the model's Pmax
         int three_phase; // three-phase points passed
     };
     const std::vector<item> cases{
-        {{{"CH4", "nC6"}, {0.98, 0.02}}, 0, 1},
-        {{{"CH4", "nC6"}, {0.99, 0.01}}, 0, 1},
-        {{{"CH4", "nC5"}, {0.99, 0.01}}, 0, 1},
-        {{{"CH4", "nC10"}, {0.99, 0.01}}, 450, 0},
+        {{{"CH4", "nC6"}, {0.98, 0.02}}, 0, 1},  {{{"CH4", "nC6"}, {0.99, 0.01}}, 0, 1},
+        {{{"CH4", "nC5"}, {0.99, 0.01}}, 0, 1},  {{{"CH4", "nC10"}, {0.99, 0.01}}, 450, 0},
         {{{"CO2", "C3H8"}, {0.5, 0.5}}, 450, 1},
     };
     for (const auto& c : cases) {

@@ -15,7 +15,7 @@ using namespace varimol;
 
 TEST(VarimolStability, FeedsAcrossTheSaturationLines) {
     // mixture, lowest temperature (K)
-    const std::pair<varimol_test::mixture_spec, double> cases[] = {
+    const std::pair<varimol_test::mixture_recipe, double> cases[] = {
         {{{"CH4", "C2H6"}, {0.6, 0.4}}, 160.0},
         {{{"CH4", "nC6"}, {0.7, 0.3}}, 220.0},
         {{{"CH4", "C2H6", "C3H8", "N2", "CO2"}, {0.85, 0.06, 0.03, 0.04, 0.02}}, 160.0}};

@@ -36,13 +36,16 @@ full_state call(int mode, double T, double p, double v, double u, double h, doub
 // the largest deviation, relative where the quantity has a natural scale
 double deviation(const full_state& a, const full_state& b, int n) {
     const double rt = 8.314462618 * a.T;
-    double d = std::max({std::abs(b.T / a.T - 1.0), std::abs(b.p / a.p - 1.0),
-                         std::abs(b.v / a.v - 1.0), std::abs(b.u - a.u) / std::max(std::abs(a.u), rt),
-                         std::abs(b.h - a.h) / std::max(std::abs(a.h), rt),
-                         std::abs(b.s - a.s) / std::max(std::abs(a.s), 8.314462618)});
+    double d =
+        std::max({std::abs(b.T / a.T - 1.0), std::abs(b.p / a.p - 1.0), std::abs(b.v / a.v - 1.0),
+                  std::abs(b.u - a.u) / std::max(std::abs(a.u), rt),
+                  std::abs(b.h - a.h) / std::max(std::abs(a.h), rt),
+                  std::abs(b.s - a.s) / std::max(std::abs(a.s), 8.314462618)});
     // quality: two-phase fractions to 1e-9; homogeneous states must stay on the same side
-    if (a.q >= 0.0 && a.q <= 1.0) d = std::max(d, std::abs(b.q - a.q));
-    else if ((a.q < 0.0) != (b.q < 0.0) || b.q >= 0.0 && b.q <= 1.0) d = 1.0;
+    if (a.q >= 0.0 && a.q <= 1.0)
+        d = std::max(d, std::abs(b.q - a.q));
+    else if ((a.q < 0.0) != (b.q < 0.0) || b.q >= 0.0 && b.q <= 1.0)
+        d = 1.0;
     for (int i = 0; i < n; ++i)
         d = std::max({d, std::abs(b.x[i] - a.x[i]), std::abs(b.y[i] - a.y[i])});
     return d;
@@ -50,7 +53,7 @@ double deviation(const full_state& a, const full_state& b, int n) {
 
 struct fluid_case {
     const char* name;
-    varimol_test::mixture_spec spec;
+    varimol_test::mixture_recipe recipe;
     double tlo; // K
 };
 
@@ -72,25 +75,38 @@ struct pair_mode {
     const char* name;
     int mode;
 };
-const pair_mode pairs[] = {{"Tv", 2},  {"Ts", 3},  {"Pv", 4},  {"vu", 5},  {"vh", 6},
-                           {"vs", 7},  {"Pu", 8},  {"Ph", 9},  {"Ps", 10}, {"hs", 13},
+const pair_mode pairs[] = {{"Tv", 2},  {"Ts", 3},  {"Pv", 4}, {"vu", 5},  {"vh", 6},
+                           {"vs", 7},  {"Pu", 8},  {"Ph", 9}, {"Ps", 10}, {"hs", 13},
                            {"vq", 15}, {"Pq", 11}, {"Tq", 12}};
 
 full_state from_pair(int mode, const full_state& r) {
     switch (mode) {
-    case 2: return call(2, r.T, 0, r.v, 0, 0, 0, 0);
-    case 3: return call(3, r.T, 0, 0, 0, 0, r.s, 0);
-    case 4: return call(4, 0, r.p, r.v, 0, 0, 0, 0);
-    case 5: return call(5, 0, 0, r.v, r.u, 0, 0, 0);
-    case 6: return call(6, 0, 0, r.v, 0, r.h, 0, 0);
-    case 7: return call(7, 0, 0, r.v, 0, 0, r.s, 0);
-    case 8: return call(8, 0, r.p, 0, r.u, 0, 0, 0);
-    case 9: return call(9, 0, r.p, 0, 0, r.h, 0, 0);
-    case 10: return call(10, 0, r.p, 0, 0, 0, r.s, 0);
-    case 13: return call(13, 0, 0, 0, 0, r.h, r.s, 0);
-    case 15: return call(15, 0, 0, r.v, 0, 0, 0, r.q);
-    case 11: return call(11, 0, r.p, 0, 0, 0, 0, r.q);
-    default: return call(12, r.T, 0, 0, 0, 0, 0, r.q);
+    case 2:
+        return call(2, r.T, 0, r.v, 0, 0, 0, 0);
+    case 3:
+        return call(3, r.T, 0, 0, 0, 0, r.s, 0);
+    case 4:
+        return call(4, 0, r.p, r.v, 0, 0, 0, 0);
+    case 5:
+        return call(5, 0, 0, r.v, r.u, 0, 0, 0);
+    case 6:
+        return call(6, 0, 0, r.v, 0, r.h, 0, 0);
+    case 7:
+        return call(7, 0, 0, r.v, 0, 0, r.s, 0);
+    case 8:
+        return call(8, 0, r.p, 0, r.u, 0, 0, 0);
+    case 9:
+        return call(9, 0, r.p, 0, 0, r.h, 0, 0);
+    case 10:
+        return call(10, 0, r.p, 0, 0, 0, r.s, 0);
+    case 13:
+        return call(13, 0, 0, 0, 0, r.h, r.s, 0);
+    case 15:
+        return call(15, 0, 0, r.v, 0, 0, 0, r.q);
+    case 11:
+        return call(11, 0, r.p, 0, 0, 0, 0, r.q);
+    default:
+        return call(12, r.T, 0, 0, 0, 0, 0, r.q);
     }
 }
 
@@ -103,17 +119,28 @@ bool same_pair(int mode, const full_state& a, const full_state& b) {
                h = rel(a.h, b.h, std::max(std::abs(a.h), rt)),
                s = rel(a.s, b.s, std::max(std::abs(a.s), 8.314462618));
     switch (mode) {
-    case 2: return t && v;
-    case 3: return t && s;
-    case 4: return p && v;
-    case 5: return v && u;
-    case 6: return v && h;
-    case 7: return v && s;
-    case 8: return p && u;
-    case 9: return p && h;
-    case 10: return p && s;
-    case 13: return h && s;
-    default: return false;
+    case 2:
+        return t && v;
+    case 3:
+        return t && s;
+    case 4:
+        return p && v;
+    case 5:
+        return v && u;
+    case 6:
+        return v && h;
+    case 7:
+        return v && s;
+    case 8:
+        return p && u;
+    case 9:
+        return p && h;
+    case 10:
+        return p && s;
+    case 13:
+        return h && s;
+    default:
+        return false;
     }
 }
 
@@ -125,10 +152,12 @@ TEST(VarimolStatePairs, EveryPairReturnsThePTState) {
     int total = 0, failed = 0, ambiguous = 0, other_state = 0;
     const bool verbose = std::getenv("VARIMOL_PAIRS_VERBOSE") != nullptr;
     for (const fluid_case& fc : cases) {
-        ASSERT_EQ(varimol_test::select(model_prsv_vdw, fc.spec), 0) << fc.name;
-        const int n = static_cast<int>(fc.spec.x.size());
+        ASSERT_EQ(varimol_test::select(model_prsv_vdw, fc.recipe), 0) << fc.name;
+        const int n = static_cast<int>(fc.recipe.x.size());
         // bubble and dew pressures along the temperature scale, up to where they stop
-        struct sat_point { double T, pb, pd; };
+        struct sat_point {
+            double T, pb, pd;
+        };
         std::vector<sat_point> line;
         for (double T = fc.tlo;; T += 2.0) {
             const full_state b = call(12, T, 0, 0, 0, 0, 0, 0.0);
@@ -149,8 +178,8 @@ TEST(VarimolStatePairs, EveryPairReturnsThePTState) {
             if (zone == 0) {
                 const double q = 0.02 + 0.96 * u(rng);
                 ref = n == 1 ? call(12, sp.T, 0, 0, 0, 0, 0, q)
-                             : call(1, sp.T, sp.pd + (0.05 + 0.9 * u(rng)) * (sp.pb - sp.pd), 0,
-                                    0, 0, 0, 0);
+                             : call(1, sp.T, sp.pd + (0.05 + 0.9 * u(rng)) * (sp.pb - sp.pd), 0, 0,
+                                    0, 0, 0);
             } else if (zone == 1) {
                 ref = call(1, sp.T, std::min(sp.pb * (1.2 + 3.0 * u(rng)), 5e7), 0, 0, 0, 0, 0);
             } else if (zone == 2) {
@@ -189,8 +218,10 @@ TEST(VarimolStatePairs, EveryPairReturnsThePTState) {
                     // the end of the line, where its volumes change fastest, by bisection
                     for (double lo = last, hi = last + 0.25; hi - lo > 1e-9 * hi;) {
                         const double mid = 0.5 * (lo + hi);
-                        if (visit(mid)) lo = mid;
-                        else hi = mid;
+                        if (visit(mid))
+                            lo = mid;
+                        else
+                            hi = mid;
                     }
                     ++ambiguous;
                     if (crossings >= 2) continue;
@@ -217,8 +248,8 @@ TEST(VarimolStatePairs, EveryPairReturnsThePTState) {
                     if (verbose)
                         std::printf("  %s %s zone %d: code %d dev %.3g  T %.12g p %.12g q %.6g "
                                     "-> T %.12g p %.12g q %.6g\n",
-                                    fc.name, pairs[m].name, zone, r.ierr, dev, ref.T, ref.p,
-                                    ref.q, r.T, r.p, r.q);
+                                    fc.name, pairs[m].name, zone, r.ierr, dev, ref.T, ref.p, ref.q,
+                                    r.T, r.p, r.q);
                 }
             }
         }
