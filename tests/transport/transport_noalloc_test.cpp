@@ -3,39 +3,17 @@
 #include "main/water_support.hpp"
 #include "transport/zentropia_transport.hpp"
 
+#include "allocation_counter.hpp"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
-#include <new>
-
-namespace {
-long allocations = 0;
-}
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
-    throw std::bad_alloc();
-}
-void operator delete(void* p) noexcept {
-    std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept {
-    std::free(p);
-}
 
 namespace {
 
 namespace ztr = zentropia_transport;
 
-// Allocations made by 100 calls after a first one.
-long allocations_of(const std::function<void()>& call) {
-    call();
-    const long before = allocations;
-    for (int i = 0; i < 100; ++i) call();
-    return allocations - before;
-}
+using allocation_counter::allocations_of;
 
 TEST(NoAllocation, OwnTransportModel) {
     EXPECT_GT(allocations_of([] { std::string text(100, 'x'); }), 0) << "the counter counts";

@@ -3,38 +3,14 @@
 // program counts the allocations made while `counting` is set.
 #include "if97/if97.hpp"
 
+#include "allocation_counter.hpp"
+
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdlib>
 #include <new>
 #include <string>
-
-namespace {
-bool counting = false;
-std::size_t allocations = 0;
-} // namespace
-
-void* operator new(std::size_t size) {
-    if (counting) ++allocations;
-    if (void* p = std::malloc(size ? size : 1)) return p;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) {
-    return operator new(size);
-}
-void operator delete(void* p) noexcept {
-    std::free(p);
-}
-void operator delete[](void* p) noexcept {
-    std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept {
-    std::free(p);
-}
-void operator delete[](void* p, std::size_t) noexcept {
-    std::free(p);
-}
 
 namespace {
 
@@ -66,7 +42,8 @@ TEST(If97Allocation, SuccessfulCallsDoNotAllocate) {
         ASSERT_EQ(err, "No errors") << c.l1 << c.l2;
     }
     if97::uninit_if97();
-    counting = true;
+    allocation_counter::allocations = 0;
+    allocation_counter::counting = true;
     for (int round = 0; round < 2; ++round) // the second round hits the memory of a state
         for (const call& c : calls) {
             if97::if97_main(c.l1, c.a, c.l2, c.b, list, out, err);
@@ -75,9 +52,9 @@ TEST(If97Allocation, SuccessfulCallsDoNotAllocate) {
             if97::if97_main("P", 10.0, "x", 0.5, "T.", out, err);
             if97::if97_main("T", 100.0, "x", 0.5, "P.", out, err);
         }
-    counting = false;
+    allocation_counter::counting = false;
     EXPECT_EQ(err, "No errors");
-    EXPECT_EQ(allocations, 0u);
+    EXPECT_EQ(allocation_counter::allocations, 0u);
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 // The entry points: modes, codes for bad input (and that the next good call still works), the
 // quality convention, and no heap allocation on the evaluation paths.
-// (GCC cannot see that the replaced operators below pair malloc with free)
+// (GCC cannot see that the replaced operators of allocation_counter.hpp pair malloc with free)
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 #include "model/properties.hpp"
 #include "varimol_fluids.hpp"
+
+#include "allocation_counter.hpp"
 
 #include <gtest/gtest.h>
 
@@ -11,32 +13,6 @@
 #include <cstdlib>
 #include <limits>
 #include <new>
-
-namespace {
-bool counting = false;
-std::size_t allocations = 0;
-} // namespace
-
-void* operator new(std::size_t size) {
-    if (counting) ++allocations;
-    if (void* p = std::malloc(size ? size : 1)) return p;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) {
-    return operator new(size);
-}
-void operator delete(void* p) noexcept {
-    std::free(p);
-}
-void operator delete[](void* p) noexcept {
-    std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept {
-    std::free(p);
-}
-void operator delete[](void* p, std::size_t) noexcept {
-    std::free(p);
-}
 
 using namespace varimol;
 
@@ -252,8 +228,8 @@ TEST(VarimolApi, NoHeapAllocationOnTheEvaluationPaths) {
     ASSERT_EQ(varimol_test::select(
                   1, {{"CH4", "C2H6", "C3H8", "nC4", "N2"}, {0.8, 0.1, 0.05, 0.03, 0.02}}),
               0);
-    allocations = 0;
-    counting = true;
+    allocation_counter::allocations = 0;
+    allocation_counter::counting = true;
     const state a = tmd(1, 200.0, 3e6);
     const state b = tmd(1, 300.0, 3e6);
     const state c = tmd(12, 200.0, 0.0, 0.0);
@@ -267,8 +243,8 @@ TEST(VarimolApi, NoHeapAllocationOnTheEvaluationPaths) {
         vm3_tmdprop(mode, st->T, st->p, st->v, st->u, st->h, st->s, st->q, st->cv, st->dpdt,
                     st->dpdv, st->d2pdt2, st->d2pdv2, st->d2pdtdv, st->dcvdt, st->x, st->y,
                     st->lnphi, st->ierr);
-    counting = false;
-    EXPECT_EQ(allocations, 0u);
+    allocation_counter::counting = false;
+    EXPECT_EQ(allocation_counter::allocations, 0u);
     for (int code : {a.ierr, b.ierr, c.ierr, d.ierr, e.ierr, f.ierr, g.ierr, h.ierr, gg.ierr})
         EXPECT_EQ(code, 0);
     EXPECT_TRUE(k.ierr == 0 || k.ierr == 3283);
